@@ -1,0 +1,162 @@
+// The file system, as the store sees it: Windows rules on every platform.
+//
+// A path holds the Windows form (backslashes) and is a NUL-terminated byte text; nothing converts
+// its characters. Letter case is ignored: a name is looked for as written first, and only if that
+// finds nothing by looking through its folder; an exact match wins. A slash separates like a
+// backslash.
+//
+// Sharing. A file open for reading may be opened for reading by others; one open for reading and
+// writing excludes everyone, other handles of this process too. A file that any handle holds cannot
+// be deleted or moved, and a folder that holds such a file cannot be removed or renamed. What is
+// refused for that reason fails with SystemError::kSharingViolation.
+//
+// A listing is reading the folder: FolderEntry brings the attributes from the entry itself, and no
+// operation here costs a call per entry.
+//
+// The last three operations make something. In the services that the library installs they are
+// inert: MakeFile and MakeFolder answer false, CopyFileTo true, and nothing is touched.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+namespace kivstore {
+
+// Values are the system error numbers of Windows, so that both platforms tell a caller the same.
+enum class SystemError : uint32_t {
+  kNone = 0,
+  kFileNotFound = 2,  // the folder is there and lacks the name
+  kPathNotFound = 3,  // the folder itself is missing
+  kAccessDenied = 5,
+  kInvalidHandle = 6,
+  kNotSameDevice = 17,
+  kSharingViolation = 32,
+  kDiskFull = 112,
+  kInvalidName = 123,
+  kFolderNotEmpty = 145,
+  kAlreadyExists = 183,
+  kOther = 31,
+};
+
+enum class FileAccess { kRead, kReadWrite };  // shared reading; exclusive
+enum class SeekOrigin { kStart, kEnd, kCurrent };
+
+struct FileAttributes {
+  bool folder = false;
+  bool hidden = false;
+  bool readOnly = false;  // not told by a walk
+  // A symbolic link or its like, entered as what it leads to and removed as itself. Not told by a
+  // walk.
+  bool link = false;
+};
+
+struct FolderEntry {
+  const char* name;  // valid until the next step of the walk
+  int nameLength;
+  FileAttributes attributes;
+};
+
+// One walk through a folder, in the file system's own order. "." and ".." are entries like any
+// other.
+class IFolderWalk {
+ public:
+  virtual ~IFolderWalk() = default;
+  virtual bool Next(FolderEntry& entry) = 0;
+  // After Next answered false: the folder could not be read to its end.
+  virtual bool HasFailed() const = 0;
+};
+
+struct OpenFile;  // the platform's own
+using FileHandle = OpenFile*;
+
+class IFileServices {
+ public:
+  virtual ~IFileServices() = default;
+
+  // Opens a file that exists; null on failure. Never waits.
+  virtual FileHandle Open(const char* path, FileAccess access, SystemError& error) = 0;
+  virtual void Close(FileHandle file) = 0;
+  // Bytes moved, 0 at the end or on failure.
+  virtual int32_t Read(FileHandle file, void* buffer, int32_t count) = 0;
+  virtual int32_t Write(FileHandle file, const void* buffer, int32_t count) = 0;
+  virtual bool Seek(FileHandle file, SeekOrigin origin, int64_t offset) = 0;
+  virtual int64_t Tell(FileHandle file) = 0;
+  // -1 if the handle stands on something that has no size (a folder, a pipe).
+  virtual int64_t Size(FileHandle file) = 0;
+  // Cuts or extends the file to the position.
+  virtual bool SetEnd(FileHandle file) = 0;
+  virtual bool Flush(FileHandle file) = 0;
+
+  // One look. Where the system keeps the hidden mark apart from the rest, `hidden` tells only what
+  // the name says; FullAttributes looks for the mark too.
+  virtual bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) = 0;
+  virtual bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) = 0;
+  // Sets hidden and read-only of a plain file.
+  virtual bool SetAttributes(const char* path, const FileAttributes& attributes,
+                             SystemError& error) = 0;
+
+  // A file, not a read-only one.
+  virtual bool Delete(const char* path, SystemError& error) = 0;
+  virtual bool RemoveFolder(const char* path, SystemError& error) = 0;  // an empty one, or a link
+  // Moves a file or a folder with all it holds; fails if the target exists, whatever it is, and for
+  // a folder if the target lies on another file system.
+  virtual bool Move(const char* from, const char* to, SystemError& error) = 0;
+
+  // Walks the entries of `folder` whose names match `mask` ("*.*" is all of them). Null on failure.
+  virtual std::unique_ptr<IFolderWalk> Walk(const char* folder, const char* mask,
+                                            SystemError& error) = 0;
+
+  // Bytes in all, bytes free to the caller, bytes per cluster (1 where that is not told).
+  virtual bool DiskSpace(const char* root, uint64_t& total, uint64_t& free, uint32_t& cluster) = 0;
+
+  // False if it does not fit in `size` bytes.
+  virtual bool CurrentFolder(char* buffer, int size) = 0;
+  virtual bool SetCurrentFolder(const char* path) = 0;
+
+  // An empty file; one that is there already is kept and is a success.
+  virtual bool MakeFile(const char* path, SystemError& error) = 0;
+  virtual bool MakeFolder(const char* path, uint32_t mode, SystemError& error) = 0;
+  // A file, or a folder with all it holds; the target must not exist.
+  virtual bool CopyFileTo(const char* from, const char* to, SystemError& error) = 0;
+};
+
+// Passes every operation on to another services object: a base for doubles that change one thing.
+class SForwardingFileServices : public IFileServices {
+ public:
+  explicit SForwardingFileServices(IFileServices& inner) : inner(inner) {}
+
+  FileHandle Open(const char* path, FileAccess access, SystemError& error) override;
+  void Close(FileHandle file) override;
+  int32_t Read(FileHandle file, void* buffer, int32_t count) override;
+  int32_t Write(FileHandle file, const void* buffer, int32_t count) override;
+  bool Seek(FileHandle file, SeekOrigin origin, int64_t offset) override;
+  int64_t Tell(FileHandle file) override;
+  int64_t Size(FileHandle file) override;
+  bool SetEnd(FileHandle file) override;
+  bool Flush(FileHandle file) override;
+  bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
+  bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;
+  bool SetAttributes(const char* path, const FileAttributes& attributes,
+                     SystemError& error) override;
+  bool Delete(const char* path, SystemError& error) override;
+  bool RemoveFolder(const char* path, SystemError& error) override;
+  bool Move(const char* from, const char* to, SystemError& error) override;
+  std::unique_ptr<IFolderWalk> Walk(const char* folder, const char* mask,
+                                    SystemError& error) override;
+  bool DiskSpace(const char* root, uint64_t& total, uint64_t& free, uint32_t& cluster) override;
+  bool CurrentFolder(char* buffer, int size) override;
+  bool SetCurrentFolder(const char* path) override;
+  bool MakeFile(const char* path, SystemError& error) override;
+  bool MakeFolder(const char* path, uint32_t mode, SystemError& error) override;
+  bool CopyFileTo(const char* from, const char* to, SystemError& error) override;
+
+ protected:
+  IFileServices& inner;
+};
+
+// The services that really create. Defined in a source file of its own that libkivstore does not
+// link; a program that administers a store installs it at start:
+//   Platform().files = &CreatingFileServices();
+IFileServices& CreatingFileServices();
+
+}  // namespace kivstore

@@ -1,0 +1,18 @@
+// Tick helpers, in milliseconds since system start.
+#pragma once
+
+#include <cstdint>
+
+namespace kivstore {
+
+uint32_t GetTicks();
+
+// Spins on the tick count, without sleeping or yielding, until `ms` have passed; returns at once
+// for 0 or less. The comparison is signed, so a wrap of the counter ends the wait early or
+// lengthens it.
+void WaitTicks(int32_t ms);
+
+// The system's warning sound.
+void Beep();
+
+}  // namespace kivstore

@@ -1,0 +1,36 @@
+// The keyboard that POSIX knows.
+#ifndef _WIN32
+#include <gtest/gtest.h>
+
+#include "foundation/platform/posix/services.h"
+
+namespace kivstore {
+namespace {
+
+TEST(PosixKeyboard, IsTheStandardAmericanLayout) {
+  const struct {
+    const char* characters;
+    int first, shift;
+  } runs[] = {{"abcdefghijklmnopqrstuvwxyz", 0x41, 0},
+              {"ABCDEFGHIJKLMNOPQRSTUVWXYZ", 0x41, 0x100},
+              {"0123456789", 0x30, 0},
+              {")!@#$%^&*(", 0x30, 0x100},
+              {";=,-./`", 0xBA, 0},
+              {":+<_>?~", 0xBA, 0x100},
+              {"[\\]'", 0xDB, 0},
+              {"{|}\"", 0xDB, 0x100},
+              {" ", 0x20, 0},
+              {"\b\t", 0x08, 0}};
+  for (const auto& run : runs) {
+    int key = run.first;
+    for (const char* c = run.characters; *c != '\0'; ++c) {
+      EXPECT_EQ(PosixKeyboard().ScanCharacter(*c), key++ | run.shift) << *c;
+    }
+  }
+  EXPECT_EQ(PosixKeyboard().ScanCharacter('\xE4'), -1);
+  EXPECT_EQ(PosixKeyboard().ScanCharacter('\0'), -1);
+}
+
+}  // namespace
+}  // namespace kivstore
+#endif

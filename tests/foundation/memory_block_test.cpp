@@ -1,0 +1,107 @@
+#include "foundation/memory_block.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "foundation/platform/platform.h"
+
+namespace kivstore {
+namespace {
+
+TEST(MemoryBlock, KeepsItsHandleAndBytesWhenResized) {
+  const MemoryHandle handle = AllocateBlock(4);
+  std::memcpy(LockBlock(handle), "abcd", 4);
+  ASSERT_TRUE(ResizeBlock(handle, 100000));
+  EXPECT_EQ(std::memcmp(LockBlock(handle), "abcd", 4), 0);
+  ASSERT_TRUE(ResizeBlock(handle, 2));
+  EXPECT_EQ(std::memcmp(LockBlock(handle), "ab", 2), 0);
+  FreeBlock(handle);
+}
+
+TEST(MemoryBlock, NullHandlesAndBadSizesDoNothing) {
+  FreeBlock(nullptr);
+  UnlockBlock(nullptr);
+  EXPECT_EQ(LockBlock(nullptr), nullptr);
+  EXPECT_FALSE(ResizeBlock(nullptr, 10));
+  EXPECT_EQ(AllocateBlock(-1), nullptr);
+  EXPECT_EQ(AllocateBlock(0x80000000), nullptr);
+
+  const MemoryHandle handle = AllocateBlock(4);
+  std::memcpy(LockBlock(handle), "abcd", 4);
+  for (const int64_t size : {int64_t{0}, int64_t{-1}, INT64_MAX, int64_t{0x80000000}}) {
+    EXPECT_FALSE(ResizeBlock(handle, size)) << size;
+    EXPECT_EQ(std::memcmp(LockBlock(handle), "abcd", 4), 0);
+  }
+  FreeBlock(handle);
+}
+
+TEST(MemoryBlock, ABlockOfNoBytesHasNoAddress) {
+  const MemoryHandle handle = AllocateBlock(0);
+  ASSERT_NE(handle, nullptr);
+  EXPECT_EQ(LockBlock(handle), nullptr);
+  FreeBlock(handle);
+}
+
+// One block that tells what was done to it.
+class RecordingMemory : public IMemory {
+ public:
+  MemoryHandle Allocate(uint32_t flags, int64_t) override {
+    allocationFlags = flags;
+    return Handle();
+  }
+  void Free(MemoryHandle) override { ++frees; }
+  void* Lock(MemoryHandle) override { return this; }
+  void Unlock(MemoryHandle) override { --locks; }
+  MemoryHandle Reallocate(MemoryHandle, int64_t, uint32_t flags) override {
+    reallocationFlags = flags;
+    return moved ? reinterpret_cast<MemoryHandle>(&moved) : Handle();
+  }
+  uint32_t Flags(MemoryHandle) override { return marks | locks; }
+
+  MemoryHandle Handle() { return reinterpret_cast<MemoryHandle>(this); }
+
+  uint32_t marks = 0;
+  uint32_t locks = 0;
+  uint32_t allocationFlags = 0;
+  uint32_t reallocationFlags = 0;
+  bool moved = false;
+  int frees = 0;
+};
+
+class MemoryBlockRules : public testing::Test {
+ protected:
+  RecordingMemory memory;
+  SPlatformOverride<IMemory> installed{Platform().memory, &memory};
+};
+
+TEST_F(MemoryBlockRules, AllocatesMovable) {
+  AllocateBlock(10);
+  EXPECT_EQ(memory.allocationFlags, 2u);
+}
+
+TEST_F(MemoryBlockRules, FreeingUnlocksFirstAndLeavesADiscardedBlockAlone) {
+  memory.locks = 3;
+  FreeBlock(memory.Handle());
+  EXPECT_EQ(memory.locks, 0u);
+  EXPECT_EQ(memory.frees, 1);
+
+  memory.locks = 1;
+  memory.marks = 0x8000;
+  FreeBlock(memory.Handle());
+  EXPECT_EQ(memory.locks, 1u);
+  EXPECT_EQ(memory.frees, 1);
+}
+
+TEST_F(MemoryBlockRules, ResizingUnlocksAndIsTrueOnlyForTheSameHandle) {
+  memory.locks = 1;
+  EXPECT_TRUE(ResizeBlock(memory.Handle(), 10));
+  EXPECT_EQ(memory.locks, 0u);
+  EXPECT_EQ(memory.reallocationFlags, 2u);
+  memory.locks = 1;
+  memory.moved = true;
+  EXPECT_FALSE(ResizeBlock(memory.Handle(), 10));
+}
+
+}  // namespace
+}  // namespace kivstore

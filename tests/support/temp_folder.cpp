@@ -1,0 +1,103 @@
+#include "tests/support/temp_folder.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <stdexcept>
+
+namespace kivtest {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path MakeUniqueFolder() {
+  std::random_device random;
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    fs::path candidate = fs::temp_directory_path() / ("kivstore-test-" + std::to_string(random()));
+    if (fs::create_directory(candidate)) {
+      return candidate;
+    }
+  }
+  throw std::runtime_error("no unique temporary folder");
+}
+
+void AllowOwner(const fs::path& path) {
+  std::error_code ignored;
+  fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, ignored);
+}
+
+// A folder must be made accessible before it can be walked.
+void MakeRemovable(const fs::path& folder) {
+  AllowOwner(folder);
+  std::error_code ignored;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
+    if (entry.is_symlink(ignored)) {
+      continue;
+    }
+    if (entry.is_directory(ignored)) {
+      MakeRemovable(entry.path());
+    } else {
+      AllowOwner(entry.path());
+    }
+  }
+}
+
+void RemoveTree(const fs::path& path) {
+  std::error_code ignored;
+  if (!fs::is_symlink(path, ignored)) {
+    MakeRemovable(path);
+  }
+  fs::remove_all(path, ignored);
+}
+
+}  // namespace
+
+TempFolder::TempFolder() : root(MakeUniqueFolder().string()) {}
+
+TempFolder::~TempFolder() {
+  RemoveTree(root);
+}
+
+void TempFolder::WriteFile(const std::string& relative, const std::string& bytes) const {
+  const fs::path path = Path(relative);
+  fs::create_directories(path.parent_path());
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  if (!file) {
+    throw std::runtime_error("cannot write " + path.string());
+  }
+}
+
+std::string TempFolder::ReadFile(const std::string& relative) const {
+  std::ifstream file(Path(relative), std::ios::binary);
+  if (!file) {
+    throw std::runtime_error("cannot read " + Path(relative));
+  }
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void TempFolder::MakeFolder(const std::string& relative) const {
+  fs::create_directories(Path(relative));
+}
+
+void TempFolder::Remove(const std::string& relative) const {
+  RemoveTree(Path(relative));
+}
+
+bool TempFolder::Exists(const std::string& relative) const {
+  return fs::exists(fs::symlink_status(Path(relative)));
+}
+
+std::vector<std::string> TempFolder::List(const std::string& relative) const {
+  std::vector<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator(Path(relative))) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace kivtest
