@@ -1,0 +1,89 @@
+// Records as a flat, big-endian byte sequence: exactly the fields that Serialize lists, in that
+// order, with no tags, lengths or type marks. A reader cannot skip what it does not know, which is
+// why version words must match exactly.
+//
+//   bool, char       1      as it stands; any byte but 0 reads as true
+//   short            2      big-endian
+//   long             4      big-endian
+//   double           8      IEEE 754, big-endian
+//   text             n + 1  its bytes and one NUL; 32,766 characters at most
+//   point, size      8      x, y / cx, cy
+//   rectangle        16     left, top, right, bottom
+//   date, stamp      8      high word (0xFFFFFFFF for the fresh mark, else 0), low word: seconds
+//   blob             4 + n  length, then the bytes
+#pragma once
+
+#include "archive/binary_stream.h"
+#include "archive/dob_archive.h"
+#include "foundation/file_spec.h"
+
+namespace kivstore {
+
+class SDobBinaryArchive final : public IDobArchive {
+ public:
+  static constexpr int32_t kRead = 0;
+  static constexpr int32_t kWrite = 1;
+
+  SDobBinaryArchive(int32_t mode, const SFileSpec& spec);
+  SDobBinaryArchive(int32_t mode, SBinaryStream* stream);  // the caller's stream, may be null
+  ~SDobBinaryArchive();
+  SDobBinaryArchive(const SDobBinaryArchive&) = delete;
+  SDobBinaryArchive& operator=(const SDobBinaryArchive&) = delete;
+
+  bool IsReading() const override { return mode != kWrite; }
+  bool IsWriting() const override { return mode == kWrite; }
+  bool IsDeleting() const override { return false; }
+  bool HasError() const override { return stream == nullptr || stream->HasError(); }
+  bool WriteBytes(const void* data, int16_t length) override;
+  bool WriteTag(uint32_t tag) override;
+  bool CheckBytes(const void* data, int16_t length) override;
+  bool CheckTag(uint32_t tag) override;
+  void PushSectionNumber(uint16_t) override {}
+  void PushSection(const char*) override {}
+  void PopSection() override {}
+  const char* GetSection() const override { return nullptr; }
+  void PushKeyNumber(uint16_t) override {}
+  void PushKey(const char*) override {}
+  void PopKey() override {}
+  const char* GetKey() const override { return nullptr; }
+  void Finish() override;
+  bool TransferBlob(const char* name, MemoryHandle& handle, int32_t& length) override;
+  bool TransferDateTime(const char* name, SDateTime& value) override;
+  bool TransferRect(const char* name, SRect& value) override;
+  bool TransferSize(const char* name, SSize& value) override;
+  bool TransferPoint(const char* name, SPoint& value) override;
+  bool TransferString(const char* name, SString& value) override;
+  bool TransferDouble(const char* name, double& value) override;
+  bool TransferULong(const char* name, uint32_t& value) override;
+  bool TransferLong(const char* name, int32_t& value) override;
+  bool TransferUShort(const char* name, uint16_t& value) override;
+  bool TransferShort(const char* name, int16_t& value) override;
+  bool TransferUChar(const char* name, uint8_t& value) override;
+  bool TransferChar(const char* name, char& value) override;
+  bool TransferBool(const char* name, bool& value) override;
+  bool TransferTimeStamp(const char* name, SDateTime& stamp) override;
+
+  // When reading, a row of elements at once, as if one by one. False, and nothing has happened, if
+  // they do not lie ready in the stream's buffer to the last.
+  bool TakeRow(bool* row, int32_t count);
+  template <class Number>
+  bool TakeRow(Number* row, int32_t count) {
+    const uint8_t* const bytes = TakeRowBytes(count, sizeof(Number));
+    for (int32_t i = 0; bytes != nullptr && i < count; ++i) {
+      CopySwapped(row + i, bytes + i * static_cast<int32_t>(sizeof(Number)), sizeof(Number));
+    }
+    return bytes != nullptr;
+  }
+
+ private:
+  const uint8_t* TakeRowBytes(int32_t count, int32_t width);
+  bool WriteBlob(MemoryHandle handle, int32_t length);
+  bool ReadBlob(MemoryHandle& handle, int32_t& length);
+
+  int32_t mode;
+  SDateTime now;  // goes out in place of the fresh mark
+  SBinaryStream* stream;
+  bool ownsStream;
+};
+
+}  // namespace kivstore

@@ -1,0 +1,92 @@
+// The operations of a record for whole files of the binary form.
+#include "archive/dob.h"
+#include "archive/dob_binary_archive.h"
+#include "archive/dob_merging.h"
+#include "foundation/file_type.h"
+
+namespace kivstore {
+namespace {
+
+constexpr uint8_t kMagic[] = {'B', 'I', 'N', 1};
+
+}  // namespace
+
+bool SDob::SaveToFile(SFileSpec& spec) {
+  if (!(spec.IsValid() && spec.Exists()) &&
+      !spec.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0)) {
+    return false;
+  }
+  SDobBinaryArchive archive(SDobBinaryArchive::kWrite, spec);
+  return WriteToArchive(archive);
+}
+
+bool SDob::LoadFromFile(const SFileSpec& spec) {
+  SDobBinaryArchive archive(SDobBinaryArchive::kRead, spec);
+  return ReadFromArchive(archive);
+}
+
+bool SDob::SaveToStream(SBinaryStream& stream, bool) {
+  SDobBinaryArchive archive(SDobBinaryArchive::kWrite, &stream);
+  return WriteToArchive(archive);
+}
+
+bool SDob::LoadFromStream(SBinaryStream& stream) {
+  SDobBinaryArchive archive(SDobBinaryArchive::kRead, &stream);
+  return ReadFromArchive(archive);
+}
+
+bool SDob::WriteToArchive(IDobArchive& archive) {
+  if (archive.HasError()) {
+    return false;
+  }
+  uint32_t version = GetVersion();
+  archive.WriteBytes(kMagic, sizeof kMagic);
+  archive.TransferULong(nullptr, version);
+  Serialize(archive);
+  archive.Finish();
+  return !archive.HasError();
+}
+
+bool SDob::ReadFromArchive(IDobArchive& archive) {
+  if (archive.HasError() || !archive.CheckBytes(kMagic, sizeof kMagic)) {
+    return false;
+  }
+  uint32_t version = 0;
+  if (!archive.TransferULong(nullptr, version) || version != GetVersion()) {
+    return false;
+  }
+  Serialize(archive);
+  archive.Finish();
+  return !archive.HasError();
+}
+
+bool SDob::CheckFileVersion(int32_t& status, const SFileSpec& spec, uint32_t version) {
+  SDobBinaryArchive archive(SDobBinaryArchive::kRead, spec);
+  uint32_t stored = 0;
+  if (archive.HasError()) {
+    status = kCannotOpen;
+  } else if (!archive.CheckBytes(kMagic, sizeof kMagic)) {
+    status = kWrongMagic;
+  } else if (!archive.TransferULong(nullptr, stored)) {
+    status = kVersionUnreadable;
+  } else if (stored != version) {
+    status = stored < version ? kFileOlder : kFileNewer;
+  } else {
+    status = kVersionEqual;
+  }
+  return status == kVersionEqual;
+}
+
+bool SDob::SaveMergedToFile(SFileSpec& spec) {
+  return SaveMerged(
+      *this, std::unique_ptr<SDob>(CreateNew()),
+      [&](SDob& record) { return record.LoadFromFile(spec); },
+      [&](SDob& record) { return record.SaveToFile(spec); });
+}
+
+bool SDob::MergeFromFile(const SFileSpec& spec) {
+  return MergeStored(*this, std::unique_ptr<SDob>(CreateNew()),
+                     [&](SDob& record) { return record.LoadFromFile(spec); });
+}
+
+}  // namespace kivstore

@@ -1,0 +1,84 @@
+// Records as text in a preference file: one key for each field, built from the record's own names.
+//
+//   a field "Speed" of a child pushed as "LessonDob", saved under section "Student"
+//       [Student_LessonDob]   Speed=10
+//   its stamp                 Speed_ts_high=0  Speed_ts_low=3061000000
+//   a point "Origin"          Origin_x=3  Origin_y=4
+//   an array "Graph"          Graph_Count=2  Graph_0=5  Graph_1=7
+//
+// Deleting is a third direction: the same walk removes each key, and empty sections stay behind as
+// headers. Fields outside any section are in "_Default". A section path may have 32 levels, a key
+// path 16, both 240 characters; a longer path and a 33rd section set the error, a 17th key is
+// dropped and its PopKey takes a level too many.
+//
+// A key that is missing, or on reading one whose value does not fit, leaves the variable as it was
+// and sets the error; the fields behind it are transferred all the same. A double has six decimals.
+// Blobs have no text form.
+#pragma once
+
+#include "archive/dob_archive.h"
+#include "archive/pref_file.h"
+#include "archive/pref_path.h"
+
+namespace kivstore {
+
+class SDobPrefArchive final : public IDobArchive, public SPrefFile {
+ public:
+  static constexpr int32_t kRead = 0;
+  static constexpr int32_t kWrite = 1;
+  static constexpr int32_t kDelete = 2;
+
+  // Opens the file; the error tells if that failed.
+  SDobPrefArchive(int32_t mode, const SFileSpec& spec);
+
+  bool IsReading() const override { return mode != kWrite && mode != kDelete; }
+  bool IsWriting() const override { return mode == kWrite; }
+  bool IsDeleting() const override { return mode == kDelete; }
+  bool HasError() const override { return error; }
+  bool WriteBytes(const void*, int16_t) override { return true; }
+  bool WriteTag(uint32_t) override { return true; }
+  bool CheckBytes(const void*, int16_t) override { return true; }
+  bool CheckTag(uint32_t) override { return true; }
+  void PushSectionNumber(uint16_t n) override;
+  void PushSection(const char* name) override;
+  void PopSection() override;
+  const char* GetSection() const override { return section.text; }
+  void PushKeyNumber(uint16_t n) override;
+  void PushKey(const char* name) override;
+  void PopKey() override;
+  const char* GetKey() const override { return key.text; }
+  void Finish() override { Close(); }
+  bool TransferBlob(const char*, MemoryHandle&, int32_t&) override { return false; }
+  bool TransferDateTime(const char* name, SDateTime& value) override;
+  bool TransferRect(const char* name, SRect& value) override;
+  bool TransferSize(const char* name, SSize& value) override;
+  bool TransferPoint(const char* name, SPoint& value) override;
+  bool TransferString(const char* name, SString& value) override;
+  bool TransferDouble(const char* name, double& value) override;
+  bool TransferULong(const char* name, uint32_t& value) override;
+  bool TransferLong(const char* name, int32_t& value) override;
+  bool TransferUShort(const char* name, uint16_t& value) override;
+  bool TransferShort(const char* name, int16_t& value) override;
+  bool TransferUChar(const char* name, uint8_t& value) override;
+  bool TransferChar(const char* name, char& value) override;
+  bool TransferBool(const char* name, bool& value) override;
+  bool TransferTimeStamp(const char* name, SDateTime& stamp) override;
+
+ private:
+  // The frame of every scalar: `format` fills the text to write, `parse` takes the text read.
+  template <class Format, class Parse>
+  bool TransferText(const char* name, Format format, Parse parse);
+  template <class Format, class Parse>
+  bool TransferHere(Format format, Parse parse);
+  template <class Number>
+  bool TransferUnsigned(const char* name, Number& value);
+  void UseDefaultSection();
+
+  int32_t mode;
+  SPrefPath<32> section;
+  SPrefPath<16> key;
+  SDateTime now;  // goes out in place of the fresh mark
+  bool error;
+};
+
+}  // namespace kivstore

@@ -1,0 +1,16 @@
+#include "archive/stream_null.h"
+
+#include "foundation/platform/never_destroyed.h"
+
+namespace kivstore {
+namespace {
+
+constinit NeverDestroyed<SStreamSrcNull> gNullStream;
+
+}  // namespace
+
+SStreamSrcNull& SStreamSrcNull::Shared() {
+  return gNullStream.object;
+}
+
+}  // namespace kivstore
