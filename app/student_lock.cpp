@@ -1,0 +1,47 @@
+#include <new>
+
+#include "foundation/application.h"
+#include "store/failure_report.h"
+#include "store/layout.h"
+#include "store/lock_file.h"
+#include "store/name_derivation.h"
+
+namespace kivstore {
+namespace {
+
+constexpr int kTextStudentInUse = 16052;
+constexpr int16_t kPollSeconds = 6;
+
+void ReportStudentInUse(const SLoginNameObj& student) {
+  SString message;
+  message.FormatResource(kTextStudentInUse, DisplayName(student).GetText());
+  DropMessage(message);
+}
+
+}  // namespace
+
+bool SKivApp::CheckStudentFree(const SLoginNameObj* studentEntry) {
+  if (studentEntry == nullptr) {
+    return false;
+  }
+  if (studentLock == nullptr) {
+    studentLock = new (std::nothrow) SLockFile;
+  } else {
+    studentLock->Unlock();
+  }
+  if (studentLock == nullptr) {
+    return false;
+  }
+  SFileSpec spec;
+  EntryFolder(spec, &currentUser.classEntry, studentEntry, false, false);
+  studentLock->Retarget(spec, SString::FromResource(kTextIndexFile));
+  studentLock->timeoutSeconds = kPollSeconds;
+  const bool taken = studentLock->Lock(false);
+  SetLockMessages(*studentLock, LockKind::kStudents, false);
+  if (!taken) {
+    ReportStudentInUse(*studentEntry);
+  }
+  return taken;
+}
+
+}  // namespace kivstore

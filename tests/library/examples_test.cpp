@@ -1,0 +1,158 @@
+// The public header and the examples, with the compilers at hand.
+#ifndef _WIN32
+#include <gtest/gtest.h>
+
+#include "tests/support/run_program.h"
+#include "tests/support/store_builder.h"
+#include "tests/support/temp_folder.h"
+
+namespace kivtest {
+namespace {
+
+const std::string kSource = KIVSTORE_SOURCE_DIR;
+const std::string kLibraryFolder = KIVSTORE_BINARY_DIR "/lib";
+
+std::string Trim(const std::string& text) {
+  return text.substr(0, text.find_last_not_of('\n') + 1);
+}
+
+bool IsThere(const std::string& program) {
+  return RunProgram({program, "--version"}).exitCode == 0;
+}
+
+// As the library itself was built.
+std::vector<std::string> BuildFlags() {
+  std::vector<std::string> flags;
+  if (sizeof(void*) == 4) {
+    flags.push_back("-m32");
+  }
+#if defined(__SANITIZE_ADDRESS__)
+  flags.push_back("-fsanitize=address,undefined");
+#endif
+  return flags;
+}
+
+RunResult Compile(const std::string& compiler, std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), compiler);
+  for (const std::string& flag : BuildFlags()) {
+    arguments.push_back(flag);
+  }
+  return RunProgram(arguments);
+}
+
+constexpr char kNetworkedRoster[] =
+    "Ms Hill\n"
+    "  Room 12\n"
+    "    Ann Lee: mission 7\n"
+    "    Mei: mission 1\n"
+    "  Room 14\n"
+    "Ms Zeta\n"
+    "  Group\n";
+constexpr char kLocalRoster[] =
+    "  At home\n"
+    "    Ann Lee: mission 7\n";
+
+class Examples : public testing::Test {
+ protected:
+  Examples() {
+    StoreBuilder networked(folder.Path("network"), Kind::kTeachers);
+    const std::string hill = networked.AddTeacher("Ms Hill");
+    const std::string room = networked.AddClass(hill, "Room 12");
+    AddAnn(networked, room);
+    networked.AddStudent(room, "Mei");
+    networked.AddClass(hill, "Room 14");
+    networked.AddClass(networked.AddTeacher("Ms Zeta"), "Group");
+    networked.Finish();
+    StoreBuilder local(folder.Path("local"), Kind::kLocal);
+    AddAnn(local, local.AddClass("At home"));
+    local.Finish();
+  }
+
+  static void AddAnn(StoreBuilder& store, const std::string& room) {
+    const std::string ann = store.AddStudent(room, "Ann", "Lee");
+    OptionsBytes options;
+    options.SetMission(7).SetLessonDone(7);
+    store.WriteOptions(ann, options);
+  }
+
+  void CompileAndRun(const std::string& compiler, const std::string& standard,
+                     const std::string& file) {
+    const std::string program = folder.Path("example");
+    const RunResult compiled = Compile(
+        compiler, {standard, "-pedantic", "-Wall", "-Wextra", "-Werror",
+                   "-I" + kSource + "/include", "-o", program, kSource + "/examples/" + file,
+                   "-L" + kLibraryFolder, "-lkivstore", "-Wl,-rpath," + kLibraryFolder});
+    ASSERT_EQ(compiled.exitCode, 0) << compiled.errors;
+    ExpectRosters({program});
+  }
+
+  void ExpectRosters(std::vector<std::string> command) {
+    std::vector<std::string> local = command;
+    command.push_back(folder.Path("network"));
+    RunResult run = RunProgram(command);
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    EXPECT_EQ(run.output, kNetworkedRoster);
+    local.push_back("--local");
+    local.push_back(folder.Path("local"));
+    run = RunProgram(local);
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    EXPECT_EQ(run.output, kLocalRoster);
+  }
+
+  TempFolder folder;
+};
+
+TEST_F(Examples, TheOneInCRuns) {
+  if (!IsThere("cc")) {
+    GTEST_SKIP() << "no C compiler";
+  }
+  CompileAndRun("cc", "-std=c99", "print_store.c");
+}
+
+TEST_F(Examples, TheOneInCppRuns) {
+  if (!IsThere("c++")) {
+    GTEST_SKIP() << "no C++ compiler";
+  }
+  CompileAndRun("c++", "-std=c++17", "print_store.cpp");
+}
+
+TEST_F(Examples, TheOneInPythonRuns) {
+  const RunResult python =
+      RunProgram({"python3", "-c", "import ctypes, sys; print(ctypes.sizeof(ctypes.c_void_p))"});
+  if (python.exitCode != 0 || Trim(python.output) != std::to_string(sizeof(void*))) {
+    GTEST_SKIP() << "no python3 of this word size";
+  }
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the interpreter is not built with the sanitizer";
+#endif
+  ExpectRosters({"env", "KIVSTORE_LIBRARY=" + kLibraryFolder + "/libkivstore.so", "python3",
+                 kSource + "/examples/print_store.py"});
+}
+
+TEST(PublicHeader, CompilesAsStrictCAndCpp) {
+  if (!IsThere("cc")) {
+    GTEST_SKIP() << "no C compiler";
+  }
+  const TempFolder folder;
+  const std::string text =
+      "#include <kivstore/general_proc.h>\n"
+      "int main(void) { SGeneralParams p; p.command = KIV_PRODUCT_ID; return p.command != 78; }\n";
+  folder.WriteFile("host.c", text);
+  folder.WriteFile("host.cpp", text);
+  const std::vector<std::vector<std::string>> rows = {
+      {"cc", "-std=c99", "host.c"},
+      {"cc", "-std=c17", "host.c"},
+      {"c++", "-std=c++11", "host.cpp"},
+      {"c++", "-std=c++20", "host.cpp"},
+  };
+  for (const std::vector<std::string>& row : rows) {
+    const RunResult run =
+        Compile(row[0], {row[1], "-pedantic-errors", "-Wall", "-Wextra", "-Werror",
+                         "-I" + kSource + "/include", "-fsyntax-only", folder.Path(row[2])});
+    EXPECT_EQ(run.exitCode, 0) << row[1] << "\n" << run.errors;
+  }
+}
+
+}  // namespace
+}  // namespace kivtest
+#endif

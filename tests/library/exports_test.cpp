@@ -1,0 +1,138 @@
+// What the shared library shows and what it asks of the system.
+#ifndef _WIN32
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+
+#include "tests/support/run_program.h"
+
+namespace kivtest {
+namespace {
+
+const char* const kLibrary = KIVSTORE_BINARY_DIR "/lib/libkivstore.so";
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
+struct Symbol {
+  char kind;
+  std::string name, version;  // of the C library or the runtime it comes from
+};
+
+std::vector<Symbol> ListSymbols(const char* which) {
+  const RunResult run = RunProgram({"nm", "-D", "-P", which, kLibrary});
+  EXPECT_EQ(run.exitCode, 0) << run.errors;
+  std::vector<Symbol> symbols;
+  std::istringstream lines(run.output);
+  std::string name, kind, rest;
+  while (lines >> name >> kind && std::getline(lines, rest)) {
+    const size_t at = name.find('@');
+    symbols.push_back({kind[0], name.substr(0, at),
+                       at == std::string::npos ? "" : name.substr(name.find_last_of('@') + 1)});
+  }
+  return symbols;
+}
+
+TEST(SharedLibrary, ShowsOneFunctionAndNothingElse) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer adds symbols of its own";
+  }
+  const std::vector<Symbol> symbols = ListSymbols("--defined-only");
+  ASSERT_EQ(symbols.size(), 1u);
+  EXPECT_EQ(symbols[0].name, "GeneralProc");
+  EXPECT_EQ(symbols[0].kind, 'T');
+}
+
+// What a library may ask of the C library without being able to create a file or folder: `open`
+// can only with a flag that stands in no source file of it. A name that is new here wants a look
+// before it is added.
+const std::set<std::string> kFiles = {"chdir",           "close",
+                                      "closedir",        "fchmod",
+                                      "fcntl",           "fcntl64",
+                                      "fdatasync",       "fdopendir",
+                                      "fgetxattr",       "flock",
+                                      "fremovexattr",    "fsetxattr",
+                                      "fstat",           "fstat64",
+                                      "fstatat",         "fstatat64",
+                                      "fsync",           "ftruncate",
+                                      "ftruncate64",     "getcwd",
+                                      "getxattr",        "lstat",
+                                      "lstat64",         "open",
+                                      "open64",          "openat",
+                                      "openat64",        "pread",
+                                      "pread64",         "pwrite",
+                                      "pwrite64",        "read",
+                                      "readlink",        "removexattr",
+                                      "rename",          "renameat",
+                                      "renameat2",       "rmdir",
+                                      "setxattr",        "stat",
+                                      "stat64",          "statvfs",
+                                      "statvfs64",       "syscall",
+                                      "unlink",          "unlinkat",
+                                      "write",           "chmod",
+                                      "fchmodat",        "__open_2",
+                                      "__open64_2",      "__openat_2",
+                                      "__openat64_2",    "__read_chk",
+                                      "__pread_chk",     "__pread64_chk",
+                                      "__getcwd_chk",    "__fxstat",
+                                      "__xstat",         "__fxstat64",
+                                      "__xstat64",       "__fstat64_time64",
+                                      "__stat64_time64", "__lstat64_time64",
+                                      "__fcntl_time64",  "faccessat",
+                                      "access",          "getdents64",
+                                      "fstatfs",         "fstatfs64",
+                                      "statfs",          "statfs64"};
+
+// Names by which something could be made.
+const std::set<std::string> kMakers = {
+    "creat",    "creat64",         "mkdir",    "mkdirat",   "mknod",          "mknodat",
+    "mkfifo",   "mkfifoat",        "link",     "linkat",    "symlink",        "symlinkat",
+    "fopen",    "fopen64",         "freopen",  "freopen64", "tmpfile",        "tmpfile64",
+    "mkstemp",  "mkstemp64",       "mkostemp", "mkdtemp",   "tmpnam",         "tempnam",
+    "sendfile", "copy_file_range", "system",   "popen",     "posix_spawn",    "posix_spawnp",
+    "fork",     "vfork",           "execve",   "execvp",    "execv",          "open_by_handle_at",
+    "shm_open", "sem_open",        "mq_open",  "bind",      "io_uring_setup", "dlopen",
+    "dlmopen"};
+
+// The C library's words for work on files, by which an import is taken for one.
+bool SpeaksOfFiles(const std::string& name) {
+  const char* const words[] = {"open",  "file",  "dir",  "link",    "mk",    "tmp",
+                               "temp",  "write", "read", "stat",    "chmod", "attr",
+                               "trunc", "sync",  "name", "syscall", "creat"};
+  return std::any_of(std::begin(words), std::end(words),
+                     [&](const char* word) { return name.find(word) != std::string::npos; });
+}
+
+// Contain such a word by chance.
+const std::set<std::string> kOtherImports = {"uname", "sched_getaffinity", "pthread_setname_np"};
+
+TEST(SharedLibrary, ImportsNothingThatCouldMakeAFileOrFolder) {
+  if (kSanitized) {
+    GTEST_SKIP() << "the sanitizer imports more";
+  }
+  const std::vector<Symbol> imports = ListSymbols("--undefined-only");
+  EXPECT_GT(imports.size(), 10u);
+  for (const Symbol& symbol : imports) {
+    const bool ofTheRuntime = symbol.version.rfind("GLIBC_", 0) != 0;
+    if (ofTheRuntime) {
+      const bool stream = symbol.name.find("filebuf") != std::string::npos ||
+                          symbol.name.find("fstream") != std::string::npos ||
+                          symbol.name.find("filesystem") != std::string::npos;
+      EXPECT_FALSE(stream) << symbol.name;
+      continue;
+    }
+    EXPECT_EQ(kMakers.count(symbol.name), 0u) << symbol.name;
+    EXPECT_TRUE(!SpeaksOfFiles(symbol.name) || kFiles.count(symbol.name) != 0 ||
+                kOtherImports.count(symbol.name) != 0)
+        << symbol.name << " is imported: can it create?";
+  }
+}
+
+}  // namespace
+}  // namespace kivtest
+#endif

@@ -1,0 +1,151 @@
+// The services that really create, and what the makers of a spec do with them.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/file.h"
+#include "foundation/file_spec.h"
+#include "foundation/platform/platform.h"
+#include "tests/support/fault_file_services.h"
+#include "tests/support/temp_folder.h"
+
+namespace kivstore {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class CreatingServicesTest : public testing::Test {
+ protected:
+  CreatingServicesTest() : installed(Platform().files, &CreatingFileServices()) {}
+
+  SFileSpec Spec(const std::string& relative) const {
+    return SFileSpec((temp.Path() + relative).c_str());
+  }
+
+  void WriteTree() const {
+    temp.WriteFile("tree/a.txt", "a");
+    temp.WriteFile("tree/.hidden/b.txt", "b");
+    temp.WriteFile("tree/sub/large.bin", std::string(200000, 'L'));
+    temp.MakeFolder("tree/empty");
+  }
+
+  kivtest::TempFolder temp;
+  SPlatformOverride<IFileServices> installed;
+};
+
+TEST_F(CreatingServicesTest, MakesAnEmptyFileAndKeepsOneThatIsThere) {
+  temp.WriteFile("Taken.lok", "kept");
+  temp.MakeFolder("folder");
+  const struct {
+    const char* path;
+    bool made;
+  } cases[] = {{"/new.lok", true},
+               {"/taken.LOK", true},
+               {"/FOLDER/new.lok", true},
+               {"/folder", false},
+               {"/missing/new.lok", false}};
+  for (const auto& c : cases) {
+    SFileSpec spec = Spec(c.path);
+    EXPECT_EQ(spec.CreateFile(FindFileType(kFileTypeLock), 0, 0, 0), c.made) << c.path;
+    EXPECT_TRUE(!c.made || spec.IsExistingFile());
+  }
+  EXPECT_EQ(temp.List(), Names({"Taken.lok", "folder", "new.lok"}));
+  EXPECT_EQ(temp.List("folder"), Names({"new.lok"}));
+  EXPECT_EQ(temp.ReadFile("Taken.lok"), "kept");
+  EXPECT_EQ(temp.ReadFile("new.lok"), "");
+}
+
+TEST_F(CreatingServicesTest, MakesAFolderOnlyWhereNothingIs) {
+  SFileSpec spec = Spec("/folder");
+  EXPECT_TRUE(spec.CreateFolder(0));
+  EXPECT_TRUE(spec.IsExistingFolder());
+  EXPECT_FALSE(spec.CreateFolder(0x1FF));
+  EXPECT_FALSE(Spec("/FOLDER").CreateFolder(0x1FF));
+  SFileSpec inside = Spec("/folder/inside");
+  EXPECT_TRUE(inside.CreateFolder(0x1FF));
+  EXPECT_TRUE(inside.Down("file"));
+  EXPECT_TRUE(inside.CreateFile(0, 0, 0));
+}
+
+TEST_F(CreatingServicesTest, CopiesFilesAndTreesToAFreeName) {
+  WriteTree();
+  temp.MakeFolder("target");
+  const SFileSpec target = Spec("/target");
+  EXPECT_TRUE(Spec("/tree/a.txt").CopyTo(target, "copy.txt"));
+  EXPECT_FALSE(Spec("/tree/a.txt").CopyTo(target, "COPY.txt"));
+  EXPECT_FALSE(Spec("/tree/missing").CopyTo(target, "missing"));
+  EXPECT_FALSE(Spec("/tree/a.txt").CopyTo(Spec("/none"), "x"));
+  EXPECT_TRUE(Spec("/tree").CopyTo(target, "tree"));
+  EXPECT_FALSE(Spec("/tree").CopyTo(target, "TREE"));
+  EXPECT_EQ(temp.List("target"), Names({"copy.txt", "tree"}));
+  EXPECT_EQ(temp.List("target/tree"), Names({".hidden", "a.txt", "empty", "sub"}));
+  EXPECT_EQ(temp.ReadFile("target/tree/.hidden/b.txt"), "b");
+  EXPECT_EQ(temp.ReadFile("target/tree/sub/large.bin"), std::string(200000, 'L'));
+}
+
+TEST_F(CreatingServicesTest, ACopyIntoItselfEndsAndFails) {
+  WriteTree();
+  EXPECT_FALSE(Spec("/tree").CopyTo(Spec("/tree/empty"), "inside"));
+  EXPECT_FALSE(temp.Exists("tree/empty/inside/empty/inside/empty/inside"));
+}
+
+TEST_F(CreatingServicesTest, DoesNotCopyAFileThatIsOpenForWriting) {
+  WriteTree();
+  SFile open;
+  ASSERT_TRUE(open.Open(SFile::kWrite, Spec("/tree/a.txt")));
+  EXPECT_FALSE(Spec("/tree/a.txt").CopyTo(Spec(""), "copy"));
+  EXPECT_FALSE(temp.Exists("copy"));
+}
+
+TEST_F(CreatingServicesTest, CopiesKeepReadOnly) {
+  WriteTree();
+  ASSERT_TRUE(Spec("/tree/a.txt").SetReadOnly());
+  EXPECT_TRUE(Spec("/tree/a.txt").CopyTo(Spec(""), "copy"));
+  EXPECT_TRUE(Spec("/copy").IsReadOnly());
+}
+
+// What cannot be renamed is copied, and then deleted.
+TEST_F(CreatingServicesTest, MovesATreeByCopyingWhereMovingFails) {
+  WriteTree();
+  temp.MakeFolder("target");
+  kivtest::FaultFileServices faults(*Platform().files);
+  SPlatformOverride<IFileServices> over(Platform().files, &faults);
+  SFileSpec tree = Spec("/tree");
+  faults.FailAt(2, SystemError::kNotSameDevice);
+  EXPECT_TRUE(tree.MoveTo(Spec("/target")));
+  EXPECT_TRUE(faults.HasStruck());
+  EXPECT_EQ(temp.List(), Names({"target"}));
+  EXPECT_EQ(temp.List("target/tree"), Names({".hidden", "a.txt", "empty", "sub"}));
+  EXPECT_EQ(temp.ReadFile("target/tree/sub/large.bin").size(), 200000u);
+}
+
+// Whatever fails on the way, one whole tree is there at the end, and nothing stands half-made
+// beside it unless taking it away failed too.
+TEST_F(CreatingServicesTest, AMoveByCopyingThatFailsAnywhereLosesNothing) {
+  for (int n = 1;; ++n) {
+    temp.Remove("tree");
+    temp.Remove("target");
+    WriteTree();
+    temp.MakeFolder("target");
+    kivtest::FaultFileServices faults(*Platform().files);
+    SFileSpec tree = Spec("/tree");
+    SFileSpec place = Spec("/target/tree");
+    SPlatformOverride<IFileServices> over(Platform().files, &faults);
+    faults.FailAt(n);
+    const bool moved = tree.MoveTree(place);
+    const std::string whole = moved ? "target/tree" : "tree";
+    EXPECT_EQ(temp.List(whole), Names({".hidden", "a.txt", "empty", "sub"})) << n;
+    EXPECT_EQ(temp.ReadFile(whole + "/sub/large.bin").size(), 200000u) << n;
+    EXPECT_TRUE(moved || !temp.Exists("target/tree")) << n;
+    EXPECT_TRUE(faults.OpenPaths().empty());
+    if (!faults.HasStruck()) {
+      EXPECT_TRUE(moved);
+      EXPECT_FALSE(temp.Exists("tree"));
+      break;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kivstore

@@ -1,0 +1,180 @@
+#include "store/name_derivation.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/store/store_scope.h"
+#include "tests/support/temp_folder.h"
+
+using namespace kivstore;
+using namespace std::string_literals;
+using kivtest::Bytes;
+using kivtest::SpecOn;
+using kivtest::TempFolder;
+
+namespace {
+
+struct Derived {
+  std::string name;
+  bool exists = false;
+};
+
+Derived FolderFor(const TempFolder& folder, const char* first, const char* last) {
+  SFileSpec spec = SpecOn(folder.Path());
+  const SString path = spec.GetPath();
+  Derived derived{"", true};
+  derived.name = Bytes(DeriveFolderName(spec, first, last, derived.exists));
+  EXPECT_EQ(spec.GetPath(), path);
+  return derived;
+}
+
+TEST(DeriveFolderName, KeepsLettersAndDigitsThenThinsVowelsThenCuts) {
+  const TempFolder folder;
+  const struct {
+    const char *first, *last, *name;
+  } cases[] = {
+      {"Ann", "Lee", "AnnLee"},
+      {"Christopher", "Applebaum", "Chrstphr"},
+      {"Room 12", "", "Room12"},
+      {"Anneliese", "", "Annliese"},
+      {"AEIOUAEIOUx", "", "AEIOUAEI"},
+      {"Zo\xE9", "O'Hara-Smith", "ZOHrSmth"},
+      {"", "", "Empty"},
+      {"...", "!?", "Empty"},
+      {"..\\x", "/", "x"},
+  };
+  for (const auto& c : cases) {
+    const Derived derived = FolderFor(folder, c.first, c.last);
+    EXPECT_EQ(derived.name, c.name);
+    EXPECT_FALSE(derived.exists);
+  }
+}
+
+TEST(DeriveFolderName, PadsWithNoughtsThenRunsThroughTheDigits) {
+  const TempFolder folder;
+  for (const char* const next : {"AnnLee", "AnnLee0", "AnnLee00", "AnnLee01", "AnnLee02"}) {
+    const Derived derived = FolderFor(folder, "Ann", "Lee");
+    EXPECT_EQ(derived.name, next);
+    EXPECT_FALSE(derived.exists);
+    folder.MakeFolder(next);
+  }
+}
+
+TEST(DeriveFolderName, ExistsOnlyForAFolderThatSaysSo) {
+  for (const int32_t mode : {kSiteLocal, kSiteSharedTeachers}) {
+    const kivtest::SiteScope site(mode);
+    const TempFolder folder;
+    folder.WriteFile("AnnLee/longname.kiv", "Anna\0Lee\0"s);
+    folder.WriteFile("AnnLee0", "a file in the way");
+    folder.MakeFolder("AnnLee00/longname.kiv");
+    folder.WriteFile("AnnLee01/longname.kiv", "");
+    EXPECT_EQ(FolderFor(folder, "Ann", "Lee").name, "AnnLee02");
+    folder.WriteFile("annlee02/LONGNAME.KIV", "ANN LEE\0\0"s);
+    const Derived derived = FolderFor(folder, "Ann", "Lee");
+    EXPECT_EQ(derived.name, "AnnLee02");
+    EXPECT_TRUE(derived.exists);
+  }
+}
+
+TEST(DeriveName, GivesTheLastVariantWhenAllAreTaken) {
+  const TempFolder folder;
+  const std::string digits = "0123456789abcdefghijklmnopqrstuvwxyz";
+  for (const char first : digits) {
+    for (const char second : digits) {
+      folder.MakeFolder({first, second});
+    }
+  }
+  SFileSpec spec = SpecOn(folder.Path());
+  bool exists = true;
+  EXPECT_EQ(DeriveName(spec, "q", "q", "Empty", 2, exists, SString()), "zz");
+  EXPECT_FALSE(exists);
+  EXPECT_EQ(DeriveName(spec, "q", "q", "Empty", 0, exists, SString()), "");
+}
+
+TEST(DeriveName, WithoutAFolderGivesTheFirstText) {
+  const TempFolder folder;
+  folder.WriteFile("a.zep", "");
+  bool exists = true;
+  SFileSpec nowhere;
+  EXPECT_EQ(DeriveFolderName(nowhere, "Ann", "Lee", exists), "AnnLee");
+  EXPECT_FALSE(exists);
+  EXPECT_FALSE(nowhere.IsValid());
+
+  SFileSpec onFile = SpecOn(folder.Path("a.zep"));
+  EXPECT_EQ(DeriveFileName(onFile, "a", exists, "zep"), "a0");
+  EXPECT_TRUE(onFile.IsExistingFolder());
+}
+
+TEST(DeriveFileName, CountsAFileOfTheNameAsTaken) {
+  const TempFolder folder;
+  SFileSpec spec = SpecOn(folder.Path());
+  bool exists = true;
+  EXPECT_EQ(DeriveFileName(spec, "My game!", exists, "zep"), "Mygame");
+  EXPECT_FALSE(exists);
+  EXPECT_EQ(DeriveFileName(spec, "???", exists, "zep"), "UserFile");
+  folder.WriteFile("UserFile.zep", "");
+  folder.WriteFile("Mygame.txt", "");
+  EXPECT_EQ(DeriveFileName(spec, "???", exists, "zep"), "UserFil0");
+  EXPECT_TRUE(exists);
+  EXPECT_EQ(DeriveFileName(spec, "My game!", exists, "zep"), "Mygame");
+  EXPECT_FALSE(exists);
+}
+
+TEST(NextVariant, StepsTheDigitAndMovesOnAfterZ) {
+  const struct {
+    int position, digit;
+    const char* text;
+    bool moved;
+    int nextPosition, nextDigit;
+  } cases[] = {
+      {3, -1, "abc0", false, 3, 0},   {3, 9, "abca", false, 3, 10},  {3, 34, "abcz", true, 2, -1},
+      {0, 34, "zbcd", true, -1, -1},  {9, 4, "abcd", false, 9, 5},   {-1, 34, "abcd", true, -2, -1},
+      {3, 1000, "abcz", true, 2, -1}, {3, -99, "abc0", false, 3, 0},
+  };
+  for (const auto& c : cases) {
+    SString text = "abcd";
+    int position = c.position, digit = c.digit;
+    EXPECT_EQ(NextVariant(text, position, digit), c.moved);
+    EXPECT_EQ(text, c.text);
+    EXPECT_EQ(position, c.nextPosition);
+    EXPECT_EQ(digit, c.nextDigit);
+  }
+}
+
+TEST(LongName, IsTwoTextsAndIsMadeOnlyWhereFilesAre) {
+  const TempFolder folder;
+  const SFileSpec spec = SpecOn(folder.Path());
+  WriteLongName(spec, "Room 12", "");
+  EXPECT_FALSE(folder.Exists("longname.kiv"));
+  {
+    const kivtest::CreatingScope creating;
+    WriteLongName(spec, "A longer name", "");
+  }
+  WriteLongName(spec, "Room 12", "");
+  EXPECT_EQ(folder.ReadFile("longname.kiv"), "Room 12\0\0"s);
+  WriteLongName(spec, "Ann", "Lee");
+  EXPECT_EQ(folder.ReadFile("longname.kiv"), "Ann\0Lee\0"s);
+}
+
+TEST(LongName, KeepsTheLastNameWhereTheFileEndsWithinTheFirst) {
+  const TempFolder folder;
+  const struct {
+    std::string bytes;
+    const char *first, *last;
+  } cases[] = {
+      {"", "", "before"},      {"An", "An", "before"},        {"Ann\0"s, "Ann", ""},
+      {"Ann\0L"s, "Ann", "L"}, {"Ann\0Lee\0"s, "Ann", "Lee"}, {"\0\0"s, "", ""},
+  };
+  for (const auto& c : cases) {
+    folder.WriteFile("longname.kiv", c.bytes);
+    SString first, last = "before";
+    EXPECT_TRUE(ReadLongName(SpecOn(folder.Path("longname.kiv")), first, last));
+    EXPECT_EQ(first, c.first);
+    EXPECT_EQ(last, c.last);
+  }
+  SString first = "x", last = "y";
+  EXPECT_FALSE(ReadLongName(SpecOn(folder.Path("none.kiv")), first, last));
+  EXPECT_FALSE(ReadLongName(SpecOn(folder.Path()), first, last));
+  EXPECT_EQ(first + last, "xy");
+}
+
+}  // namespace

@@ -1,0 +1,232 @@
+#include <set>
+
+#include "store/listing.h"
+#include "tests/store/store_fixture.h"
+#include "tests/support/fault_file_services.h"
+
+using namespace kivstore;
+using kivtest::IndexBytes;
+using kivtest::IndexLine;
+using kivtest::Kind;
+using kivtest::Lines;
+using kivtest::LongNameBytes;
+using kivtest::StoreBuilder;
+using kivtest::Text;
+
+namespace {
+
+const std::string kList = "Classes.zep/Room/Students";
+
+// The list at hand is that of the students of one class.
+class ReconcileTest : public kivtest::StoreFixture {
+ protected:
+  StoreBuilder Build(Kind kind, const std::vector<IndexLine>& students) {
+    UseSite(kind);
+    StoreBuilder store(temp.Path(), kind);
+    store.AddClass("", "Room", "Room");
+    for (const IndexLine& student : students) {
+      store.AddStudent("Classes.zep/Room", student.first, student.last, student.folder);
+    }
+    store.Finish();
+    return store;
+  }
+  Lines Listed() const {
+    SLoginList list;
+    LoadStudentList(list.Array(), Entry("Room", "Room"), true, true);
+    return Described(list.Array());
+  }
+  std::string Index() const { return temp.ReadFile(kList + "/index.kiv"); }
+  static std::string In(const std::string& folder) { return kList + "/" + folder; }
+};
+
+TEST_F(ReconcileTest, AFolderThatTellsItsNameIsListedOnceInDisplayOrder) {
+  const StoreBuilder store =
+      Build(Kind::kShared, {{"a", "Zoe", ""}, {"b", "Bob", "Ray"}, {"c", "Ann", "Lee"}});
+  temp.WriteFile(In("aaa/longname.kiv"), LongNameBytes("Mia", "Kay"));
+  temp.WriteFile(In("aaa/index.lok"), "");
+  EXPECT_EQ(Listed(), Lines({"c:Ann:Lee", "b:Bob:Ray", "aaa:Mia:Kay", "a:Zoe:"}));
+  EXPECT_EQ(
+      Index(),
+      IndexBytes(
+          {{"c", "Ann", "Lee"}, {"b", "Bob", "Ray"}, {"aaa", "Mia", "Kay"}, {"a", "Zoe", ""}}));
+  const auto repaired = store.Snapshot();
+  EXPECT_EQ(Listed(), Lines({"a:Zoe:", "aaa:Mia:Kay", "b:Bob:Ray", "c:Ann:Lee"}));
+  EXPECT_EQ(Changes(repaired, store.Snapshot()), Lines());
+}
+
+TEST_F(ReconcileTest, AnEntryWithoutItsFolderGoes) {
+  StoreBuilder store =
+      Build(Kind::kLocal, {{"a", "Zoe", ""}, {"b", "Bob", "Ray"}, {"c", "Ann", "Lee"}});
+  store.AddFileLine(kList, {"x.zep", "X", "zep"});
+  store.Finish();
+  store.RemoveFolder(In("b"));
+  temp.WriteFile(In("b"), "a file is no folder");
+  EXPECT_EQ(Listed(), Lines({"c:Ann:Lee", "a:Zoe:"}));
+  EXPECT_EQ(Index(), IndexBytes({{"c", "Ann", "Lee"}, {"a", "Zoe", ""}}, {{"x.zep", "X", "zep"}}));
+}
+
+TEST_F(ReconcileTest, AHiddenFolderIsAsGoodAsGone) {
+  const StoreBuilder store = Build(Kind::kLocal, {{"a", "Zoe", ""}, {"b", "Bob", "Ray"}});
+  if (!store.Hide(In("b"))) {
+    GTEST_SKIP() << "this disk keeps no hidden mark";
+  }
+  EXPECT_EQ(Listed(), Lines({"a:Zoe:"}));
+}
+
+TEST_F(ReconcileTest, NamesThatDifferInLetterCaseAreOne) {
+  const StoreBuilder store = Build(Kind::kLocal, {{"annLee", "Ann", "Lee"}});
+  temp.WriteFile(kList + "/index.kiv",
+                 IndexBytes({{"ANNLEE", "Ann", "Lee"}, {"AnnLee", "Ann", "Twice"}}));
+  EXPECT_EQ(Listed(), Lines({"ANNLEE:Ann:Lee"}));
+  EXPECT_EQ(Index(), IndexBytes({{"ANNLEE", "Ann", "Lee"}}));
+}
+
+TEST_F(ReconcileTest, LongFolderNamesAreToldApartBehindTheEighthCharacter) {
+  Build(Kind::kLocal, {{"Folder-number-2", "Bob", ""}, {"FOLDER-NUMBER-1", "Ann", ""}});
+  temp.MakeFolder(In("Folder-number-10"));
+  EXPECT_EQ(Listed(), Lines({"FOLDER-NUMBER-1:Ann:", "Folder-number-2:Bob:"}));
+  temp.Remove(In("FOLDER-NUMBER-1"));
+  EXPECT_EQ(Listed(), Lines({"Folder-number-2:Bob:"}));
+}
+
+TEST_F(ReconcileTest, AFolderThatTellsNoNameStaysUnknown) {
+  const StoreBuilder store = Build(Kind::kShared, {{"a", "Zoe", ""}});
+  temp.MakeFolder(In("silent"));
+  temp.WriteFile(In("nameless/longname.kiv"), LongNameBytes("", "Lee"));
+  temp.WriteFile(In("nameless/index.lok"), "");
+  temp.WriteFile(In("lockless/longname.kiv"), LongNameBytes("Ann", "Lee"));
+  temp.WriteFile(In("busy/longname.kiv"), LongNameBytes("Bob", "Ray"));
+  temp.WriteFile(In("busy/index.lok"), "");
+  const auto before = store.Snapshot();
+  {
+    const Holder other(Spec(In("busy/index.lok")));
+    EXPECT_EQ(Listed(), Lines({"a:Zoe:"}));
+  }
+  EXPECT_EQ(Changes(before, store.Snapshot()), Lines());
+  EXPECT_EQ(Listed(), Lines({"busy:Bob:Ray", "a:Zoe:"}));
+}
+
+TEST_F(ReconcileTest, EntriesThatLeadElsewhereAreDropped) {
+  Build(Kind::kLocal, {{"a", "Zoe", ""}});
+  temp.WriteFile(kList + "/index.kiv", IndexBytes({{"", "Empty", ""},
+                                                   {".", "Dot", ""},
+                                                   {"..", "Up", ""},
+                                                   {"..\\Students\\a", "Round", ""},
+                                                   {"../Shared", "Slash", ""},
+                                                   {"a", "Zoe", ""}}));
+  EXPECT_EQ(Listed(), Lines({"a:Zoe:"}));
+}
+
+TEST_F(ReconcileTest, EntriesOfOneNameAreToldApartByTheirEnds) {
+  const struct {
+    const char* rule;
+    std::vector<IndexLine> found;  // by their folders alone
+    Lines listed;
+  } cases[] = {
+      {"the second one's last name changes",
+       {{"AnnLee", "Ann", "Lee"}, {"AnnLee0", "ann", "LEE"}},
+       {"AnnLee0:ann:LE0", "AnnLee:Ann:Lee"}},
+      {"a first name alone changes itself",
+       {{"R1", "Room", ""}, {"R2", "Room", ""}, {"R3", "Room", ""}},
+       {"R2:Roo0:", "R3:Roo1:", "R1:Room:"}},
+      {"behind others the first of the two is met first",
+       {{"A", "Amy", ""}, {"B1", "Bob", ""}, {"B2", "Bob", ""}},
+       {"A:Amy:", "B1:Bo0:", "B2:Bob:"}},
+      {"the new name may sort behind the old",
+       {{"F1", "A-", ""}, {"F2", "A-", ""}, {"F3", "B", ""}},
+       {"F1:A-:", "F2:A0:", "F3:B:"}},
+      {"one display name from different parts",
+       {{"a", "Ann Lee", ""}, {"b", "Ann", "Lee"}},
+       {"b:Ann:Le0", "a:Ann Lee:"}},
+      {"Default gives its folder's name",
+       {{"Default", "Default", ""}, {"Other", "Default", ""}},
+       {"Default:Default:", "Other:Other:"}},
+      {"and is varied where that is taken",
+       {{"Default", "Default", ""}, {"Other", "Default", ""}, {"Third", "Other", ""}},
+       {"Default:Default:", "Other:Othe0:", "Third:Other:"}},
+      {"the last character's digits first, then the one before",
+       {{"z", "x", "z"}, {"z1", "x", "z"}},
+       {"z1:x:0", "z:x:z"}},
+  };
+  for (const auto& c : cases) {
+    Build(Kind::kShared, {});
+    for (const IndexLine& folder : c.found) {
+      temp.WriteFile(In(folder.folder + "/longname.kiv"), LongNameBytes(folder.first, folder.last));
+      temp.WriteFile(In(folder.folder + "/index.lok"), "");
+    }
+    EXPECT_EQ(Listed(), c.listed) << c.rule;
+    // The new name is in the folder too: the same comes out once the index is lost.
+    temp.Remove(kList + "/index.kiv");
+    EXPECT_EQ(Listed(), c.listed) << c.rule;
+    temp.Remove("Classes.zep");
+  }
+}
+
+TEST_F(ReconcileTest, ABusyFolderKeepsItsOldNameFile) {
+  const StoreBuilder store =
+      Build(Kind::kShared, {{"a", "Ann", ""}, {"b", "Ann", ""}, {"c", "Cid", ""}});
+  store.RemoveFolder(In("c"));
+  const Holder other(Spec(In("b/index.lok")));
+  EXPECT_EQ(Listed(), Lines({"b:An0:", "a:Ann:"}));
+  EXPECT_EQ(Index(), IndexBytes({{"b", "An0", ""}, {"a", "Ann", ""}}));
+  EXPECT_EQ(temp.ReadFile(In("b/longname.kiv")), LongNameBytes("Ann"));
+}
+
+TEST_F(ReconcileTest, NamesThatRunOutOfVariantsEndTheSearch) {
+  Build(Kind::kLocal, {});
+  for (int i = 0; i < 40; ++i) {
+    temp.WriteFile(In("f" + std::to_string(i) + "/longname.kiv"), LongNameBytes("z"));
+  }
+  const Lines listed = Listed();
+  EXPECT_EQ(listed.size(), 40u);
+  std::set<std::string> names;
+  for (const std::string& line : listed) {
+    names.insert(line.substr(line.find(':')));
+  }
+  EXPECT_EQ(names.size(), 36u);
+}
+
+class UnreadableFolders : public SForwardingFileServices {
+ public:
+  using SForwardingFileServices::SForwardingFileServices;
+  std::unique_ptr<IFolderWalk> Walk(const char*, const char*, SystemError& error) override {
+    error = SystemError::kAccessDenied;
+    return nullptr;
+  }
+};
+
+TEST_F(ReconcileTest, AFolderThatCannotBeReadRepairsNothing) {
+  const StoreBuilder store = Build(Kind::kShared, {{"b", "Bob", ""}, {"a", "Zoe", ""}});
+  store.RemoveFolder(In("a"));
+  const auto before = store.Snapshot();
+  UnreadableFolders services(*Platform().files);
+  const SPlatformOverride<IFileServices> installed(Platform().files, &services);
+  EXPECT_EQ(Listed(), Lines({"a:Zoe:", "b:Bob:"}));
+  EXPECT_EQ(Changes(before, store.Snapshot()), Lines());
+}
+
+// An entry whose folder tells no name lives by its line in the index alone.
+TEST_F(ReconcileTest, NoFailureOnTheWayCostsAnEntry) {
+  const StoreBuilder store = Build(Kind::kShared, {{"b", "Bob", ""}, {"a", "Zoe", ""}});
+  store.RemoveFile(In("a") + "/longname.kiv");
+  const std::string before = Index();
+  for (const bool forever : {false, true}) {
+    kivtest::FaultFileServices services(*Platform().files);
+    const SPlatformOverride<IFileServices> installed(Platform().files, &services);
+    bool struck = true;
+    for (int n = 1; struck && n < 200; ++n) {
+      services.FailAt(n, SystemError::kSharingViolation, forever);
+      Listed();
+      struck = services.HasStruck();
+      services.FailNever();
+      EXPECT_EQ(Index(), before) << n;
+      EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv").substr(4, 10),
+                std::string("Room\0Room\0", 10))
+          << n;
+      EXPECT_EQ(services.OpenPaths(), Lines()) << n;
+    }
+    EXPECT_FALSE(struck);
+  }
+}
+
+}  // namespace

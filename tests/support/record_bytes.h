@@ -1,0 +1,132 @@
+// The store's file formats written out by hand, for tests, the demo and the benchmarks. Shares no
+// code with the library: layouts and defaults stand here a second time, so that a slip on either
+// side shows.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kivtest {
+
+// Big-endian bytes, one after the other.
+class ByteWriter {
+ public:
+  ByteWriter& Byte(int value);
+  ByteWriter& Short(int value);
+  ByteWriter& Long(uint32_t value);
+  ByteWriter& Text(const std::string& text);  // and one NUL
+  ByteWriter& Stamp(uint32_t seconds);        // 8 bytes: high word 0, low word
+  ByteWriter& Raw(const std::string& bytes);
+  const std::string& Bytes() const { return bytes; }
+
+ private:
+  std::string bytes;
+};
+
+struct IndexLine {
+  std::string folder, first, last;
+};
+struct FileLine {
+  std::string fileName, longName, extension;
+};
+std::string IndexBytes(const std::vector<IndexLine>& logins,
+                       const std::vector<FileLine>& files = {});
+std::string LongNameBytes(const std::string& first, const std::string& last = "");
+
+inline constexpr uint32_t kDataVersion = 0x00010000;
+
+// Stamps of a record's fields: one for all, and others by key.
+struct Stamps {
+  uint32_t all = 0;
+  std::map<std::string, uint32_t> byKey;
+  uint32_t Of(const std::string& key) const;
+};
+
+using Doneness = std::vector<bool>;  // element i belongs to mission i + 1
+
+// The options of one game: 276 bytes at their defaults.
+struct GameOptionsBytes {
+  int CurrentMissionNumber = 1;
+  int Accuracy = 80;
+  int Speed = 10;
+  Doneness LessonDone = Doneness(25);
+  Doneness NotebookDone = Doneness(25);
+  Doneness TypelineDone = Doneness(25);
+  Doneness WindshieldTypersDone = Doneness(25);
+  Doneness WarpSpeedDone = Doneness(25);
+  Doneness DictationStationDone = Doneness(25);
+  Doneness KeyFiguresDone = Doneness(25);
+  bool AllMissionsCompleted = false;
+  Stamps stamps;
+
+  std::string Bytes() const;
+};
+
+// The activities of one mission: 60 bytes.
+struct MissionBytes {
+  int Notebook = 2;
+  int Typeline = 2;
+  int WindshieldTypers = 2;
+  int WarpSpeed = 2;
+  int DictationStation = 2;
+  int KeyFigures = 2;
+
+  std::string Bytes(const Stamps& stamps) const;
+};
+
+// An options.kiv with the tutor's defaults and the standard course.
+struct OptionsBytes {
+  OptionsBytes();
+  // Any field of the record itself by its key; an unknown key throws.
+  OptionsBytes& Set(const std::string& key, int value);
+  // The same with the time of its decision.
+  OptionsBytes& Set(const std::string& key, int value, uint32_t stamp);
+  OptionsBytes& SetMission(int mission);                  // CurrentMissionNumber
+  OptionsBytes& SetMission(int mission, uint32_t stamp);  // with the time of its decision
+  OptionsBytes& SetLessonDone(int mission, bool done = true);
+
+  uint32_t version = kDataVersion;
+  std::map<std::string, int> values;
+  bool hasGameOptions = true;
+  GameOptionsBytes game;
+  std::vector<MissionBytes> missions;
+  Stamps stamps;
+
+  std::string Bytes() const;
+};
+
+// A game file: 957 bytes with empty names and everything at its default.
+struct GameBytes {
+  uint32_t version = kDataVersion;
+  std::string firstName, lastName, longFileName;
+  bool publicFile = false;
+  GameOptionsBytes options;
+  std::vector<int32_t> keyTypedWrong = std::vector<int32_t>(48);
+  std::vector<int32_t> keyTypedTotal = std::vector<int32_t>(48);
+  std::vector<int> graphData = std::vector<int>(25, -1);
+  int lesnExStage = 0;
+  int currentExString = -1;
+  bool mainString = true;
+  uint32_t bestTotalTime = 0;
+  int bestTotalKeystrokes = 0;
+  int bestCorrectKeystrokes = 0;
+  uint32_t aveTotalTime = 0;
+  int aveTotalKeystrokes = 0;
+  int aveCorrectKeystrokes = 0;
+  int accRetypes = 0;
+  int wpmRetypes = 0;
+  int generalRetypes = 0;
+  int numLinesPassed = 0;
+  std::vector<int32_t> keyErrorsDuringExercises = std::vector<int32_t>(48);
+  int currentLessonNumber = 1;
+  bool learnedNewKeys = false;
+  int handSkinTone = -1;
+  bool displayFinalPayoff = true;
+
+  std::string Bytes() const;
+  std::string LessonBytes() const;
+};
+
+}  // namespace kivtest
