@@ -1,0 +1,29 @@
+// Texts of a store are bytes of an 8-bit character set; a host shows and takes UTF-8.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kivhost {
+
+class Charset {
+ public:
+  // Null if the system does not know the name.
+  static std::unique_ptr<Charset> Open(const std::string& name);
+  virtual ~Charset() = default;
+
+  // What is no character of the set becomes U+FFFD.
+  virtual std::string ToUtf8(std::string_view text) const = 0;
+  // Nothing if a character has no place in the set, or the text is no UTF-8.
+  virtual std::optional<std::string> FromUtf8(std::string_view text) const = 0;
+};
+
+// Characters of a UTF-8 text, for lining up columns.
+size_t CountCharacters(std::string_view utf8);
+
+// Letter case ignored for A to Z, as the store does it.
+bool EqualNoCase(std::string_view a, std::string_view b);
+
+}  // namespace kivhost

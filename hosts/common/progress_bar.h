@@ -1,0 +1,35 @@
+// A bar on standard error for a walk that takes long: done, total, time left. Silent in a pipe.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+namespace kivhost {
+
+class ProgressBar {
+ public:
+  ProgressBar(const char* what, size_t total, bool quiet);
+  ~ProgressBar();
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
+
+  void Advance();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void Draw(Clock::time_point now);
+
+  const char* what;
+  size_t total;
+  size_t done = 0;
+  bool shown;
+  bool drawn = false;
+  Clock::time_point start = Clock::now();
+  Clock::time_point lastDraw = start;
+};
+
+// Whether standard error is a terminal.
+bool ErrorIsTerminal();
+
+}  // namespace kivhost

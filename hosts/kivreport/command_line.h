@@ -1,0 +1,32 @@
+// The command line of kivreport.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "hosts/kivreport/report_writer.h"
+
+namespace kivreport {
+
+enum ExitCode { kGood = 0, kNothing = 1, kWrongUsage = 2, kNoStore = 3 };
+
+enum class Mode { kAuto, kLocal, kNetwork };
+
+struct CommandLine {
+  std::string root;
+  Format format = Format::kTable;
+  std::string output;
+  bool roster = false;
+  std::string teacher;
+  std::string group;
+  Mode mode = Mode::kAuto;
+  std::string charset = "windows-1252";
+  bool byteOrderMark = false;
+  bool quiet = false;
+};
+
+// Nothing if the program is to end at once, with `exitCode`.
+std::optional<CommandLine> ParseCommandLine(int argc, char** argv, const std::string& version,
+                                            int& exitCode);
+
+}  // namespace kivreport
