@@ -277,7 +277,10 @@ TEST_F(PosixServicesTest, WithoutPermissionAccessIsDenied) {
   chmod(temp.Path("unlisted").c_str(), 0711);
   const auto openError = [&](const char* name, FileAccess access) {
     SystemError error = SystemError::kNone;
-    files.Open(temp.Path(name).c_str(), access, error);
+    const FileHandle file = files.Open(temp.Path(name).c_str(), access, error);
+    if (file != nullptr) {
+      files.Close(file);
+    }
     return error;
   };
   EXPECT_TRUE(HoldsInChild([&] {

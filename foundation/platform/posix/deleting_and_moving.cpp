@@ -16,15 +16,20 @@ namespace {
 
 constexpr int kOpenFlags = O_NONBLOCK | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW;
 
-// Takes the file for this program alone as long as `hold` lives. Without permission to write the
-// lock cannot be taken but asked for.
+// Takes the file for this program alone as long as `hold` lives.
 int HoldAlone(const char* path, Descriptor& hold) {
   hold.Reset(open(path, O_RDWR | kOpenFlags));
-  if (hold.IsOpen()) {
-    return LockAlone(hold.Get()) == EAGAIN ? EAGAIN : 0;
-  }
-  if (errno != EACCES && errno != EROFS) {
+  if (!hold.IsOpen()) {
     return errno;
+  }
+  return LockAlone(hold.Get()) == EAGAIN ? EAGAIN : 0;
+}
+
+// A file that may not be written may be moved. Its lock cannot be taken, but asked for.
+int HoldToMove(const char* path, Descriptor& hold) {
+  const int failure = HoldAlone(path, hold);
+  if (failure != EACCES && failure != EROFS) {
+    return failure;
   }
   hold.Reset(open(path, O_RDONLY | kOpenFlags));
   if (!hold.IsOpen()) {
@@ -111,7 +116,7 @@ int HoldForMove(const PosixPath& source, const struct stat& facts, Descriptor& h
   if (S_ISDIR(facts.st_mode)) {
     return HoldsOpenFile(source.Text()) ? EAGAIN : 0;
   }
-  return S_ISREG(facts.st_mode) ? HoldAlone(source.Text(), hold) : 0;
+  return S_ISREG(facts.st_mode) ? HoldToMove(source.Text(), hold) : 0;
 }
 
 int RenameToFree(const char* from, const char* to) {
