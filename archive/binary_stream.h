@@ -61,14 +61,18 @@ class SBinaryStream {
   }
   // A last text without its stop character is delivered, and the error is set.
   bool ReadDelimited(SString& text, const char* delimiters, bool skipRun, bool consumeOne) {
-    if (error || !Take(!holder->HasError())) return false;
+    if (error || !Take(!holder->HasError())) {
+      return false;
+    }
     const bool read = holder->ReadDelimited(text, delimiters, skipRun, consumeOne);
     error = !read || holder->HasError();
     return read;
   }
   bool ReadDateTime(SDateTime& value) {
     uint64_t words;
-    if (error || !Get(words)) return false;
+    if (error || !Get(words)) {
+      return false;
+    }
     value.SetRaw(static_cast<uint32_t>(Swaps() ? words : words >> 32));  // the high word is dropped
     return true;
   }

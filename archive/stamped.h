@@ -19,13 +19,17 @@ struct SStamped {
   // The newest stamp wins and a tie goes to `other`. So a fresh mark beats every stored stamp, and
   // one in `other` beats even a fresh mark here.
   void Merge(const SStamped& other) {
-    if (stamp > other.stamp) return;
+    if (stamp > other.stamp) {
+      return;
+    }
     value = other.value;
     stamp = other.stamp;
   }
 
   void MarkDifference(const SStamped& other) {
-    if (!(value == other.value)) differs = true;
+    if (!(value == other.value)) {
+      differs = true;
+    }
   }
 
   void MarkFresh() {
@@ -36,14 +40,20 @@ struct SStamped {
   // True if the record is dirty now: a new value, or an equal one that closes a noted difference.
   bool Set(const T& newValue) {
     const bool equal = value == newValue;
-    if (equal && !differs) return false;
-    if (!equal) value = newValue;
+    if (equal && !differs) {
+      return false;
+    }
+    if (!equal) {
+      value = newValue;
+    }
     MarkFresh();
     return true;
   }
 
   void ClearStamp() {
-    if (!stamp.IsFresh()) stamp = SDateTime::None();
+    if (!stamp.IsFresh()) {
+      stamp = SDateTime::None();
+    }
   }
 };
 

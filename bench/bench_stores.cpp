@@ -32,7 +32,9 @@ void LaySchool(const std::string& root, int teachers, int classes, int students)
   for (int t = 0; t < teachers; ++t) {
     const std::string teacher = store.AddTeacher("Teacher " + std::to_string(t + 1));
     store.WriteOptions(StoreBuilder::ClassList(teacher), OptionsBytes());
-    for (int c = 0; c < classes; ++c) AddClass(store, teacher, c + 1, students);
+    for (int c = 0; c < classes; ++c) {
+      AddClass(store, teacher, c + 1, students);
+    }
   }
   store.Finish();
 }

@@ -72,7 +72,9 @@ void Walk(benchmark::State& state, int64_t (*walk)(Block&), bool school) {
   Block block(folder.Path());
   WalkCached(block);
   int64_t items = 0;
-  for (auto _ : state) items += walk(block);
+  for (auto _ : state) {
+    items += walk(block);
+  }
   state.SetItemsProcessed(items);
 }
 BENCHMARK_CAPTURE(Walk, cached_chain_school, WalkCached, true)->Unit(benchmark::kMillisecond);

@@ -24,7 +24,9 @@ class ClassOf {
 void ListStudents(benchmark::State& state) {
   ClassOf group(static_cast<int>(state.range(0)));
   for (auto _ : state) {
-    if (!group.block.Call(KIV_CACHE_STUDENTS)) state.SkipWithError("not listed");
+    if (!group.block.Call(KIV_CACHE_STUDENTS)) {
+      state.SkipWithError("not listed");
+    }
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
@@ -33,7 +35,9 @@ BENCHMARK(ListStudents)->Arg(10)->Arg(100)->Arg(1000);
 void OneProgress(benchmark::State& state) {
   ClassOf group(static_cast<int>(state.range(0)));
   for (auto _ : state) {
-    if (!group.block.Call(KIV_STUDENT_PROGRESS)) state.SkipWithError("no progress");
+    if (!group.block.Call(KIV_STUDENT_PROGRESS)) {
+      state.SkipWithError("no progress");
+    }
   }
   state.SetItemsProcessed(state.iterations());
 }

@@ -18,8 +18,12 @@ bool CanChange(uint32_t bit) {
 }
 
 int16_t FamilyByFlags() {
-  if (TryFlags(kTopFlags, false) == kTopFlags) return 0;
-  if (TryFlags(kTopFlags, true) == 0) return 2;
+  if (TryFlags(kTopFlags, false) == kTopFlags) {
+    return 0;
+  }
+  if (TryFlags(kTopFlags, true) == 0) {
+    return 2;
+  }
   return CanChange(kAlignmentCheck) ? 4 : 3;
 }
 
@@ -35,9 +39,13 @@ bool HasCpuid() {
 }
 
 int16_t ProcessorFamily() {
-  if (!HasCpuid()) return FamilyByFlags();
+  if (!HasCpuid()) {
+    return FamilyByFlags();
+  }
   CpuidResult result;
-  if (!HasLeafOne() || !Platform().system->Cpuid(1, result)) return -1;
+  if (!HasLeafOne() || !Platform().system->Cpuid(1, result)) {
+    return -1;
+  }
   return static_cast<int16_t>(result.eax >> 8 & 0xF);
 }
 

@@ -18,7 +18,9 @@ constexpr int32_t kPriorityUnknown = 0x7FFFFFFF;
 constexpr int32_t kTimeCritical = 15;
 
 uint32_t DivideRounded(uint32_t value, uint32_t by) {
-  if (by == 0) return 0;
+  if (by == 0) {
+    return 0;
+  }
   return value / by + (value % by > by / 2 ? 1 : 0);
 }
 
@@ -26,13 +28,17 @@ uint32_t DivideRounded(uint32_t value, uint32_t by) {
 uint32_t ToMicroseconds(int64_t ticks, uint32_t frequency) {
   const uint32_t scaled = static_cast<uint32_t>(ticks) * 100000;
   const uint32_t divisor = frequency / 10;
-  if (divisor == 0) return 0;
+  if (divisor == 0) {
+    return 0;
+  }
   return scaled / divisor + (scaled % frequency > frequency / 2 ? 1 : 0);
 }
 
 bool GetFrequency(uint32_t& frequency) {
   int64_t perSecond = 0;
-  if (!Platform().system->PerformanceFrequency(perSecond) || perSecond <= 0) return false;
+  if (!Platform().system->PerformanceFrequency(perSecond) || perSecond <= 0) {
+    return false;
+  }
   frequency = static_cast<uint32_t>(perSecond);
   return frequency != 0;
 }
@@ -50,7 +56,9 @@ uint32_t SpinFor(int64_t ticks, int64_t start) {
   uint32_t stamp = 0;
   for (int turn = 0; turn < kMostTurns; ++turn) {
     stamp = Platform().system->TimeStamp();
-    if (ReadCounter() - start >= ticks) break;
+    if (ReadCounter() - start >= ticks) {
+      break;
+    }
   }
   return stamp;
 }
@@ -59,10 +67,14 @@ uint32_t SpinFor(int64_t ticks, int64_t start) {
 class TimeCritical {
  public:
   TimeCritical() : before(Platform().system->ThreadPriority()) {
-    if (before != kPriorityUnknown) Platform().system->SetThreadPriority(kTimeCritical);
+    if (before != kPriorityUnknown) {
+      Platform().system->SetThreadPriority(kTimeCritical);
+    }
   }
   ~TimeCritical() {
-    if (before != kPriorityUnknown) Platform().system->SetThreadPriority(before);
+    if (before != kPriorityUnknown) {
+      Platform().system->SetThreadPriority(before);
+    }
   }
 
  private:
@@ -96,7 +108,9 @@ bool Agrees(uint32_t estimate, uint32_t sum) {
 
 SSpeedResult Summarise(uint32_t cycles, uint32_t microseconds) {
   SSpeedResult result{cycles, microseconds, 0, 0};
-  if (microseconds == 0) return result;
+  if (microseconds == 0) {
+    return result;
+  }
   const uint32_t hundredths = cycles * 100 / microseconds;
   const uint32_t tenths = cycles * 10 / microseconds + (hundredths % 10 > 5 ? 1 : 0);
   result.wholeMhz = cycles / microseconds;
@@ -107,15 +121,23 @@ SSpeedResult Summarise(uint32_t cycles, uint32_t microseconds) {
 }  // namespace
 
 uint32_t LoopCycles(int16_t family) {
-  if (family < 3) return 0;
-  if (family == 3) return 115;
-  if (family == 4) return 47;
+  if (family < 3) {
+    return 0;
+  }
+  if (family == 3) {
+    return 115;
+  }
+  if (family == 4) {
+    return 47;
+  }
   return family == 5 ? 43 : 38;
 }
 
 SSpeedResult MeasureByLoop(uint32_t cycles) {
   uint32_t frequency = 0;
-  if (!GetFrequency(frequency)) return {};
+  if (!GetFrequency(frequency)) {
+    return {};
+  }
   int64_t least = INT64_MAX;
   for (int i = 0; i < kLoopTries; ++i) {
     const int64_t start = ReadCounter();
@@ -123,13 +145,17 @@ SSpeedResult MeasureByLoop(uint32_t cycles) {
     least = std::min(least, ReadCounter() - start);
   }
   const uint32_t elapsed = ToMicroseconds(least, frequency);
-  if (elapsed == 0) return {};
+  if (elapsed == 0) {
+    return {};
+  }
   return {cycles, elapsed, cycles / elapsed, DivideRounded(cycles, elapsed)};
 }
 
 SSpeedResult MeasureByCounter() {
   uint32_t frequency = 0;
-  if (!GetFrequency(frequency)) return {};
+  if (!GetFrequency(frequency)) {
+    return {};
+  }
   uint32_t estimates[3] = {};
   uint32_t cycles = 0;
   uint32_t microseconds = 0;
@@ -143,13 +169,17 @@ SSpeedResult MeasureByCounter() {
     const uint32_t sum = estimates[0] + estimates[1] + estimates[2];
     const bool steady = std::all_of(std::begin(estimates), std::end(estimates),
                                     [&](uint32_t estimate) { return Agrees(estimate, sum); });
-    if (round >= kLeastRounds && steady) break;
+    if (round >= kLeastRounds && steady) {
+      break;
+    }
   }
   return Summarise(cycles, microseconds);
 }
 
 SSpeedResult MeasureSpeed() {
-  if (ProcessorFeatures() & kFeatureTimeStampCounter) return MeasureByCounter();
+  if (ProcessorFeatures() & kFeatureTimeStampCounter) {
+    return MeasureByCounter();
+  }
   const uint32_t cycles = LoopCycles(ProcessorFamily());
   return cycles == 0 ? SSpeedResult{} : MeasureByLoop(cycles * kLoopRounds);
 }
@@ -159,7 +189,9 @@ uint32_t ProcessorSpeed() {
 }
 
 uint32_t RoundMhz(uint32_t mhz, bool keepHigh) {
-  if (mhz >= 976) return keepHigh ? mhz : (mhz + 50) / 100 * 100;
+  if (mhz >= 976) {
+    return keepHigh ? mhz : (mhz + 50) / 100 * 100;
+  }
   const uint32_t rest = mhz % 100;
   const uint32_t by50 = (rest + 25) / 50 * 50;
   const uint32_t by33 = (rest + 16) / 33 * 33;

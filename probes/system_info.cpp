@@ -20,8 +20,12 @@ uint16_t ToBcd(uint32_t number) {
 }
 
 const char* IntelName(uint16_t level) {
-  if (level < 3) return "???";
-  if (level == 3) return "386";
+  if (level < 3) {
+    return "???";
+  }
+  if (level == 3) {
+    return "386";
+  }
   return level == 4 ? "486" : "Pentium";
 }
 
@@ -53,8 +57,12 @@ const char* NameByType(uint32_t type) {
 }
 
 const char* NtSuffix(uint32_t major, uint32_t minor) {
-  if (major < 5) return " NT";
-  if (major == 5 && minor == 0) return " 2000";
+  if (major < 5) {
+    return " NT";
+  }
+  if (major == 5 && minor == 0) {
+    return " 2000";
+  }
   return major == 5 && minor == 1 ? " XP" : "";
 }
 
@@ -78,11 +86,15 @@ SString VersionText(uint16_t version) {
     return static_cast<char>('0' + (version >> shift & 0xF));
   };
   SString text;
-  if (digit(12) != '0') text += digit(12);
+  if (digit(12) != '0') {
+    text += digit(12);
+  }
   text += digit(8);
   text += '.';
   text += digit(4);
-  if (digit(0) != '0') text += digit(0);
+  if (digit(0) != '0') {
+    text += digit(0);
+  }
   return text;
 }
 
@@ -105,7 +117,9 @@ void ProbeProcessor(ISystem& system) {
   const ProcessorFacts facts = system.Processor();
   SSystemInfo::processorName = SSystemInfo::isNtFamily ? NameOnNt(facts) : NameByType(facts.type);
   uint32_t mhz = 0;
-  if (!system.StatedMhz(mhz) || mhz == 0) mhz = ProcessorSpeed();
+  if (!system.StatedMhz(mhz) || mhz == 0) {
+    mhz = ProcessorSpeed();
+  }
   SSystemInfo::processorMhz = RoundMhz(mhz, true);
 }
 
@@ -155,7 +169,9 @@ int ProcessorCount() {
 void SanitizeName(SString& name) {
   static constexpr const char* kPairs[][2] = {{":", ";"},  {"<", "["}, {">", "]"}, {"\"", "'"},
                                               {"\\", "_"}, {"/", "_"}, {"|", "!"}};
-  for (const auto& [unwanted, instead] : kPairs) name.Replace(unwanted, instead);
+  for (const auto& [unwanted, instead] : kPairs) {
+    name.Replace(unwanted, instead);
+  }
 }
 
 }  // namespace kivstore

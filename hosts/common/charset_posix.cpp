@@ -28,7 +28,9 @@ class IconvCharset final : public Charset {
 
   std::optional<std::string> FromUtf8(std::string_view text) const override {
     std::string out;
-    if (!Convert(fromUtf8, text, out)) return std::nullopt;
+    if (!Convert(fromUtf8, text, out)) {
+      return std::nullopt;
+    }
     return out;
   }
 
@@ -46,7 +48,9 @@ class IconvCharset final : public Charset {
       const int error = errno;
       out.append(chunk, sizeof chunk - toLeft);
       text.remove_prefix(text.size() - fromLeft);
-      if (result == static_cast<size_t>(-1) && error != E2BIG) return false;
+      if (result == static_cast<size_t>(-1) && error != E2BIG) {
+        return false;
+      }
     }
     return true;
   }
@@ -59,7 +63,9 @@ class IconvCharset final : public Charset {
 
 std::unique_ptr<Charset> Charset::Open(const std::string& name) {
   const iconv_t toUtf8 = iconv_open("UTF-8", name.c_str());
-  if (toUtf8 == kNoConverter) return nullptr;
+  if (toUtf8 == kNoConverter) {
+    return nullptr;
+  }
   const iconv_t fromUtf8 = iconv_open(name.c_str(), "UTF-8");
   if (fromUtf8 == kNoConverter) {
     iconv_close(toUtf8);

@@ -31,14 +31,20 @@ ProgressBar::ProgressBar(const char* what, size_t total, bool quiet)
     : what(what), total(total), shown(!quiet && total > 0 && ErrorIsTerminal()) {}
 
 ProgressBar::~ProgressBar() {
-  if (drawn) std::fputs("\r\x1B[K", stderr);
+  if (drawn) {
+    std::fputs("\r\x1B[K", stderr);
+  }
 }
 
 void ProgressBar::Advance() {
   ++done;
-  if (!shown) return;
+  if (!shown) {
+    return;
+  }
   const auto now = Clock::now();
-  if (now - start < kPatience || now - lastDraw < kInterval) return;
+  if (now - start < kPatience || now - lastDraw < kInterval) {
+    return;
+  }
   lastDraw = now;
   Draw(now);
 }

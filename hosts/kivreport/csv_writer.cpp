@@ -11,7 +11,9 @@ constexpr const char* kLineEnd = "\r\n";
 
 // Quotes only where the form asks for it.
 std::string Field(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  if (text.find_first_of(",\"\r\n") == std::string::npos) {
+    return text;
+  }
   std::string quoted(text.size() * 2 + 2, '\0');
   quoted.resize(csv_write(quoted.data(), quoted.size(), text.data(), text.size()));
   return quoted;
@@ -21,7 +23,9 @@ std::string Field(const std::string& text) {
 
 void WriteCsv(std::ostream& out, const Report& report) {
   out << "teacher,class,student";
-  if (report.progress) out << ",current_mission,previous_mission,vocab_level";
+  if (report.progress) {
+    out << ",current_mission,previous_mission,vocab_level";
+  }
   out << kLineEnd;
   for (const Teacher& teacher : report.teachers) {
     for (const Class& group : teacher.classes) {

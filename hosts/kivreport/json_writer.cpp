@@ -25,7 +25,9 @@ Json ClassesJson(const Teacher& teacher, bool progress) {
       students.push_back(StudentJson(student, progress));
     }
     Json entry{{"name", group.name}};
-    if (!progress) entry["student_count"] = group.students.size();
+    if (!progress) {
+      entry["student_count"] = group.students.size();
+    }
     entry["students"] = std::move(students);
     classes.push_back(std::move(entry));
   }
@@ -36,7 +38,9 @@ Json TeachersJson(const Report& report) {
   Json teachers = Json::array();
   for (const Teacher& teacher : report.teachers) {
     Json entry{{"name", teacher.name}};
-    if (!report.progress) entry["class_count"] = teacher.classes.size();
+    if (!report.progress) {
+      entry["class_count"] = teacher.classes.size();
+    }
     entry["classes"] = ClassesJson(teacher, report.progress);
     teachers.push_back(std::move(entry));
   }
@@ -48,12 +52,16 @@ Json TeachersJson(const Report& report) {
 void WriteJson(std::ostream& out, const Report& report) {
   Json json{{"mode", report.network ? "network" : "local"}};
   if (report.network) {
-    if (!report.progress) json["teacher_count"] = report.teachers.size();
+    if (!report.progress) {
+      json["teacher_count"] = report.teachers.size();
+    }
     json["teachers"] = TeachersJson(report);
   } else {
     const Teacher none;
     const Teacher& store = report.teachers.empty() ? none : report.teachers.front();
-    if (!report.progress) json["class_count"] = store.classes.size();
+    if (!report.progress) {
+      json["class_count"] = store.classes.size();
+    }
     json["classes"] = ClassesJson(store, report.progress);
   }
   out << json.dump(2) << '\n';

@@ -7,7 +7,9 @@ namespace kivreport {
 
 LockState ProbeLock(const std::string& path) {
   const int file = open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-  if (file < 0) return LockState::kRefused;
+  if (file < 0) {
+    return LockState::kRefused;
+  }
   struct flock lock {};
   lock.l_type = F_WRLCK;
   lock.l_whence = SEEK_SET;

@@ -31,7 +31,9 @@ std::string WithSeparator(const std::string& root) {
 
 int WriteOut(const CommandLine& line, const Report& report) {
   std::ostringstream text;
-  if (line.byteOrderMark) text << "\xEF\xBB\xBF";
+  if (line.byteOrderMark) {
+    text << "\xEF\xBB\xBF";
+  }
   WriteReport(text, report, line.format);
   if (line.output.empty()) {
     std::cout << text.str() << std::flush;
@@ -44,7 +46,9 @@ int WriteOut(const CommandLine& line, const Report& report) {
 
 int Run(const CommandLine& line) {
   const auto charset = kivhost::Charset::Open(line.charset);
-  if (!charset) return Fail(kWrongUsage, "--charset " + line.charset + ": no such character set");
+  if (!charset) {
+    return Fail(kWrongUsage, "--charset " + line.charset + ": no such character set");
+  }
   const auto teacher = Selector::Parse(line.teacher);
   const auto group = Selector::Parse(line.group);
   if (!teacher || !group) {
@@ -52,7 +56,9 @@ int Run(const CommandLine& line) {
   }
 
   const StoreLook look = LookAtStore(line.root);
-  if (!look.trouble.empty()) return Fail(kNoStore, look.trouble);
+  if (!look.trouble.empty()) {
+    return Fail(kNoStore, look.trouble);
+  }
   const bool network = line.mode == Mode::kAuto ? look.network : line.mode == Mode::kNetwork;
   if (!network && !line.teacher.empty()) {
     return Fail(kWrongUsage, "--teacher: " + line.root + " is a local store, without teachers");
@@ -68,7 +74,9 @@ int Run(const CommandLine& line) {
                 trouble.value_or(line.root + ": the store changed while it was read, or a "
                                              "list was locked; try again"));
   }
-  if (trouble && reading.report.CountStudents() == 0) return Fail(kNoStore, *trouble);
+  if (trouble && reading.report.CountStudents() == 0) {
+    return Fail(kNoStore, *trouble);
+  }
   if (reading.report.CountClasses() == 0) {
     return Fail(kNothing, line.root + ": the store has nothing of what was asked for");
   }

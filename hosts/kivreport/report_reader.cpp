@@ -41,28 +41,37 @@ class Reader {
       return;
     }
     const int count = host.CacheTeachers().value_or(0);
-    if (count == 0) reading.emptyList = true;
+    if (count == 0) {
+      reading.emptyList = true;
+    }
     for (int i = 1; i <= count; ++i) {
       const std::string name = charset.ToUtf8(host.TeacherName(i));
-      if (request.teacher.Takes(name, i)) ReadTeacher(i, name);
+      if (request.teacher.Takes(name, i)) {
+        ReadTeacher(i, name);
+      }
     }
   }
 
   void ReadTeacher(int teacher, const std::string& name) {
     Teacher& entry = reading.report.teachers.emplace_back(Teacher{name, {}});
     const int count = host.CacheClasses(teacher).value_or(0);
-    if (count == 0) reading.emptyList = true;
+    if (count == 0) {
+      reading.emptyList = true;
+    }
     for (int i = 1; i <= count; ++i) {
       const std::string className = charset.ToUtf8(host.ClassName(teacher, i));
-      if (request.group.Takes(className, i))
+      if (request.group.Takes(className, i)) {
         entry.classes.push_back(ReadClass(teacher, i, className));
+      }
     }
   }
 
   Class ReadClass(int teacher, int number, const std::string& name) {
     Class group{name, {}};
     const int count = host.CacheStudents(teacher, number - 1).value_or(0);
-    if (count == 0) reading.emptyList = true;
+    if (count == 0) {
+      reading.emptyList = true;
+    }
     for (int i = 1; i <= count; ++i) {
       group.students.push_back({charset.ToUtf8(host.StudentName(teacher, number - 1, i)), 0, 0, 0});
       places.push_back({teacher, number - 1, i});
@@ -77,7 +86,9 @@ class Reader {
     for (Teacher& teacher : reading.report.teachers) {
       for (Class& group : teacher.classes) {
         for (Student& student : group.students) {
-          if (!ReadStudent(*place++, student)) return;
+          if (!ReadStudent(*place++, student)) {
+            return;
+          }
           bar.Advance();
         }
       }
@@ -111,12 +122,16 @@ std::optional<Selector> Selector::Parse(const std::string& text) {
   }
   const char* end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data() + 1, end, selector.place);
-  if (error != std::errc() || stop != end || selector.place < 1) return std::nullopt;
+  if (error != std::errc() || stop != end || selector.place < 1) {
+    return std::nullopt;
+  }
   return selector;
 }
 
 bool Selector::Takes(const std::string& candidate, int number) const {
-  if (place > 0) return number == place;
+  if (place > 0) {
+    return number == place;
+  }
   return name.empty() || kivhost::EqualNoCase(candidate, name);
 }
 

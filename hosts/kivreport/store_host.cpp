@@ -18,20 +18,26 @@ bool StoreHost::Call(int command) {
 }
 
 std::optional<int> StoreHost::CacheTeachers() {
-  if (!Call(KIV_CACHE_TEACHERS)) return std::nullopt;
+  if (!Call(KIV_CACHE_TEACHERS)) {
+    return std::nullopt;
+  }
   return params.topCount;
 }
 
 std::optional<int> StoreHost::CacheClasses(int teacher) {
   params.teacherIndex = teacher;
-  if (!Call(KIV_CACHE_CLASSES)) return std::nullopt;
+  if (!Call(KIV_CACHE_CLASSES)) {
+    return std::nullopt;
+  }
   return params.classCount;
 }
 
 std::optional<int> StoreHost::CacheStudents(int teacher, int classIndex) {
   params.teacherIndex = teacher;
   params.classIndex = classIndex;
-  if (!Call(KIV_CACHE_STUDENTS)) return std::nullopt;
+  if (!Call(KIV_CACHE_STUDENTS)) {
+    return std::nullopt;
+  }
   return params.studentCount;
 }
 
@@ -57,7 +63,9 @@ std::optional<Progress> StoreHost::StudentProgress(int teacher, int classIndex, 
   params.teacherIndex = teacher;
   params.classIndex = classIndex;
   params.studentListIndex = student;
-  if (!Call(KIV_STUDENT_PROGRESS)) return std::nullopt;
+  if (!Call(KIV_STUDENT_PROGRESS)) {
+    return std::nullopt;
+  }
   return Progress{params.studentName, params.currentMission, params.previousMission,
                   params.vocabLevel};
 }

@@ -28,18 +28,28 @@ std::vector<fs::path> Entries(const fs::path& folder, std::error_code& error) {
 // A name in a folder, letter case ignored as the store does it.
 std::optional<fs::path> Find(const fs::path& folder, const char* name) {
   std::error_code error;
-  if (fs::exists(folder / name, error)) return folder / name;
+  if (fs::exists(folder / name, error)) {
+    return folder / name;
+  }
   for (const fs::path& entry : Entries(folder, error)) {
-    if (EqualNoCase(entry.filename().string(), name)) return entry;
+    if (EqualNoCase(entry.filename().string(), name)) {
+      return entry;
+    }
   }
   return std::nullopt;
 }
 
 std::optional<fs::path> FindClassesFolder(const std::string& root) {
   fs::path path(root);
-  if (!path.has_filename()) path = path.parent_path();
-  if (auto below = Find(path, kClassesFolder)) return below;
-  if (EqualNoCase(path.filename().string(), kClassesFolder)) return path;
+  if (!path.has_filename()) {
+    path = path.parent_path();
+  }
+  if (auto below = Find(path, kClassesFolder)) {
+    return below;
+  }
+  if (EqualNoCase(path.filename().string(), kClassesFolder)) {
+    return path;
+  }
   return std::nullopt;
 }
 
@@ -49,12 +59,16 @@ std::string CheckRoot(const std::string& root) {
   if (status.type() == fs::file_type::not_found) {
     return root + ": no such folder; give the data root of the store";
   }
-  if (error) return root + ": " + error.message() + "; ask for permission to read it";
+  if (error) {
+    return root + ": " + error.message() + "; ask for permission to read it";
+  }
   if (status.type() != fs::file_type::directory) {
     return root + ": is no folder; give the data root of the store";
   }
   Entries(root, error);
-  if (error) return root + ": " + error.message() + "; ask for permission to read it";
+  if (error) {
+    return root + ": " + error.message() + "; ask for permission to read it";
+  }
   return "";
 }
 
@@ -66,13 +80,17 @@ std::vector<fs::path> ListFolders(const fs::path& classes, bool network) {
   if (network) {
     classFolders.clear();
     for (const fs::path& teacher : Entries(classes, error)) {
-      if (auto folder = Find(teacher, kClassesFolder)) classFolders.push_back(*folder);
+      if (auto folder = Find(teacher, kClassesFolder)) {
+        classFolders.push_back(*folder);
+      }
     }
     lists.insert(lists.end(), classFolders.begin(), classFolders.end());
   }
   for (const fs::path& folder : classFolders) {
     for (const fs::path& group : Entries(folder, error)) {
-      if (auto students = Find(group, kStudentsFolder)) lists.push_back(*students);
+      if (auto students = Find(group, kStudentsFolder)) {
+        lists.push_back(*students);
+      }
     }
   }
   return lists;
@@ -81,8 +99,12 @@ std::vector<fs::path> ListFolders(const fs::path& classes, bool network) {
 std::optional<std::string> CheckList(const fs::path& list, bool network) {
   std::error_code error;
   Entries(list, error);
-  if (error) return list.string() + ": " + error.message() + "; ask for permission to read it";
-  if (!network) return std::nullopt;
+  if (error) {
+    return list.string() + ": " + error.message() + "; ask for permission to read it";
+  }
+  if (!network) {
+    return std::nullopt;
+  }
   const auto lock = Find(list, kLockFile);
   if (!lock) {
     return list.string() + ": no " + kLockFile + " beside the " + kIndexFile +
@@ -104,7 +126,9 @@ std::optional<std::string> CheckList(const fs::path& list, bool network) {
 StoreLook LookAtStore(const std::string& root) {
   StoreLook look;
   look.trouble = CheckRoot(root);
-  if (!look.trouble.empty()) return look;
+  if (!look.trouble.empty()) {
+    return look;
+  }
   const auto classes = FindClassesFolder(root);
   if (!classes) {
     look.trouble =
@@ -113,20 +137,30 @@ StoreLook LookAtStore(const std::string& root) {
   }
   std::error_code error;
   const std::vector<fs::path> entries = Entries(*classes, error);
-  if (error) look.trouble = classes->string() + ": " + error.message() + "; ask for permission";
+  if (error) {
+    look.trouble = classes->string() + ": " + error.message() + "; ask for permission";
+  }
   for (const fs::path& entry : entries) {
-    if (!fs::is_directory(entry, error)) continue;
+    if (!fs::is_directory(entry, error)) {
+      continue;
+    }
     look.network = Find(entry, kClassesFolder).has_value();
-    if (look.network || Find(entry, kStudentsFolder)) break;
+    if (look.network || Find(entry, kStudentsFolder)) {
+      break;
+    }
   }
   return look;
 }
 
 std::optional<std::string> FindTrouble(const std::string& root, bool network) {
   const auto classes = FindClassesFolder(root);
-  if (!classes) return std::nullopt;
+  if (!classes) {
+    return std::nullopt;
+  }
   for (const fs::path& list : ListFolders(*classes, network)) {
-    if (auto trouble = CheckList(list, network)) return trouble;
+    if (auto trouble = CheckList(list, network)) {
+      return trouble;
+    }
   }
   return std::nullopt;
 }

@@ -89,7 +89,9 @@ void WriteTable(std::ostream& out, const Report& report) {
     for (size_t i = first; i < last; ++i) {
       const std::string gap(widths[i] - kivhost::CountCharacters(row[i]), ' ');
       line += i < kFirstNumber ? row[i] + gap : gap + row[i];
-      if (i + 1 < last) line += "  ";
+      if (i + 1 < last) {
+        line += "  ";
+      }
     }
     line.erase(line.find_last_not_of(' ') + 1);
     out << line << '\n';
@@ -97,7 +99,9 @@ void WriteTable(std::ostream& out, const Report& report) {
 
   writeRow(rows.front());
   Row rule;
-  for (size_t i = first; i < last; ++i) rule[i] = std::string(widths[i], '-');
+  for (size_t i = first; i < last; ++i) {
+    rule[i] = std::string(widths[i], '-');
+  }
   writeRow(rule);
   std::for_each(rows.begin() + 1, rows.end(), writeRow);
   out << '\n';

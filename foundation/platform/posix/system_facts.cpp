@@ -39,7 +39,9 @@ constexpr ProcessorArchitecture kArchitecture = ProcessorArchitecture::kIntel;
 double ReadStatedMhz() {
   char text[4096];
   const int file = open("/proc/cpuinfo", O_RDONLY | O_CLOEXEC);
-  if (file < 0) return 0;
+  if (file < 0) {
+    return 0;
+  }
   const ssize_t count = read(file, text, sizeof text - 1);
   close(file);
   text[count > 0 ? count : 0] = '\0';
@@ -79,7 +81,9 @@ class SystemFacts final : public SProcessorInstructions {
 
   bool StatedMhz(uint32_t& mhz) override {
     const double stated = ReadStatedMhz();
-    if (!(stated >= 1 && stated < 1e6)) return false;
+    if (!(stated >= 1 && stated < 1e6)) {
+      return false;
+    }
     mhz = static_cast<uint32_t>(stated + 0.5);
     return true;
   }

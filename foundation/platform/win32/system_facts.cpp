@@ -48,21 +48,27 @@ class WindowsFacts final : public SProcessorInstructions {
     const LONG status =
         RegQueryValueExA(key, "~Mhz", nullptr, &type, reinterpret_cast<BYTE*>(&value), &size);
     RegCloseKey(key);
-    if (status != ERROR_SUCCESS || type != REG_DWORD || size != sizeof value) return false;
+    if (status != ERROR_SUCCESS || type != REG_DWORD || size != sizeof value) {
+      return false;
+    }
     mhz = value;
     return true;
   }
 
   bool PerformanceCounter(int64_t& count) override {
     LARGE_INTEGER value;
-    if (!QueryPerformanceCounter(&value)) return false;
+    if (!QueryPerformanceCounter(&value)) {
+      return false;
+    }
     count = value.QuadPart;
     return true;
   }
 
   bool PerformanceFrequency(int64_t& perSecond) override {
     LARGE_INTEGER value;
-    if (!QueryPerformanceFrequency(&value)) return false;
+    if (!QueryPerformanceFrequency(&value)) {
+      return false;
+    }
     perSecond = value.QuadPart;
     return true;
   }
@@ -82,7 +88,9 @@ class WindowsFacts final : public SProcessorInstructions {
 
   int32_t DeviceCapability(int32_t index) override {
     const HDC context = CreateCompatibleDC(nullptr);
-    if (context == nullptr) return 0;
+    if (context == nullptr) {
+      return 0;
+    }
     const int value = GetDeviceCaps(context, index);
     DeleteDC(context);
     return value;
@@ -90,7 +98,9 @@ class WindowsFacts final : public SProcessorInstructions {
 
   bool FontSmoothing(bool& on) override {
     BOOL value = FALSE;
-    if (!SystemParametersInfoA(kGetFontSmoothing, 0, &value, 0)) return false;
+    if (!SystemParametersInfoA(kGetFontSmoothing, 0, &value, 0)) {
+      return false;
+    }
     on = value != FALSE;
     return true;
   }
