@@ -89,7 +89,7 @@ bool DeleteClassesOf(const SLoginNameObj& teacher) {
 // The spec stands on the teacher's classes folder.
 bool RemoveTeacherFolder(SFileSpec& spec, const SLoginNameObj& teacher) {
   SLockFile lock;
-  if (spec.Exists()) {
+  if (!IsKnownMissing(spec)) {
     if (!LockIndex(lock, spec, LockKind::kClasses, true) || !DeleteClassesOf(teacher)) {
       return false;
     }
@@ -184,7 +184,7 @@ bool DeleteStudent(const SLoginNameObj* classEntry, const SLoginNameObj* student
     return false;
   }
   if (!spec.IsExistingFolder()) {
-    return true;
+    return spec.Exists() || IsKnownMissing(spec);
   }
   SLockFile folderLock;
   if (!LockMember(folderLock, spec, LockKind::kStudents, standAlone, stop)) {

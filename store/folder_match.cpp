@@ -12,6 +12,17 @@ namespace {
 
 constexpr int32_t kMostUnknown = 32767;  // lists are walked with 16-bit counters
 constexpr size_t kWholeKey = 8;          // a name no longer than this stands in its key whole
+constexpr uint64_t kSpread = 0x9E3779B97F4A7C15;  // brings every bit to the top
+
+// All of the name counts, so that long names alike at their start do not pile up in one place.
+uint64_t KeyOf(std::string_view name) {
+  uint64_t key = FoldedSortKey(name);
+  while (name.size() > kWholeKey) {
+    name.remove_prefix(kWholeKey);
+    key = key * kSpread + FoldedSortKey(name);
+  }
+  return key;
+}
 
 }  // namespace
 
@@ -26,13 +37,12 @@ SFolderMatch::SFolderMatch(int32_t room)
 }
 
 int32_t& SFolderMatch::FirstAt(uint64_t key) const {
-  constexpr uint64_t kSpread = 0x9E3779B97F4A7C15;  // brings every bit of the key to the top
   return places[static_cast<uint32_t>(key * kSpread >> 40) & placeMask];
 }
 
 void SFolderMatch::Add(const SString& name) {
   if (known != nullptr && count < room) {
-    known[count++] = {FoldedSortKey(name.View()), &name, kNoName, false};
+    known[count++] = {KeyOf(name.View()), &name, kNoName, false};
   }
 }
 
@@ -74,7 +84,7 @@ bool SFolderMatch::AddUnknown(std::string_view name) {
 
 // Of several equal names the folder's entries take one each.
 bool SFolderMatch::Mark(std::string_view name) {
-  const uint64_t key = FoldedSortKey(name);
+  const uint64_t key = KeyOf(name);
   for (int32_t i = FirstAt(key); i != kNoName; i = known[i].next) {
     KnownName& candidate = known[i];
     if (candidate.key == key && !candidate.isOnDisk &&

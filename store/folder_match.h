@@ -32,7 +32,7 @@ class SFolderMatch {
  private:
   // Names with the same place in the table hang together, the first added first.
   struct KnownName {
-    uint64_t key;  // FoldedSortKey: what nearly always decides
+    uint64_t key;  // of the name without regard to case: what nearly always decides
     const SString* name;
     int32_t next;
     bool isOnDisk;

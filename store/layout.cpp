@@ -30,6 +30,9 @@ bool IsSeparator(char c) {
 // spec as it was, unless all but the last are there: then the steps have to be taken one by one.
 bool PlaceBelow(SFileSpec& spec, const SString& root, std::initializer_list<const SString*> names) {
   const int length = root.GetLength();
+  if (length == 0) {
+    return false;
+  }
   SString path = root;
   if (!IsSeparator(root.GetAt(length - 1))) {
     path += '\\';
@@ -45,7 +48,7 @@ bool PlaceBelow(SFileSpec& spec, const SString& root, std::initializer_list<cons
     path += *name;
     between = "\\";
   }
-  const SFileSpec placed(length != 0 ? path : SString());
+  const SFileSpec placed(path);
   if (!placed.IsValid()) {
     return false;
   }
@@ -90,7 +93,7 @@ void FirstTeacherFolder(SFileSpec& spec) {
     return;
   }
   SelectTeacher(teachers.At(0));
-  DownToEntry(spec, *gCurrentTeacher);
+  DownToEntry(spec, *teachers.At(0));
 }
 
 bool ReachClassesOfTeacher(SFileSpec& spec, SString& pathOut, const SString& classes) {

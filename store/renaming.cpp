@@ -28,7 +28,7 @@ struct RenameLevel {
 // A teacher needs a classes folder: without one the default class is added.
 bool GoToClasses(SFileSpec& spec, const SLoginNameObj& teacher) {
   spec.Down(ClassesName());
-  if (!spec.Exists()) {
+  if (IsKnownMissing(spec)) {
     SLoginNameObj* const selected = gCurrentTeacher;
     SelectTeacher(&teacher);
     SLoginNameObj defaultClass;

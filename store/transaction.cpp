@@ -6,11 +6,18 @@
 
 namespace kivstore {
 
+// A spec that was not placed on a folder stands somewhere on the way there: a look that now finds
+// something would find the wrong folder.
 bool IsFolderThere(SFileSpec& spec) {
-  if (IsSharedSite()) {
+  if (spec.IsExistingFolder() && IsSharedSite()) {
     spec.Refresh();
   }
   return spec.IsExistingFolder();
+}
+
+bool IsKnownMissing(const SFileSpec& spec) {
+  constexpr int16_t kNotFound = 2;
+  return !spec.Exists() && SFileSpec::GetLastError() == kNotFound;
 }
 
 void AimAtIndex(SLockFile& lock, const SFileSpec& folder, LockKind kind, bool quiet) {

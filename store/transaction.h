@@ -14,6 +14,9 @@ inline constexpr const char* kNoTeacherName = "TDefault";
 
 // Whether the folder is there, by the disk as it is now if others may change it.
 bool IsFolderThere(SFileSpec& spec);
+// Right after a step down: nothing is there, and it was not the look that failed. What may be there
+// is neither gone nor to be made.
+bool IsKnownMissing(const SFileSpec& spec);
 
 // Aims the lock at the folder's index.kiv and gives it its texts; `lock` is not held.
 void AimAtIndex(SLockFile& lock, const SFileSpec& folder, LockKind kind, bool quiet);
