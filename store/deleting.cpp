@@ -47,9 +47,10 @@ bool LockMember(SLockFile& lock, const SFileSpec& folder, LockKind kind, bool st
 // Takes the deleted entry out of the list, and out of its index too where nobody else will.
 void Forget(const SFileSpec& listFolder, SPtrArray& list, const SLoginNameObj& entry,
             bool writeIndex) {
+  const SString folder(entry.folderName);
   RemoveLoginAt(list, FindLogin(list, entry));
   if (writeIndex) {
-    WriteLogins(listFolder, list);
+    WriteLogins(listFolder, list, folder);
   }
 }
 

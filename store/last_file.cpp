@@ -6,6 +6,7 @@
 #include "store/file_extension.h"
 #include "store/layout.h"
 #include "store/maintenance.h"
+#include "store/transaction.h"
 
 namespace kivstore {
 namespace {
@@ -17,7 +18,7 @@ bool PlaceLastFile(SFileSpec& spec, const SLoginNameObj* classEntry, const SLogi
   return spec.Down(CachedText<kTextLastFile>());
 }
 
-// The names that are longer than the extension; false if the file cannot be opened.
+// The names that are longer than the extension; false if the file cannot be opened or read.
 bool ReadNames(const SFileSpec& file, const SString& extension, SStringArray& names) {
   SStreamSrcFile source(file);
   SBinaryStream stream(SBinaryStream::kRead, &source, false);
@@ -34,7 +35,7 @@ bool ReadNames(const SFileSpec& file, const SString& extension, SStringArray& na
       names.Add(name);
     }
   }
-  return true;
+  return !source.HasError() || source.GetPosition() >= source.GetLength();
 }
 
 int32_t FindOfType(const SStringArray& names, const SString& extension) {
@@ -85,7 +86,7 @@ void RecordLastFile(const SLoginNameObj* classEntry, const SLoginNameObj* studen
     return;
   }
   // A list that is there and cannot be read is not written over.
-  if (spec.Exists() && !ReadNames(spec, extension, names)) {
+  if (!IsKnownMissing(spec) && !ReadNames(spec, extension, names)) {
     return;
   }
   if (PutName(names, fileName, extension)) {

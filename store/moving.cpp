@@ -65,6 +65,7 @@ void PlaceEnd(SFileSpec& spec, const MoveEnd& end) {
 }
 
 Outcome EntryMove::Run(const SString& first, const SString& last) {
+  const SString oldFolder(entry.folderName);
   if (!Prepare() || !AreStudentsFree() || !TakeLocks() || !HasRoom() || !MoveFolder()) {
     return Outcome::kFailed;
   }
@@ -73,7 +74,7 @@ Outcome EntryMove::Run(const SString& first, const SString& last) {
   }
   EnsureEntry(destinationFolder, entry.folderName, first, last, kNoLimit);
   RemoveLoginAt(list, index);
-  WriteLogins(sourceFolder, list);
+  WriteLogins(sourceFolder, list, oldFolder);
   return Outcome::kDone;
 }
 

@@ -76,7 +76,7 @@ bool RenameEntry(SFileSpec& spec, const SLoginNameObj& entry, SPtrArray& list, S
   SLoginNameObj& renamed = *LoginIn(list, index);
   renamed.firstName = first;
   renamed.lastName = last;
-  WriteLogins(spec, list);
+  WriteLogins(spec, list, renamed.folderName);
   return true;
 }
 

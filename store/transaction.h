@@ -24,8 +24,10 @@ bool LockIndex(SLockFile& lock, const SFileSpec& folder, LockKind kind, bool qui
 
 // Both halves of the folder's index; they are empty where it has none.
 void ReadWholeIndex(SFileSpec folder, SIndexObj& index);
-// Writes the list into the folder's index; its file half stays. The list keeps its entries.
-void WriteLogins(const SFileSpec& folder, const SPtrArray& list);
+// Writes the list into the folder's index; its file half stays. The list keeps its entries. It was
+// loaded before the lock was taken: of every entry but the one in the folder `changed` the index
+// knows better, and what the list does not know of stays behind it.
+void WriteLogins(const SFileSpec& folder, const SPtrArray& list, const SString& changed);
 
 // Frees the list's entry at `index`; nothing for -1.
 void RemoveLoginAt(SPtrArray& list, int32_t index);

@@ -1,35 +1,30 @@
 #include "store/layout.h"
 
-#include "store/adding.h"
-#include "store/index_file.h"
 #include "tests/store/store_fixture.h"
-#include "tests/support/fault_file_services.h"
 
 using namespace kivstore;
-using kivtest::IndexBytes;
-using kivtest::Kind;
-using kivtest::Lines;
-using kivtest::StoreBuilder;
-using kivtest::Text;
+using namespace kivtest;
 
 namespace {
 
-class LayoutTest : public kivtest::StoreFixture {
+class LayoutTest : public StoreFixture {
  protected:
   // One teacher (where the kind has them), one class, one student.
   void Build(Kind kind) {
     UseSite(kind);
     StoreBuilder store(temp.Path(), kind);
-    std::string teacher;
-    if (kind == Kind::kTeachers) {
-      teacher = store.AddTeacher("Ms Hill", "MsHill");
+    const bool tier = kind == Kind::kTeachers;
+    const std::string teacher = tier ? store.AddTeacher("Ms Hill", "MsHill") : "";
+    const std::string room12 = store.AddClass(teacher, "Room 12", "Room12");
+    const std::string annLee = store.AddStudent(room12, "Ann", "Lee", "AnnLee");
+    for (const std::string& place : {StoreBuilder::ClassList(teacher), room12, annLee}) {
+      store.WriteOptions(place, OptionsBytes());
     }
-    const std::string room = store.AddClass(teacher, "Room 12", "Room12");
-    const std::string ann = store.AddStudent(room, "Ann", "Lee", "AnnLee");
-    store.WriteOptions(StoreBuilder::ClassList(teacher), kivtest::OptionsBytes());
-    store.WriteOptions(room, kivtest::OptionsBytes());
-    store.WriteOptions(ann, kivtest::OptionsBytes());
     store.Finish();
+  }
+  void BuildEmpty(Kind kind) {
+    UseSite(kind);
+    StoreBuilder(temp.Path(), kind).Finish();
   }
   std::map<std::string, std::string> Snapshot() const {
     return StoreBuilder(temp.Path(), Kind::kLocal).Snapshot();
@@ -57,22 +52,15 @@ class LayoutTest : public kivtest::StoreFixture {
     return PlaceAndKind(spec);
   }
 
-  const SLoginNameObj room = Entry("Room12", "Room 12");
-  const SLoginNameObj ann = Entry("AnnLee", "Ann", "Lee");
-  const SLoginNameObj gone = Entry("Gone", "Gone");
+  const SLoginNameObj room = Entry("Room12", "Room 12"), ann = Entry("AnnLee", "Ann", "Lee");
   SFileSpec spec;
 };
 
 TEST_F(LayoutTest, EveryPlaceIsFoundOnEveryKindOfSite) {
-  const struct {
-    Kind kind;
-    std::string list;
-  } sites[] = {{Kind::kLocal, "Classes.zep/"},
-               {Kind::kShared, "Classes.zep/"},
-               {Kind::kTeachers, "Classes.zep/MsHill/Classes.zep/"}};
-  for (const auto& site : sites) {
-    Build(site.kind);
-    const std::string& list = site.list;
+  const std::string teachersList = "Classes.zep/MsHill/Classes.zep/";
+  for (const Kind kind : {Kind::kLocal, Kind::kShared, Kind::kTeachers}) {
+    Build(kind);
+    const std::string list = kind == Kind::kTeachers ? teachersList : "Classes.zep/";
     EXPECT_EQ(Teachers(), "folder Classes.zep/");
     EXPECT_EQ(Classes(), "folder " + list);
     EXPECT_EQ(Students(room), "folder " + list + "Room12/Students/");
@@ -86,65 +74,15 @@ TEST_F(LayoutTest, EveryPlaceIsFoundOnEveryKindOfSite) {
     EXPECT_EQ(Options(&room, &ann), "file " + list + "Room12/Students/AnnLee/options.kiv");
     TopScoreFile(spec, &room, &ann);
     EXPECT_EQ(PlaceAndKind(spec), "none " + list + "Room12/Students/AnnLee/topScore.kiv");
+    for (const char* ending : {"/", "\\", "//", "/Classes.zep/.."}) {
+      SetRoot(temp.Path() + ending);
+      Classes();
+      EXPECT_TRUE(spec.Down("Room12") && spec.Exists()) << ending;
+    }
+    SetRoot(temp.Path());
     EXPECT_TRUE(Dropped().empty());
     temp.Remove("Classes.zep");
     SelectTeacher(nullptr);
-  }
-}
-
-TEST_F(LayoutTest, TheRootMayComeInAnySpelling) {
-  Build(Kind::kTeachers);
-  for (const char* ending : {"", "/", "\\", "//", "/Classes.zep/.."}) {
-    SetRoot(temp.Path() + ending);
-    EXPECT_EQ(Classes().substr(0, 7), "folder ") << ending;
-    EXPECT_TRUE(spec.Down("Room12") && spec.Exists()) << ending;
-  }
-}
-
-// The extension is the registered game type's; what was formed before it came does not stick.
-TEST(ClassesNameTest, FollowsATypeThatIsRegisteredLater) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_EXIT(
-      {
-        const bool plain = ClassesName() == "Classes";
-        RegisterFileType(kFileTypeGame, "Game File|Game Files|zep|Game|1");
-        const bool joined = ClassesName() == "Classes.zep";
-        std::exit(plain && joined ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
-}
-
-TEST_F(LayoutTest, AFolderOfThePlainStemIsNotLookedAt) {
-  UseSite(Kind::kLocal);
-  temp.MakeFolder("Classes/Room12/Students");
-  EXPECT_EQ(Classes(), "none Classes.zep");
-}
-
-// Each is a round trip to a file server.
-TEST_F(LayoutTest, PlacingCostsOneLookAndTheCountOfTheClassList) {
-  Build(Kind::kTeachers);
-  Classes();
-  kivtest::FaultFileServices services(*Platform().files);
-  const SPlatformOverride<IFileServices> installed(Platform().files, &services);
-  temp.Remove("Classes.zep/MsHill/Classes.zep/Room12/Students/AnnLee/options.kiv");
-  const struct {
-    const char* what;
-    std::function<void()> place;
-    int looks, opens;
-  } cases[] = {{"teachers", [&] { TeachersFolder(spec); }, 1, 0},
-               {"teacher", [&] { TeacherFolder(spec, gCurrentTeacher); }, 1, 0},
-               {"classes", [&] { Classes(); }, 2, 2},
-               {"students", [&] { Students(room); }, 3, 2},
-               {"student", [&] { Folder(&room, &ann, false); }, 3, 2},
-               {"options of all", [&] { Options(nullptr, nullptr); }, 3, 2},
-               {"options of a class", [&] { Options(&room, nullptr); }, 3, 2},
-               {"missing options of a student", [&] { Options(&room, &ann); }, 3, 2}};
-  for (const auto& c : cases) {
-    services.ClearLog();
-    c.place();
-    EXPECT_EQ(services.CountOf("Attributes"), c.looks) << c.what;
-    EXPECT_EQ(services.CountOf("OpenRead") + services.CountOf("OpenAlone"), c.opens) << c.what;
-    EXPECT_EQ(services.CountOf("Walk"), 0) << c.what;
   }
 }
 
@@ -152,42 +90,45 @@ TEST_F(LayoutTest, TheFirstTeacherStandsInWhereNoneIsSelected) {
   UseSite(Kind::kTeachers);
   StoreBuilder store(temp.Path(), Kind::kTeachers);
   store.AddTeacher("Aaron", "Zed");
-  store.AddTeacher("Zoe", "Abe");
+  const std::string abe = store.AddTeacher("Zoe", "Abe");
   store.Finish();
-  Classes();
-  EXPECT_EQ(Place(spec), "Classes.zep/Abe/Classes.zep/");
+  EXPECT_EQ(Classes(), "folder Classes.zep/Abe/Classes.zep/");
   ASSERT_NE(gCurrentTeacher, nullptr);
   EXPECT_EQ(gCurrentTeacher->firstName, "Zoe");
+
+  // Where the folders of all are gone, nobody is added.
+  SelectTeacher(nullptr);
+  store.RemoveFolder(abe);
+  store.RemoveFolder("Classes.zep/Zed");
+  const CreatingScope creating;
+  EXPECT_EQ(Classes(), "none -");
+  EXPECT_EQ(temp.List("Classes.zep"), Lines({"index.kiv", "index.lok"}));
 }
 
 TEST_F(LayoutTest, AFailedRootIsReportedOnceForTheProcess) {
   UseSite(Kind::kLocal);
+  temp.MakeFolder("nowhere/Classes/Room12/Students");  // the plain stem is not looked at
   const std::string missing = temp.Path("nowhere");
   SetRoot(missing);
-  EXPECT_EQ(Classes(), "none nowhere");
-  EXPECT_TRUE(gStoreFailed);
-  ASSERT_EQ(Dropped().size(), 3u);
-  EXPECT_EQ(Dropped()[0].rfind("Unable to access the data files located in " + missing +
-                                   ".  Make sure you are connected",
-                               0),
-            0u);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(Classes(), "none nowhere/Classes.zep");
+    EXPECT_TRUE(gStoreFailed);
+    ASSERT_EQ(Dropped().size(), 3u);
+  }
+  const std::string opening =
+      "Unable to access the data files located in " + missing + ".  Make sure you are connected";
+  EXPECT_EQ(Dropped()[0].substr(0, opening.size()), opening);
   EXPECT_EQ(Lines(Dropped().begin() + 1, Dropped().end()), Lines({"Quit", "&Retry"}));
-  Classes();
-  EXPECT_EQ(Dropped().size(), 3u);
-  EXPECT_FALSE(ReportStoreFailure(Text(missing), false));
 }
 
 TEST_F(LayoutTest, ARootThatIsNoFolderLeadsNowhere) {
   temp.WriteFile("plain", "");
-  for (const Kind kind : {Kind::kLocal, Kind::kTeachers}) {
-    UseSite(kind);
-    for (const std::string& root : {std::string(), temp.Path("plain"), std::string(32000, 'x')}) {
-      SetRoot(root);
+  for (const std::string& root : {std::string(), temp.Path("plain"), std::string(32000, 'x')}) {
+    SetRoot(root);
+    for (const Kind kind : {Kind::kLocal, Kind::kTeachers}) {
+      UseSite(kind);
       SelectTeacher(nullptr);
-      Teachers();
-      EXPECT_FALSE(spec.IsExistingFolder()) << root.substr(0, 40);
-      Options(&room, &ann);
-      EXPECT_FALSE(spec.Exists()) << root.substr(0, 40);
+      EXPECT_EQ(Options(&room, &ann).substr(0, 4), "none") << root.substr(0, 40);
     }
   }
 }
@@ -202,65 +143,56 @@ TEST_F(LayoutTest, RemovableDataAsksForADiskEachTime) {
   EXPECT_EQ(Dropped(), Lines({text, "&Retry", text, "&Retry"}));
   EXPECT_EQ(app.heard, Lines({"PrepareMessage", "PrepareMessage"}));
   EXPECT_FALSE(gStoreFailed);
-}
-
-TEST_F(LayoutTest, RemovableDataThatIsNotThereEndsBeforeTheClass) {
   UseSite(Kind::kLocal);
   StudentsFolder(spec, room, true);
-  EXPECT_EQ(PlaceAndKind(spec), "none Classes.zep");
-  EXPECT_EQ(Dropped().size(), 2u);
+  EXPECT_EQ(PlaceAndKind(spec), "none Classes.zep");  // and goes no further
+  EXPECT_EQ(Dropped().size(), 6u);
 }
 
 TEST_F(LayoutTest, ServicesThatMakeNothingLeaveAHoleOpen) {
   Build(Kind::kTeachers);
-  SelectTeacher(nullptr);
-  Classes();
-  temp.Remove("Classes.zep/MsHill/Classes.zep/Room12/Students");
-  const auto before = Snapshot();
   const std::string list = "Classes.zep/MsHill/Classes.zep/";
+  temp.Remove(list + "Room12/Students");
+  const auto before = Snapshot();
+  const SLoginNameObj gone = Entry("Gone", "Room 7");
   EXPECT_EQ(Students(room), "none " + list + "Room12/Students");
   EXPECT_TRUE(gStoreFailed);
-  EXPECT_EQ(Folder(&room, &ann, true), "none " + list + "Room12/Students");
   EXPECT_EQ(Folder(&gone, nullptr, true), "none " + list + "Gone");
   EXPECT_EQ(Changes(before, Snapshot()), Lines());
+  EXPECT_EQ(Students(gone), "none " + list + "Students");
   temp.Remove("Classes.zep/MsHill");
-  EXPECT_EQ(Classes(), "none Classes.zep/MsHill");
   EXPECT_EQ(Folder(&room, &ann, true), "none Classes.zep/MsHill");
 }
 
 TEST_F(LayoutTest, ServicesThatCreateFillTheHoles) {
-  const kivtest::CreatingScope creating;
+  const CreatingScope creating;
   UseSite(Kind::kTeachers);
+  const std::string teacher = "Classes.zep/MsHill/", list = teacher + "Classes.zep/";
   const SLoginNameObj hill = Entry("MsHill", "Ms Hill");
   TeacherFolder(spec, &hill);
-  EXPECT_EQ(PlaceAndKind(spec), "folder Classes.zep/MsHill/");
+  EXPECT_EQ(PlaceAndKind(spec), "folder " + teacher);
   SelectTeacher(&hill);
-  EXPECT_EQ(Classes(), "folder Classes.zep/MsHill/Classes.zep/");
-  EXPECT_EQ(Folder(&room, nullptr, true), "folder Classes.zep/MsHill/Classes.zep/Room12/");
-  EXPECT_EQ(Folder(&room, &ann, false),
-            "none Classes.zep/MsHill/Classes.zep/Room12/Students/AnnLee");
-  EXPECT_EQ(Folder(&room, &ann, true),
-            "folder Classes.zep/MsHill/Classes.zep/Room12/Students/AnnLee/");
+  EXPECT_EQ(Folder(&room, nullptr, true), "folder " + list + "Room12/");
+  EXPECT_EQ(Folder(&room, &ann, false), "none " + list + "Room12/Students/AnnLee");
+  EXPECT_EQ(Folder(&room, &ann, true), "folder " + list + "Room12/Students/AnnLee/");
   TopScoreFile(spec, nullptr, nullptr);
-  EXPECT_EQ(PlaceAndKind(spec), "file Classes.zep/MsHill/Classes.zep/topScore.kiv");
+  EXPECT_EQ(PlaceAndKind(spec), "file " + list + "topScore.kiv");
+  // A class that is lost comes back under its name.
+  EXPECT_EQ(Students(Entry("Lost", "Room 7")), "folder " + list + "Room7/Students/");
   EXPECT_FALSE(gStoreFailed);
 }
 
 TEST_F(LayoutTest, NoEntryLeadsOutOfItsListFolder) {
-  const kivtest::CreatingScope creating;
+  const CreatingScope creating;
   Build(Kind::kLocal);
-  temp.WriteFile("options.kiv", "outside");
-  temp.WriteFile("Classes.zep/Room12/Students/options.kiv", "of nobody");
   temp.MakeFolder("Students");
   const auto before = Snapshot();
-  for (const char* name : {"", ".", "..", "...", ". .", "..\\..", "../..", "Room12\\..", "/",
-                           "Room12/Students", "\\"}) {
+  for (const char* name :
+       {"", ".", "..", "...", ". .", "..\\..", "../..", "Room12\\..", "/", "Room12/Students"}) {
     const SLoginNameObj hostile = Entry(name, "Hostile");
     EXPECT_EQ(Students(hostile), "none -") << name;
     EXPECT_EQ(Folder(&hostile, nullptr, true), "none -") << name;
     EXPECT_EQ(Folder(&room, &hostile, true), "none -") << name;
-    EXPECT_EQ(Options(&hostile, nullptr), "none -") << name;
-    EXPECT_EQ(Options(&room, &hostile), "none -") << name;
     UseSite(Kind::kTeachers);
     TeacherFolder(spec, &hostile);
     EXPECT_EQ(PlaceAndKind(spec), "none -") << name;
@@ -269,41 +201,33 @@ TEST_F(LayoutTest, NoEntryLeadsOutOfItsListFolder) {
   EXPECT_EQ(Changes(before, Snapshot()), Lines());
 }
 
-class DefaultEntriesTest : public LayoutTest {
- protected:
-  void BuildEmpty(Kind kind) {
-    UseSite(kind);
-    StoreBuilder(temp.Path(), kind).Finish();
-  }
-};
+using DefaultEntriesTest = LayoutTest;
 
-const char* const kNoClass = "Unable to add the class Default because the class folder located in ";
-
-TEST_F(DefaultEntriesTest, AnEmptyListGetsTheDefaultClass) {
-  const kivtest::CreatingScope creating;
+TEST_F(DefaultEntriesTest, AnEmptyListGetsTheDefaultClassOrItsLineAlone) {
+  const std::string line = IndexBytes({{"Default", "Default", ""}});
   for (const Kind kind : {Kind::kLocal, Kind::kShared}) {
     BuildEmpty(kind);
     EXPECT_EQ(Classes(), "folder Classes.zep/");
-    EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"), IndexBytes({{"Default", "Default", ""}}));
-    EXPECT_EQ(temp.ReadFile("Classes.zep/Default/longname.kiv"), std::string("Default\0\0", 9));
+    EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"), line);
+    EXPECT_FALSE(temp.Exists("Classes.zep/Default"));
+    EXPECT_TRUE(gStoreFailed);
+    ASSERT_FALSE(Dropped().empty());
+    EXPECT_EQ(Dropped()[0].substr(0, 34), "Unable to add the class Default be");
+
+    BuildEmpty(kind);
+    Dropped().clear();
+    const CreatingScope creating;
+    EXPECT_EQ(Classes(), "folder Classes.zep/");
+    EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"), line);
+    EXPECT_EQ(temp.ReadFile("Classes.zep/Default/longname.kiv"), LongNameBytes("Default"));
     EXPECT_TRUE(temp.Exists("Classes.zep/Default/Students"));
     EXPECT_TRUE(Dropped().empty());
     temp.Remove("Classes.zep");
   }
 }
 
-TEST_F(DefaultEntriesTest, WithoutMakersTheEntryStaysAndTheFailureIsReported) {
-  BuildEmpty(Kind::kShared);
-  EXPECT_EQ(Classes(), "folder Classes.zep/");
-  EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"), IndexBytes({{"Default", "Default", ""}}));
-  EXPECT_FALSE(temp.Exists("Classes.zep/Default"));
-  EXPECT_TRUE(gStoreFailed);
-  ASSERT_EQ(Dropped().size(), 4u);
-  EXPECT_EQ(Dropped()[0].rfind(kNoClass, 0), 0u) << Dropped()[0];
-}
-
 TEST_F(DefaultEntriesTest, AListIsLeftAloneWhereItMayHaveEntries) {
-  const kivtest::CreatingScope creating;
+  const CreatingScope creating;
   BuildEmpty(Kind::kShared);
   {
     const Holder other(Spec("Classes.zep/index.lok"));
@@ -316,22 +240,6 @@ TEST_F(DefaultEntriesTest, AListIsLeftAloneWhereItMayHaveEntries) {
   EXPECT_FALSE(gStoreFailed);
 }
 
-TEST_F(DefaultEntriesTest, ALostClassFolderComesBackUnderItsName) {
-  const kivtest::CreatingScope creating;
-  Build(Kind::kShared);
-  const SLoginNameObj lost = Entry("Lost", "Room 7");
-  EXPECT_EQ(Students(lost), "folder Classes.zep/Room7/Students/");
-  EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"),
-            IndexBytes({{"Room12", "Room 12", ""}, {"Room7", "Room 7", ""}}));
-  EXPECT_FALSE(gStoreFailed);
-}
-
-TEST_F(DefaultEntriesTest, WithoutMakersALostClassLeadsToStudentsUnderTheList) {
-  Build(Kind::kShared);
-  EXPECT_EQ(Students(Entry("Lost", "Room 7")), "none Classes.zep/Students");
-  EXPECT_TRUE(gStoreFailed);
-}
-
 TEST_F(DefaultEntriesTest, AStoreWithoutTeachersGetsTheDefaultTeacher) {
   BuildEmpty(Kind::kTeachers);
   EXPECT_EQ(Classes(), "none Classes.zep/TDefault");
@@ -340,21 +248,10 @@ TEST_F(DefaultEntriesTest, AStoreWithoutTeachersGetsTheDefaultTeacher) {
 
   SelectTeacher(nullptr);
   BuildEmpty(Kind::kTeachers);
-  const kivtest::CreatingScope creating;
+  const CreatingScope creating;
   EXPECT_EQ(Classes(), "folder Classes.zep/TDefault/Classes.zep/");
   EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"), IndexBytes({{"TDefault", "TDefault", ""}}));
   EXPECT_TRUE(temp.Exists("Classes.zep/TDefault/Classes.zep/Default/Students"));
-}
-
-TEST_F(DefaultEntriesTest, TeachersWhoseFoldersAreAllGoneLeadNowhere) {
-  UseSite(Kind::kTeachers);
-  StoreBuilder store(temp.Path(), Kind::kTeachers);
-  const std::string hill = store.AddTeacher("Ms Hill", "MsHill");
-  store.Finish();
-  store.RemoveFolder(hill);
-  const kivtest::CreatingScope creating;
-  EXPECT_EQ(Classes(), "none -");
-  EXPECT_EQ(temp.List("Classes.zep"), Lines({"index.kiv", "index.lok"}));
 }
 
 }  // namespace

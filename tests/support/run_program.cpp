@@ -38,7 +38,9 @@ RunResult RunProgram(const std::vector<std::string>& command) {
   folder.WriteFile("out", "");
   folder.WriteFile("err", "");
   std::string line;
-  for (const std::string& argument : command) line += Quote(argument) + " ";
+  for (const std::string& argument : command) {
+    line += Quote(argument) + " ";
+  }
   line += ">" + Quote(folder.Path("out")) + " 2>" + Quote(folder.Path("err"));
   RunResult result;
   result.exitCode = ExitCode(std::system(line.c_str()));

@@ -1,0 +1,45 @@
+// What a store on disk says of itself, and what is wrong with it: the indexes held against the
+// folders. Reads the tree with the standard library and uses nothing of ours.
+//
+//   const StoreImage image = ReadStore(folder.Path(), Kind::kTeachers);
+//   EXPECT_EQ(image.faults, std::vector<std::string>());
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/support/store_builder.h"
+
+namespace kivtest {
+
+// An entry as its list's index tells it.
+struct ListedEntry {
+  std::string list;  // the list's folder, relative to the root
+  std::string folder, first, last;
+
+  std::string Path() const { return list + "/" + folder; }
+  std::string Name() const { return last.empty() ? first : first + " " + last; }
+};
+
+struct StoreImage {
+  std::vector<ListedEntry> teachers, classes, students;
+  // An index that is torn; a line without a folder; a folder that tells its name and has no line;
+  // two lines of one folder or of one name in a list.
+  std::vector<std::string> faults;
+
+  // The lists, by their folders, whose index has this name; case counts.
+  static std::vector<std::string> ListsWith(const std::vector<ListedEntry>& entries,
+                                            const std::string& name);
+};
+
+// The whole tree, by folders and by indexes. A store without teachers has none.
+StoreImage ReadStore(const std::string& root, Kind kind);
+
+// The bytes of `file` in each listed entry's folder, for those that have it, with the places where
+// they are found.
+std::map<std::string, std::vector<std::string>> FindMarks(const std::string& root,
+                                                          const std::vector<ListedEntry>& entries,
+                                                          const std::string& file);
+
+}  // namespace kivtest
