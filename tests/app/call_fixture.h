@@ -1,11 +1,12 @@
-// What the tests of the commands share: a block to call with, and a process put back to how the
-// library starts.
+// What the tests of the commands share: a block to call with, a process put back to how the library
+// starts, and a small store.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
+#include <tuple>
 
 #include "app/roster_caches.h"
 #include "foundation/site_mode.h"
@@ -30,11 +31,10 @@ class ProcessState : public testing::Test {
     gTeacherTier = 0;
     gSiteMode = 0;
     gStoreFailed = false;
-    DeleteLogins(gTeacherCache.Array());
-    DeleteLogins(gClassCache.Array());
-    DeleteLogins(gStudentCache.Array());
-    gClassCacheTeacher = 0;
-    gStudentCacheClass = 0;
+    for (auto* const cache : {&gTeacherCache, &gClassCache, &gStudentCache}) {
+      DeleteLogins(cache->Array());
+    }
+    gClassCacheTeacher = gStudentCacheClass = 0;
   }
 };
 
@@ -56,7 +56,6 @@ class Host {
     EXPECT_LE(block.result, 1) << "command " << command << " left no result";
     return block.result == 1;
   }
-
   Host& Teacher(int32_t number) {
     block.teacherIndex = block.teacherListIndex = number;
     return *this;
@@ -75,6 +74,51 @@ class Host {
 
  private:
   std::string path;
+};
+
+// A store in which Ann is the second student of Room 12, of two classes, and with teachers the
+// first one's. Entries come in the order of their folder names.
+class AnnsStore : public ProcessState {
+ protected:
+  explicit AnnsStore(Kind kind) { Lay(kind); }
+
+  // In place of the store before.
+  void Lay(Kind kind) {
+    folder.Remove("Classes.zep");
+    store = StoreBuilder(folder.Path(), kind);
+    std::string hill;
+    if (kind == Kind::kTeachers) {
+      reyes = store.AddTeacher("Mr Reyes", "zReyes");
+      hill = store.AddTeacher("Ms Hill", "Hill");
+    }
+    classes = StoreBuilder::ClassList(hill);
+    store.AddClass(hill, "Room 14", "r14");
+    room = store.AddClass(hill, "Room 12", "R12");
+    students = StoreBuilder::StudentList(room);
+    store.AddStudent(room, "Mei", "", "b");
+    ann = store.AddStudent(room, "Ann", "Lee", "AnnLee");
+    store.AddStudent(room, "Abe", "Young", "a");
+    store.Finish();
+    host.block.mode = kind == Kind::kTeachers ? kNetworkedMode : kLocalMode;
+  }
+  void Learn(const std::string& student, int mission) {
+    store.WriteOptions(student, OptionsBytes().SetMission(mission));
+    GameBytes game;
+    game.learnedNewKeys = true;
+    store.WriteGame(student, game);
+  }
+  bool AskForAnn() {
+    host.block.currentMission = host.block.previousMission = host.block.vocabLevel = 77;
+    host.block.studentName[0] = '\0';
+    return host.Teacher(1).Class(1).Student(2).Call(KIV_STUDENT_PROGRESS);
+  }
+
+  TempFolder folder;
+  StoreBuilder store{folder.Path(), Kind::kLocal};
+  std::string reyes, classes, room, students, ann;
+  const kivstore::SLoginNameObj classEntry{"Room 12", "", "R12"};
+  const kivstore::SLoginNameObj annEntry{"Ann", "Lee", "AnnLee"};
+  Host host{folder.Path(), kLocalMode};
 };
 
 }  // namespace kivtest

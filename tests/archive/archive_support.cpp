@@ -4,14 +4,10 @@ namespace kivtest {
 
 using kivstore::SDateTime;
 
-void SampleDob::Reset() {
+void SampleDob::Clear() {
   Speed = {.value = 10};
   Sound = {.value = true};
   Name.Empty();
-}
-
-void SampleDob::Clear() {
-  Reset();
   SetDirty(true);
 }
 
@@ -29,43 +25,31 @@ void SampleDob::Serialize(kivstore::IDobArchive& archive) {
 
 void SampleDob::SetDirty(bool value) {
   SDob::SetDirty(value);
-  if (!value) {
-    Speed.stamp = Sound.stamp = SDateTime::None();
-  }
+  if (!value) Speed.stamp = Sound.stamp = SDateTime::None();
 }
 
 bool SampleDob::IsEqual(const SDob& other) const {
-  if (other.GetClassId() != StaticClassId()) {
-    return false;
-  }
+  if (other.GetClassId() != StaticClassId()) return false;
   const auto& same = static_cast<const SampleDob&>(other);
   return Speed.value == same.Speed.value && Sound.value == same.Sound.value && Name == same.Name;
 }
 
 void SampleDob::Copy(const SDob& other) {
-  if (&other == this) {
-    return;
-  }
   SDob::Copy(other);
-  if (other.IsA(*this)) {
-    const auto& same = static_cast<const SampleDob&>(other);
-    Speed = same.Speed;
-    Sound = same.Sound;
-    Name = same.Name;
-  }
+  if (!other.IsA(*this)) return;
+  const auto& same = static_cast<const SampleDob&>(other);
+  Speed = same.Speed;
+  Sound = same.Sound;
+  Name = same.Name;
 }
 
 void SampleDob::Merge(const SDob& other) {
-  if (&other == this) {
-    return;
-  }
   SDob::Merge(other);
-  if (other.IsA(*this)) {
-    const auto& same = static_cast<const SampleDob&>(other);
-    Speed.Merge(same.Speed);
-    Sound.Merge(same.Sound);
-    Name = same.Name;
-  }
+  if (!other.IsA(*this)) return;
+  const auto& same = static_cast<const SampleDob&>(other);
+  Speed.Merge(same.Speed);
+  Sound.Merge(same.Sound);
+  Name = same.Name;
 }
 
 void SampleDob::ClearStamps() {

@@ -1,21 +1,18 @@
-// What the archive tests share: bytes at hand, specs into a temporary folder, and a small record.
+// What the archive tests share: bytes at hand, a file in a temporary folder, and a small record.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
-#include <string_view>
 
 #include "archive/dob.h"
 #include "archive/stamped.h"
 #include "archive/stream_memory.h"
 #include "foundation/file_spec.h"
-#include "foundation/platform/platform.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/test_clock.h"
 
 namespace kivtest {
-
-inline kivstore::SFileSpec SpecOf(const TempFolder& folder, const std::string& name) {
-  return kivstore::SFileSpec(kivstore::SString(folder.Path(name).c_str()));
-}
 
 // What a stream holds from its start on.
 inline std::string BytesOf(kivstore::SStreamSource& stream) {
@@ -24,17 +21,28 @@ inline std::string BytesOf(kivstore::SStreamSource& stream) {
   return stream.Read(bytes.data(), stream.GetLength(), false) ? bytes : "unreadable";
 }
 
+// Files in a folder, "f" where there is one only, under a clock that stands still.
+class FileTest : public testing::Test {
+ protected:
+  kivstore::SFileSpec SpecOf(const std::string& name) const {
+    return kivstore::SFileSpec(kivstore::SString(folder.Path(name).c_str()));
+  }
+  kivstore::SFileSpec FileOf(const std::string& bytes, const char* name = "f") const {
+    folder.WriteFile(name, bytes);
+    return SpecOf(name);
+  }
+  std::string Stored(const char* name = "f") const { return folder.ReadFile(name); }
+
+  TempFolder folder;
+  TestClock clock;
+};
+
 // 2001-02-03 04:05:06, where a TestClock starts, as a stamp.
 inline constexpr uint32_t kTestNow = 0xB6A133F2;
 
 // 20 bytes: Speed and its stamp, Sound and its stamp, Name with its NUL.
 class SampleDob : public kivstore::SDob {
  public:
-  SampleDob() {
-    Reset();
-    SampleDob::SetDirty(false);
-  }
-
   void Clear() override;
   void Serialize(kivstore::IDobArchive& archive) override;
   void SetDirty(bool value) override;
@@ -56,25 +64,9 @@ class SampleDob : public kivstore::SDob {
   void SetSpeed(int16_t speed) { SetDirty(Speed.Set(speed) || dirty); }
   void SetSound(bool sound) { SetDirty(Sound.Set(sound) || dirty); }
 
-  kivstore::SStamped<int16_t> Speed;
-  kivstore::SStamped<bool> Sound;
+  kivstore::SStamped<int16_t> Speed{.value = 10};
+  kivstore::SStamped<bool> Sound{.value = true};
   kivstore::SString Name;
-
- private:
-  void Reset();
-};
-
-class DerivedSampleDob : public SampleDob {
- public:
-  ClassId GetClassId() const override { return StaticClassId(); }
-  bool IsA(const SDob& other) const override {
-    return IsOneOf(other, {StaticClassId(), SampleDob::StaticClassId(), SDob::StaticClassId()});
-  }
-  SDob* CreateNew() const override { return new DerivedSampleDob; }
-  static ClassId StaticClassId() {
-    static char token;
-    return &token;
-  }
 };
 
 }  // namespace kivtest

@@ -1,209 +1,139 @@
 // The text form of records: keys, texts, paths and their limits, and the operations for sections.
-#include <gtest/gtest.h>
+#include <optional>
 
 #include "archive/dob_pref_archive.h"
 #include "tests/archive/archive_support.h"
-#include "tests/support/test_clock.h"
 
 namespace kivstore {
 namespace {
 
+using A = IDobArchive;
 using kivtest::SampleDob;
-using kivtest::SpecOf;
 
-class PrefArchives : public testing::Test {
+class PrefArchives : public kivtest::FileTest {
  protected:
-  SFileSpec FileOf(const std::string& bytes) const {
-    folder.WriteFile("f", bytes);
-    return SpecOf(folder, "f");
+  SDobPrefArchive Reading(const std::string& text) const {
+    return SDobPrefArchive(SDobPrefArchive::kRead, FileOf(text));
   }
-  std::string Stored() const { return folder.ReadFile("f"); }
-
-  // The text that these transfers write into an empty file.
-  std::string Written(void (*transfer)(IDobArchive&)) const {
-    const SFileSpec spec = FileOf("");
-    SDobPrefArchive archive(SDobPrefArchive::kWrite, spec);
-    transfer(archive);
-    EXPECT_FALSE(archive.HasError());
-    archive.Finish();
-    return Stored();
+  // The value of a text; nothing if the transfer failed, the variable kept and the error set.
+  template <class T>
+  std::optional<T> ValueOf(bool (A::*transfer)(const char*, T&), const std::string& text) const {
+    SDobPrefArchive archive = Reading("[_Default]\nk=" + text + "\n");
+    const auto before = static_cast<T>(77);
+    T value = before;
+    const bool succeeded = (archive.*transfer)("k", value);
+    EXPECT_NE(succeeded, archive.HasError()) << text;
+    EXPECT_TRUE(succeeded || value == before) << text;
+    return succeeded ? std::optional<T>(value) : std::nullopt;
   }
-
-  kivtest::TempFolder folder;
-  kivtest::TestClock clock;
 };
 
-TEST_F(PrefArchives, EveryTypeHasItsText) {
-  EXPECT_EQ(Written([](IDobArchive& a) {
-              bool flag = true;
-              char letter = 'x';
-              uint8_t byte = 200;
-              int16_t small = -5;
-              uint16_t count = 65535;
-              int32_t number = INT32_MIN;
-              uint32_t large = UINT32_MAX;
-              double real = 0.1234567;
-              SString text(" a b ");
-              a.TransferBool("Bool", flag);
-              a.TransferChar("Char", letter);
-              a.TransferUChar("UChar", byte);
-              a.TransferShort("Short", small);
-              a.TransferUShort("UShort", count);
-              a.TransferLong("Long", number);
-              a.TransferULong("ULong", large);
-              a.TransferDouble("Double", real);
-              a.TransferString("String", text);
-            }),
+TEST_F(PrefArchives, EveryTypeHasItsTextAndLevelsJoinTheirNames) {
+  SDobPrefArchive archive(SDobPrefArchive::kWrite, FileOf(""));
+  const auto put = [&](auto transfer, const char* name, auto value) {
+    EXPECT_TRUE((archive.*transfer)(name, value)) << name;
+  };
+  put(&A::TransferBool, "Bool", true);
+  put(&A::TransferChar, "Char", 'x');
+  put(&A::TransferUChar, "UChar", uint8_t{200});
+  put(&A::TransferShort, "Short", int16_t{-5});
+  put(&A::TransferUShort, "UShort", uint16_t{65535});
+  put(&A::TransferLong, "Long", INT32_MIN);
+  put(&A::TransferULong, "ULong", UINT32_MAX);
+  put(&A::TransferDouble, "Double", 0.1234567);
+  put(&A::TransferString, "String", SString(" a b "));
+  archive.PushSection("Student");
+  archive.PushSectionNumber(7);
+  put(&A::TransferPoint, "P", SPoint{1, 2});
+  put(&A::TransferSize, "S", SSize{3, 4});
+  put(&A::TransferRect, "R", SRect{5, 6, 7, 8});
+  archive.PopSection();
+  put(&A::TransferTimeStamp, "T", SDateTime(9));
+  put(&A::TransferTimeStamp, "F", SDateTime::Fresh());
+  archive.PushKey("Array");
+  put(&A::TransferUShort, "Count", uint16_t{1});
+  archive.PushKeyNumber(0);
+  archive.PushKey(nullptr);
+  put(&A::TransferUShort, nullptr, uint16_t{6});
+  MemoryHandle handle = nullptr;
+  int32_t length = 0;
+  EXPECT_FALSE(archive.TransferBlob("b", handle, length)) << "refused, and no error";
+  EXPECT_TRUE(archive.WriteTag(1) && archive.CheckBytes("BIN", 3)) << "headers pass";
+  EXPECT_FALSE(archive.HasError());
+  archive.Finish();
+  EXPECT_EQ(Stored(),
             "[_Default]\r\nBool=1\r\nChar=x\r\nUChar=200\r\nShort=-5\r\nUShort=65535\r\n"
-            "Long=-2147483648\r\nULong=4294967295\r\nDouble=0.123457\r\nString= a b \r\n");
-}
-
-TEST_F(PrefArchives, CompositesAndLevelsJoinTheirNames) {
-  EXPECT_EQ(Written([](IDobArchive& a) {
-              SPoint point{1, 2};
-              SSize size{3, 4};
-              SRect rect{5, 6, 7, 8};
-              SDateTime stamp(9);
-              SDateTime fresh = SDateTime::Fresh();
-              uint16_t count = 1;
-              a.PushSection("Student");
-              a.PushSectionNumber(7);
-              a.TransferPoint("P", point);
-              a.TransferSize("S", size);
-              a.TransferRect("R", rect);
-              a.PopSection();
-              a.TransferTimeStamp("T", stamp);
-              a.TransferTimeStamp("F", fresh);
-              a.PushKey("Array");
-              a.TransferUShort("Count", count);
-              a.PushKeyNumber(0);
-              a.TransferUShort(nullptr, count);
-              a.PopKey();
-              a.PopKey();
-              a.PopSection();
-            }),
+            "Long=-2147483648\r\nULong=4294967295\r\nDouble=0.123457\r\nString= a b \r\n"
             "[Student_7]\r\nP_x=1\r\nP_y=2\r\nS_cx=3\r\nS_cy=4\r\n"
             "R_left=5\r\nR_top=6\r\nR_right=7\r\nR_bottom=8\r\n"
             "[Student]\r\nT_ts_high=0\r\nT_ts_low=9\r\nF_ts_high=0\r\nF_ts_low=3064017906\r\n"
-            "Array_Count=1\r\nArray_0=1\r\n");
-}
-
-struct ParseCase {
-  const char* value;
-  bool (*reads)(IDobArchive&);  // transferred as it should be
-};
-
-template <class T>
-bool Gives(bool (IDobArchive::*transfer)(const char*, T&), IDobArchive& a, T expected) {
-  T value = 77;
-  return (a.*transfer)("k", value) && value == expected;
-}
-
-template <class T>
-bool Fails(bool (IDobArchive::*transfer)(const char*, T&), IDobArchive& a) {
-  T value = 77;
-  return !(a.*transfer)("k", value) && value == 77 && a.HasError();
+            "Array_Count=1\r\nArray_0=6\r\n");
 }
 
 TEST_F(PrefArchives, ReadsWhatFitsAndLeavesTheVariableOtherwise) {
-  using A = IDobArchive;
-  const ParseCase cases[] = {
-      {"255", [](A& a) { return Gives<uint8_t>(&A::TransferUChar, a, 255); }},
-      {"256", [](A& a) { return Fails(&A::TransferUChar, a); }},
-      {"-1", [](A& a) { return Fails(&A::TransferUChar, a); }},
-      {"-32768", [](A& a) { return Gives<int16_t>(&A::TransferShort, a, -32768); }},
-      {"32768", [](A& a) { return Fails(&A::TransferShort, a); }},
-      {"65535", [](A& a) { return Gives<uint16_t>(&A::TransferUShort, a, 65535); }},
-      {"65536", [](A& a) { return Fails(&A::TransferUShort, a); }},
-      {"-9", [](A& a) { return Gives<int32_t>(&A::TransferLong, a, -9); }},
-      {"no", [](A& a) { return Gives<int32_t>(&A::TransferLong, a, 0); }},
-      {"", [](A& a) { return Fails(&A::TransferLong, a); }},
-      {"4294967295", [](A& a) { return Gives<uint32_t>(&A::TransferULong, a, UINT32_MAX); }},
-      {"x1", [](A& a) { return Fails(&A::TransferULong, a); }},
-      {"-0.5", [](A& a) { return Gives<double>(&A::TransferDouble, a, -0.5); }},
-      {"1.5x", [](A& a) { return Fails(&A::TransferDouble, a); }},
-      {"yes", [](A& a) { return Gives<char>(&A::TransferChar, a, 'y'); }},
-      {"", [](A& a) { return Fails(&A::TransferChar, a); }},
-  };
-  for (const ParseCase& c : cases) {
-    SDobPrefArchive archive(SDobPrefArchive::kRead,
-                            FileOf(std::string("[_Default]\nk=") + c.value + "\n"));
-    EXPECT_TRUE(c.reads(archive)) << c.value << " " << &c - cases;
-  }
-}
-
-TEST_F(PrefArchives, OnlyOneIsTrueAndAnEmptyTextIsATextButNoBool) {
-  SDobPrefArchive archive(SDobPrefArchive::kRead, FileOf("[_Default]\none=1\ntwo=2\nnone=\n"));
-  bool value = false;
-  EXPECT_TRUE(archive.TransferBool("one", value));
-  EXPECT_TRUE(value);
-  EXPECT_TRUE(archive.TransferBool("two", value));
-  EXPECT_FALSE(value);
+  EXPECT_EQ(ValueOf(&A::TransferUChar, "255"), 255);
+  EXPECT_EQ(ValueOf(&A::TransferUChar, "256"), std::nullopt);
+  EXPECT_EQ(ValueOf(&A::TransferUChar, "-1"), std::nullopt);
+  EXPECT_EQ(ValueOf(&A::TransferShort, "-32768"), -32768);
+  EXPECT_EQ(ValueOf(&A::TransferShort, "32768"), std::nullopt);
+  EXPECT_EQ(ValueOf(&A::TransferUShort, "65535"), 65535);
+  EXPECT_EQ(ValueOf(&A::TransferUShort, "65536"), std::nullopt);
+  EXPECT_EQ(ValueOf(&A::TransferLong, "-9"), -9);
+  EXPECT_EQ(ValueOf(&A::TransferLong, "no"), 0);
+  EXPECT_EQ(ValueOf(&A::TransferLong, ""), std::nullopt);
+  EXPECT_EQ(ValueOf(&A::TransferULong, "4294967295"), UINT32_MAX);
+  EXPECT_EQ(ValueOf(&A::TransferULong, "x1"), std::nullopt);
+  EXPECT_EQ(ValueOf(&A::TransferDouble, "-0.5"), -0.5);
+  EXPECT_EQ(ValueOf(&A::TransferDouble, "1.5x"), std::nullopt);
+  EXPECT_EQ(ValueOf(&A::TransferChar, "yes"), 'y');
+  EXPECT_EQ(ValueOf(&A::TransferBool, "1"), true);
+  EXPECT_EQ(ValueOf(&A::TransferBool, "2"), false);
+  EXPECT_EQ(ValueOf(&A::TransferBool, ""), std::nullopt);
   SString text("x");
-  EXPECT_TRUE(archive.TransferString("none", text));
+  EXPECT_TRUE(Reading("[_Default]\nk=\n").TransferString("k", text));
   EXPECT_TRUE(text.IsEmpty());
-  EXPECT_FALSE(archive.HasError());
-  EXPECT_FALSE(archive.TransferBool("none", value));
-  EXPECT_TRUE(archive.HasError());
-}
-
-TEST_F(PrefArchives, BlobsAreRefusedAndHeadersPass) {
-  SDobPrefArchive archive(SDobPrefArchive::kWrite, FileOf(""));
-  MemoryHandle handle = nullptr;
-  int32_t length = 0;
-  EXPECT_FALSE(archive.TransferBlob("b", handle, length));
-  EXPECT_TRUE(archive.WriteTag(1) && archive.CheckTag(2) && archive.WriteBytes("", 0) &&
-              archive.CheckBytes("", 0));
-  EXPECT_FALSE(archive.HasError());
 }
 
 TEST_F(PrefArchives, PathsEndAt240Characters) {
-  const std::string full(240, 'p');
   for (const size_t length : {240u, 241u}) {
-    SDobPrefArchive archive(SDobPrefArchive::kRead, FileOf(""));
+    SDobPrefArchive archive = Reading("");
     archive.PushSection(std::string(length, 'p').c_str());
     EXPECT_EQ(archive.HasError(), length == 241);
-    EXPECT_EQ(archive.GetSection(), length == 240 ? full : "_Default");
+    EXPECT_EQ(archive.GetSection(), length == 240 ? std::string(240, 'p') : "_Default");
     archive.PopSection();
     EXPECT_STREQ(archive.GetSection(), "_Default");
   }
-  SDobPrefArchive archive(SDobPrefArchive::kRead, FileOf(""));
-  archive.PushKey(std::string(200, 'k').c_str());
+  SDobPrefArchive archive = Reading("");
+  const std::string most(200, 'k');
+  archive.PushKey(most.c_str());
   archive.PushKey(std::string(39, 'k').c_str());
-  EXPECT_FALSE(archive.HasError());
   archive.PopKey();
+  EXPECT_FALSE(archive.HasError());
   archive.PushKey(std::string(40, 'k').c_str());
   EXPECT_TRUE(archive.HasError());
-  EXPECT_EQ(archive.GetKey(), std::string(200, 'k')) << "a level that adds nothing";
+  EXPECT_EQ(archive.GetKey(), most) << "a level that adds nothing";
 }
 
-TEST_F(PrefArchives, PathsHave32SectionsAnd16Keys) {
-  SDobPrefArchive archive(SDobPrefArchive::kRead, FileOf(""));
-  for (int i = 0; i < 16; ++i) {
-    archive.PushKey(i == 15 ? "last" : nullptr);
+TEST_F(PrefArchives, PathsHave32SectionsAnd16KeysAndNoneToPopAtFirst) {
+  SDobPrefArchive archive = Reading("");
+  for (int i = 0; i < 17; ++i) {
+    archive.PushKey(i == 15 ? "last" : i == 16 ? "dropped" : nullptr);
   }
-  archive.PushKey("dropped");
-  EXPECT_FALSE(archive.HasError());
   EXPECT_STREQ(archive.GetKey(), "last");
   archive.PopKey();
-  EXPECT_STREQ(archive.GetKey(), "") << "its pop takes a level too many";
-
-  for (int i = 0; i < 32; ++i) {
+  EXPECT_STREQ(archive.GetKey(), "") << "the dropped one's pop takes a level too many";
+  for (int i = 0; i < 33; ++i) {
+    EXPECT_FALSE(archive.HasError());
     archive.PushSection("s");
   }
-  EXPECT_FALSE(archive.HasError());
-  archive.PushSection("s");
   EXPECT_TRUE(archive.HasError());
   EXPECT_EQ(std::string(archive.GetSection()).size(), 63u);
-}
 
-TEST_F(PrefArchives, PoppingWhatWasNotPushedIsAnError) {
-  SDobPrefArchive sections(SDobPrefArchive::kRead, FileOf(""));
-  sections.PopSection();
-  EXPECT_TRUE(sections.HasError());
-  SDobPrefArchive keys(SDobPrefArchive::kRead, FileOf(""));
-  keys.PopKey();
-  EXPECT_TRUE(keys.HasError());
+  for (void (A::*const pop)() : {&A::PopSection, &A::PopKey}) {
+    SDobPrefArchive fresh = Reading("");
+    (fresh.*pop)();
+    EXPECT_TRUE(fresh.HasError());
+  }
 }
 
 TEST_F(PrefArchives, AStampedRecordGoesThereAndBack) {
@@ -219,57 +149,40 @@ TEST_F(PrefArchives, AStampedRecordGoesThereAndBack) {
   EXPECT_TRUE(loaded.LoadFromPref(spec, "student"));
   EXPECT_TRUE(loaded.IsEqual(record));
   EXPECT_EQ(loaded.Speed.stamp.Raw(), kivtest::kTestNow);
-
   EXPECT_TRUE(record.DeleteFromPref(spec, "Student"));
   EXPECT_EQ(Stored(), "; kept\r\n[Student]\r\n");
 }
 
-TEST_F(PrefArchives, AMissingKeyFailsTheLoadButNotTheFieldsBehindIt) {
+TEST_F(PrefArchives, AMissingKeyFailsTheLoadButNotTheFieldsBehindItAndAMissingFileAll) {
   SampleDob record;
   EXPECT_FALSE(record.LoadFromPref(FileOf("[s]\nSpeed=20\nName=Ann\n"), "s"));
-  EXPECT_EQ(record.Speed.value, 20);
-  EXPECT_STREQ(record.Name.GetText(), "Ann");
-}
-
-TEST_F(PrefArchives, WithoutAFileNothingIsTransferred) {
-  const SFileSpec missing = SpecOf(folder, "missing");
-  SampleDob record;
-  record.SetSpeed(20);
+  const SFileSpec missing = SpecOf("missing");
   EXPECT_FALSE(record.SaveToPref(missing, "s") || record.LoadFromPref(missing, "s") ||
                record.DeleteFromPref(missing, "s") || record.LoadAny(missing, "s") ||
                record.SaveMergedToPref(missing, "s") || record.MergeFromAny(missing, "s"));
   EXPECT_EQ(record.Speed.value, 20);
+  EXPECT_STREQ(record.Name.GetText(), "Ann");
 }
 
-TEST_F(PrefArchives, MergesBySectionAsByFile) {
-  const SFileSpec spec = FileOf("");
+TEST_F(PrefArchives, SectionsMergeAsFilesDoAndAnyFormLoads) {
+  SFileSpec spec = FileOf("");
   SampleDob first;
   SampleDob second;
   ASSERT_TRUE(first.SaveToPref(spec, "s"));
   first.SetSpeed(20);
   second.SetSound(false);
-  EXPECT_TRUE(first.SaveMergedToPref(spec, "s"));
-  EXPECT_TRUE(second.SaveMergedToPref(spec, "s"));
-  for (const bool any : {false, true}) {
-    SampleDob merged;
-    EXPECT_TRUE(any ? merged.MergeFromAny(spec, "s") : merged.MergeFromPref(spec, "s"));
-    EXPECT_EQ(merged.Speed.value, 20);
-    EXPECT_FALSE(merged.Sound.value);
+  EXPECT_TRUE(first.SaveMergedToPref(spec, "s") && second.SaveMergedToPref(spec, "s"));
+  SampleDob merged;
+  EXPECT_TRUE(merged.MergeFromPref(spec, "s"));
+  EXPECT_TRUE(merged.Speed.value == 20 && !merged.Sound.value);
+  for (const bool binary : {false, true}) {
+    SampleDob any;
+    EXPECT_TRUE(any.MergeFromAny(spec, "s"));
+    EXPECT_TRUE(any.IsEqual(merged));
+    EXPECT_TRUE(any.LoadAny(spec, "s"));
+    EXPECT_TRUE(any.IsEqual(merged));
+    if (!binary) merged.SaveToFile(spec);
   }
-}
-
-TEST_F(PrefArchives, LoadAnyTakesEitherForm) {
-  SFileSpec spec = FileOf("[s]\n");
-  SampleDob record;
-  record.SetSpeed(20);
-  record.SaveToPref(spec, "s");
-  SampleDob fromText;
-  EXPECT_TRUE(fromText.LoadAny(spec, "s"));
-  EXPECT_EQ(fromText.Speed.value, 20);
-  record.SaveToFile(spec);
-  SampleDob fromRecord;
-  EXPECT_TRUE(fromRecord.LoadAny(spec, "s"));
-  EXPECT_EQ(fromRecord.Speed.value, 20);
 }
 
 }  // namespace

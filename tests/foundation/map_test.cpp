@@ -25,7 +25,6 @@ std::vector<Key> Keys(const SMap<Key, Value>& map) {
 }
 
 static_assert(!std::is_copy_assignable_v<SMapLongToLong>);
-static_assert(!std::is_copy_constructible_v<SMapLongToLong>);
 static_assert(!std::is_copy_assignable_v<SMapStringToLong>);
 
 TEST(SMap, FindsWhatWasSetAndNothingElse) {
@@ -38,16 +37,13 @@ TEST(SMap, FindsWhatWasSetAndNothingElse) {
   map[7] += 1;
   EXPECT_EQ(map.GetCount(), 1000);
   EXPECT_TRUE(map.Lookup(7, value));
-  EXPECT_EQ(value, 15);
-  EXPECT_TRUE(map.Lookup(-500, value));
-  EXPECT_EQ(value, -1000);
   EXPECT_FALSE(map.Lookup(500, value));
-  EXPECT_EQ(value, -1000);
+  EXPECT_EQ(value, 15);
   EXPECT_EQ(map[500], 0);
-  EXPECT_TRUE(map.Contains(500));
+  EXPECT_TRUE(map.Contains(500) && map.Contains(-500));
 }
 
-TEST(SMap, WalksBucketsUpwardsAndEachFromTheNewestToTheOldest) {
+TEST(SMap, WalksBucketsUpwardsByTheHashesAndEachFromTheNewestToTheOldest) {
   SMapLongToShort map;
   EXPECT_EQ(map.GetStartPosition(), 0U);
   // Sixteen neighbours share a hash; 272 = 17 * 16 is in bucket 0 again; -1 hashes to 0x0FFFFFFF,
@@ -57,13 +53,12 @@ TEST(SMap, WalksBucketsUpwardsAndEachFromTheNewestToTheOldest) {
   }
   EXPECT_EQ(map.GetStartPosition(), kBeforeFirst);
   EXPECT_EQ(Keys(map), (std::vector<int32_t>{6, 272, 5, 16, 40, -1}));
-}
 
-TEST(SMap, HashesDecideTheOrder) {
   SMapShortToPtr shorts;
-  shorts.SetAt(-1, nullptr);
-  shorts.SetAt(16, nullptr);
-  shorts.SetAt(-32768, nullptr);  // 0xFFFF8000 >> 4 = 0x0FFFF800: bucket 8
+  for (const int16_t key :
+       {int16_t{-1}, int16_t{16}, int16_t{-32768}}) {  // 0xFFFF8000 >> 4 = 0x0FFFF800: bucket 8
+    shorts.SetAt(key, nullptr);
+  }
   EXPECT_EQ(Keys(shorts), (std::vector<int16_t>{16, -32768, -1}));
 
   // By 23: "a" is 97, bucket 5; "ab" is 97 * 33 + 98 = 3299, bucket 10; "\xFF" is 0xFFFFFFFF,
@@ -92,44 +87,34 @@ TEST(SMapRemove, UnlinksAnywhereInAChainAndTheLastKeepsTheBucketCount) {
     EXPECT_FALSE(map.Remove(first));
     EXPECT_EQ(map.GetCount(), 2);
     EXPECT_EQ(map[first], nullptr);  // a node used again starts at 0
-    for (const uint32_t key : {1U, 2U, 3U}) {
+    // An entry may go after the walk has handed it out.
+    uint32_t key = 0;
+    void* value = nullptr;
+    for (SMapPosition position = map.GetStartPosition(); position != 0;) {
+      map.GetNextAssoc(position, key, value);
       EXPECT_TRUE(map.Remove(key));
     }
+    EXPECT_EQ(map.GetCount(), 0);
     EXPECT_EQ(map.GetStartPosition(), 0U);
     EXPECT_EQ(map[first], nullptr);
     EXPECT_EQ(map.GetBucketCount(), 101U);
   }
 }
 
-TEST(SMapRemove, AnEntryMayGoAfterTheWalkHasHandedItOut) {
-  SMapLongToLong map;
-  for (int32_t i = 0; i < 100; ++i) {
-    map.SetAt(i, i);
-  }
-  int32_t key = 0, value = 0, walked = 0;
-  for (SMapPosition position = map.GetStartPosition(); position != 0; ++walked) {
-    map.GetNextAssoc(position, key, value);
-    map.Remove(key);
-  }
-  EXPECT_EQ(walked, 100);
-  EXPECT_EQ(map.GetCount(), 0);
-}
-
 TEST(SMap, CopyTakesEntriesAndBucketCountAppendAddsAndReplaces) {
   SMapLongToLong map, other;
-  other.InitHashTable(SuggestHashSize(50));
-  for (int32_t i = 0; i < 50; ++i) {
-    other.SetAt(i, i + 1);
-  }
+  other.InitHashTable(67);
+  other.SetAt(1, 2);
+  other.SetAt(49, 50);
   map.SetAt(-1, 5);
   map.SetAt(1, 77);
   map.Append(other);
-  EXPECT_EQ(map.GetCount(), 51);
+  EXPECT_EQ(map.GetCount(), 3);
   EXPECT_EQ(map[1], 2);
   map.Copy(other);
   map.Copy(map);
   map.Append(map);
-  EXPECT_EQ(map.GetCount(), 50);
+  EXPECT_EQ(map.GetCount(), 2);
   EXPECT_EQ(map.GetBucketCount(), 67U);
   EXPECT_EQ(map[49], 50);
 }
@@ -156,35 +141,24 @@ TEST(SStringMap, IgnoringCaseFindsEverySpellingButRemovesTheStoredOne) {
   map["ALPHA"] = 2;
   EXPECT_FALSE(exact.Contains("alpha"));
   EXPECT_EQ(map.GetCount(), 1);
-  EXPECT_EQ(map["alpha"], 2);
+  SMapStringToLong copy(map);
   EXPECT_FALSE(map.Remove("ALPHA"));
   EXPECT_TRUE(map.Remove("Alpha"));
   EXPECT_FALSE(map.Contains("Alpha"));
+  EXPECT_EQ(copy["alpha"], 2) << "takes the rule and the entries";
 }
 
 TEST(SStringMap, LetsGoOfItsKeys) {
   const SString key("shared");
   const int32_t alone = key.GetRefs();
   SMapStringToLong map;
-  map[key] = 1;
   map["other"] = 2;
-  EXPECT_EQ(key.GetRefs(), alone + 1);
-  map.Remove(key);
-  EXPECT_EQ(key.GetRefs(), alone);
-  map[key] = 1;
-  map.RemoveAll();
-  EXPECT_EQ(key.GetRefs(), alone);
-}
-
-TEST(SStringMap, CopyConstructorTakesTheRuleTheBucketCountAndTheEntries) {
-  SMapStringToLong map(3, true);
-  map.InitHashTable(23);
-  map["Alpha"] = 1;
-  SMapStringToLong copy(map);
-  map["Alpha"] = 2;
-  EXPECT_TRUE(copy.IgnoresCase());
-  EXPECT_EQ(copy.GetBucketCount(), 23U);
-  EXPECT_EQ(copy["ALPHA"], 1);
+  for (const bool all : {false, true}) {
+    map[key] = 1;
+    EXPECT_EQ(key.GetRefs(), alone + 1);
+    all ? map.RemoveAll() : static_cast<void>(map.Remove(key));
+    EXPECT_EQ(key.GetRefs(), alone);
+  }
 }
 
 TEST(SuggestHashSize, GivesTheFirstPrimeAboveTheCountAndAFifth) {

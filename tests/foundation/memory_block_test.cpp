@@ -9,38 +9,30 @@
 namespace kivstore {
 namespace {
 
-TEST(MemoryBlock, KeepsItsHandleAndBytesWhenResized) {
+TEST(MemoryBlock, KeepsItsHandleAndBytesWhenResizedAndWhenItCannotBe) {
   const MemoryHandle handle = AllocateBlock(4);
   std::memcpy(LockBlock(handle), "abcd", 4);
-  ASSERT_TRUE(ResizeBlock(handle, 100000));
+  EXPECT_TRUE(ResizeBlock(handle, 100000));
+  for (const int64_t size : {int64_t{0}, int64_t{-1}, INT64_MAX, int64_t{0x80000000}}) {
+    EXPECT_FALSE(ResizeBlock(handle, size)) << size;
+  }
   EXPECT_EQ(std::memcmp(LockBlock(handle), "abcd", 4), 0);
-  ASSERT_TRUE(ResizeBlock(handle, 2));
+  EXPECT_TRUE(ResizeBlock(handle, 2));
   EXPECT_EQ(std::memcmp(LockBlock(handle), "ab", 2), 0);
   FreeBlock(handle);
 }
 
-TEST(MemoryBlock, NullHandlesAndBadSizesDoNothing) {
+TEST(MemoryBlock, NullHandlesAndBadSizesDoNothingAndNoBytesHaveNoAddress) {
   FreeBlock(nullptr);
   UnlockBlock(nullptr);
   EXPECT_EQ(LockBlock(nullptr), nullptr);
   EXPECT_FALSE(ResizeBlock(nullptr, 10));
   EXPECT_EQ(AllocateBlock(-1), nullptr);
   EXPECT_EQ(AllocateBlock(0x80000000), nullptr);
-
-  const MemoryHandle handle = AllocateBlock(4);
-  std::memcpy(LockBlock(handle), "abcd", 4);
-  for (const int64_t size : {int64_t{0}, int64_t{-1}, INT64_MAX, int64_t{0x80000000}}) {
-    EXPECT_FALSE(ResizeBlock(handle, size)) << size;
-    EXPECT_EQ(std::memcmp(LockBlock(handle), "abcd", 4), 0);
-  }
-  FreeBlock(handle);
-}
-
-TEST(MemoryBlock, ABlockOfNoBytesHasNoAddress) {
-  const MemoryHandle handle = AllocateBlock(0);
-  ASSERT_NE(handle, nullptr);
-  EXPECT_EQ(LockBlock(handle), nullptr);
-  FreeBlock(handle);
+  const MemoryHandle empty = AllocateBlock(0);
+  ASSERT_NE(empty, nullptr);
+  EXPECT_EQ(LockBlock(empty), nullptr);
+  FreeBlock(empty);
 }
 
 // One block that tells what was done to it.
@@ -75,32 +67,26 @@ class MemoryBlockRules : public testing::Test {
   SPlatformOverride<IMemory> installed{Platform().memory, &memory};
 };
 
-TEST_F(MemoryBlockRules, AllocatesMovable) {
+TEST_F(MemoryBlockRules, FreeingUnlocksFirstAndLeavesADiscardedBlockAlone) {
   AllocateBlock(10);
   EXPECT_EQ(memory.allocationFlags, 2u);
-}
-
-TEST_F(MemoryBlockRules, FreeingUnlocksFirstAndLeavesADiscardedBlockAlone) {
-  memory.locks = 3;
-  FreeBlock(memory.Handle());
-  EXPECT_EQ(memory.locks, 0u);
-  EXPECT_EQ(memory.frees, 1);
-
-  memory.locks = 1;
-  memory.marks = 0x8000;
-  FreeBlock(memory.Handle());
-  EXPECT_EQ(memory.locks, 1u);
-  EXPECT_EQ(memory.frees, 1);
+  for (const uint32_t marks : {0u, 0x8000u}) {
+    memory.locks = 3;
+    memory.marks = marks;
+    FreeBlock(memory.Handle());
+    EXPECT_EQ(memory.locks, marks == 0 ? 0u : 3u);
+    EXPECT_EQ(memory.frees, 1);
+  }
 }
 
 TEST_F(MemoryBlockRules, ResizingUnlocksAndIsTrueOnlyForTheSameHandle) {
-  memory.locks = 1;
-  EXPECT_TRUE(ResizeBlock(memory.Handle(), 10));
-  EXPECT_EQ(memory.locks, 0u);
-  EXPECT_EQ(memory.reallocationFlags, 2u);
-  memory.locks = 1;
-  memory.moved = true;
-  EXPECT_FALSE(ResizeBlock(memory.Handle(), 10));
+  for (const bool moved : {false, true}) {
+    memory.locks = 1;
+    memory.moved = moved;
+    EXPECT_EQ(ResizeBlock(memory.Handle(), 10), !moved);
+    EXPECT_EQ(memory.locks, 0u);
+    EXPECT_EQ(memory.reallocationFlags, 2u);
+  }
 }
 
 }  // namespace

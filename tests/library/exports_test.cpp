@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <sstream>
 
@@ -48,56 +49,31 @@ TEST(SharedLibrary, ShowsOneFunctionAndNothingElse) {
   EXPECT_EQ(symbols[0].kind, 'T');
 }
 
+std::set<std::string> Words(const char* text) {
+  std::istringstream words(text);
+  return {std::istream_iterator<std::string>(words), {}};
+}
+
 // What a library may ask of the C library without being able to create a file or folder: `open`
 // can only with a flag that stands in no source file of it. A name that is new here wants a look
 // before it is added.
-const std::set<std::string> kFiles = {"chdir",           "close",
-                                      "closedir",        "fchmod",
-                                      "fcntl",           "fcntl64",
-                                      "fdatasync",       "fdopendir",
-                                      "fgetxattr",       "flock",
-                                      "fremovexattr",    "fsetxattr",
-                                      "fstat",           "fstat64",
-                                      "fstatat",         "fstatat64",
-                                      "fsync",           "ftruncate",
-                                      "ftruncate64",     "getcwd",
-                                      "getxattr",        "lstat",
-                                      "lstat64",         "open",
-                                      "open64",          "openat",
-                                      "openat64",        "pread",
-                                      "pread64",         "pwrite",
-                                      "pwrite64",        "read",
-                                      "readlink",        "removexattr",
-                                      "rename",          "renameat",
-                                      "renameat2",       "rmdir",
-                                      "setxattr",        "stat",
-                                      "stat64",          "statvfs",
-                                      "statvfs64",       "syscall",
-                                      "unlink",          "unlinkat",
-                                      "write",           "chmod",
-                                      "fchmodat",        "__open_2",
-                                      "__open64_2",      "__openat_2",
-                                      "__openat64_2",    "__read_chk",
-                                      "__pread_chk",     "__pread64_chk",
-                                      "__getcwd_chk",    "__fxstat",
-                                      "__xstat",         "__fxstat64",
-                                      "__xstat64",       "__fstat64_time64",
-                                      "__stat64_time64", "__lstat64_time64",
-                                      "__fcntl_time64",  "faccessat",
-                                      "access",          "getdents64",
-                                      "fstatfs",         "fstatfs64",
-                                      "statfs",          "statfs64"};
+const std::set<std::string> kFiles = Words(
+    "chdir close closedir fchmod fcntl fcntl64 fdatasync fdopendir fgetxattr flock "
+    "fremovexattr fsetxattr fstat fstat64 fstatat fstatat64 fsync ftruncate ftruncate64 "
+    "getcwd getxattr lstat lstat64 open open64 openat openat64 pread pread64 pwrite pwrite64 "
+    "read readlink removexattr rename renameat renameat2 rmdir setxattr stat stat64 statvfs "
+    "statvfs64 syscall unlink unlinkat write chmod fchmodat __open_2 __open64_2 __openat_2 "
+    "__openat64_2 __read_chk __pread_chk __pread64_chk __getcwd_chk __fxstat __xstat "
+    "__fxstat64 __xstat64 __fstat64_time64 __stat64_time64 __lstat64_time64 __fcntl_time64 "
+    "faccessat access getdents64 fstatfs fstatfs64 statfs statfs64");
 
 // Names by which something could be made.
-const std::set<std::string> kMakers = {
-    "creat",    "creat64",         "mkdir",    "mkdirat",   "mknod",          "mknodat",
-    "mkfifo",   "mkfifoat",        "link",     "linkat",    "symlink",        "symlinkat",
-    "fopen",    "fopen64",         "freopen",  "freopen64", "tmpfile",        "tmpfile64",
-    "mkstemp",  "mkstemp64",       "mkostemp", "mkdtemp",   "tmpnam",         "tempnam",
-    "sendfile", "copy_file_range", "system",   "popen",     "posix_spawn",    "posix_spawnp",
-    "fork",     "vfork",           "execve",   "execvp",    "execv",          "open_by_handle_at",
-    "shm_open", "sem_open",        "mq_open",  "bind",      "io_uring_setup", "dlopen",
-    "dlmopen"};
+const std::set<std::string> kMakers = Words(
+    "creat creat64 mkdir mkdirat mknod mknodat mkfifo mkfifoat link linkat symlink symlinkat "
+    "fopen fopen64 freopen freopen64 tmpfile tmpfile64 mkstemp mkstemp64 mkostemp mkdtemp "
+    "tmpnam tempnam sendfile copy_file_range system popen posix_spawn posix_spawnp fork vfork "
+    "execve execvp execv open_by_handle_at shm_open sem_open mq_open bind io_uring_setup "
+    "dlopen dlmopen");
 
 // The C library's words for work on files, by which an import is taken for one.
 bool SpeaksOfFiles(const std::string& name) {

@@ -40,18 +40,6 @@ TEST(GeneralProc, TellsTheProgressOfAStudentThroughTheLibrary) {
   EXPECT_EQ(store.Snapshot(), before);
 }
 
-TEST(GeneralProc, NamesTheProductThroughTheLibrary) {
-  SGeneralParams block{};
-  block.command = KIV_PRODUCT_ID;
-  block.mode = 1;
-  block.dataPath = "";
-  block.productIdSize = sizeof block.productId;
-  GeneralProc(&block);
-  EXPECT_EQ(block.result, 1);
-  EXPECT_STREQ(block.productId, "zep_net");
-  EXPECT_EQ(block.productGeneration, 3);
-}
-
 // The other commands run into creating something: no folder, no file, no lock appears.
 TEST(GeneralProc, CreatesNothingInAStoreThatLacksEverything) {
   const TempFolder folder;

@@ -3,7 +3,6 @@
 
 #include <string>
 #include <type_traits>
-#include <vector>
 
 #include "records/tutor_options_dob.h"
 
@@ -12,139 +11,85 @@ namespace {
 
 using namespace kivstore;
 
-struct Option {
-  std::string key;
-  char type;  // 's' short, 'b' bool, 'a' array
-  int value;
-  uint32_t stamp = 0;
-
-  bool operator==(const Option&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const Option& option) {
-  return out << option.key << ' ' << option.type << ' ' << option.value << ' ' << option.stamp;
-}
-
+// Each option as key=value: a bool as yes or no, an array as its length in brackets, a fresh mark
+// as a star.
 class OptionLister {
  public:
-  template <class T>
-  void operator()(const char* key, SStamped<T>& field) {
-    const char type = std::is_same_v<T, bool> ? 'b' : 's';
-    options.push_back({key, type, static_cast<int>(field.value), field.stamp.Raw()});
+  void operator()(const char* key, SStamped<int16_t>& field) {
+    Add(key, std::to_string(field.value), field.stamp);
   }
-  template <class T>
-  void operator()(const char* key, SStamped<SHandleArray<T>>& field) {
-    options.push_back({key, 'a', field.value.GetCount(), field.stamp.Raw()});
+  void operator()(const char* key, SStamped<bool>& field) {
+    Add(key, field.value ? "yes" : "no", field.stamp);
+  }
+  void operator()(const char* key, SStamped<SHandleArray<bool>>& field) {
+    Add(key, "[" + std::to_string(field.value.GetCount()) + "]", field.stamp);
   }
 
-  std::vector<Option> options;
+  std::string text;
+
+ private:
+  void Add(const std::string& key, const std::string& value, SDateTime stamp) {
+    text += key + "=" + value + (stamp.IsFresh() ? "* " : " ");
+    EXPECT_TRUE(stamp.IsFresh() || stamp == SDateTime::None()) << key;
+  }
 };
 
 template <class Record>
-std::vector<Option> OptionsOf(Record& record) {
+std::string OptionsOf(Record& record) {
   OptionLister lister;
   record.ForEachField(lister);
-  return lister.options;
+  return lister.text;
 }
 
-const std::vector<Option> kFrameworkOptions = {
-    {"SoundOn", 's', 2},
-    {"StudAddOwnName", 'b', 1},
-    {"SeparateLastName", 'b', 0},
-    {"DisplayFirstLastName", 'b', 1},
-    {"AutoGameSaving", 'b', 0},
-    {"MaxGameFiles", 's', 10},
-    {"AutoOpenStudFile", 'b', 0},
-    {"UseSystemIODialogs", 'b', 0},
-    {"StudentPrint", 'b', 1},
-    {"CentralFileLocation", 'b', 1},
-    {"RecordStudentProgress", 'b', 1},
-    {"TopScoreAllClasses", 'b', 1},
-    {"TopScoreIndivClass", 'b', 1},
-    {"TopScoreIndivStudent", 'b', 1},
-    {"StudentLevelRemembered", 'b', 1},
-    {"UseJournal", 'b', 1},
-    {"WordLists", 'b', 1},
-    {"UseCamera", 'b', 1},
-    {"KeyboardShortcut", 'b', 1},
-    {"TabBetweenAll", 'b', 0},
-    {"StudentsHavePassword", 'b', 0},
-};
+std::string FrameworkOptions(const std::string& separateLastName,
+                             const std::string& autoGameSaving) {
+  return "SoundOn=2 StudAddOwnName=yes SeparateLastName=" + separateLastName +
+         " DisplayFirstLastName=yes AutoGameSaving=" + autoGameSaving +
+         " MaxGameFiles=10 AutoOpenStudFile=no UseSystemIODialogs=no StudentPrint=yes "
+         "CentralFileLocation=yes RecordStudentProgress=yes TopScoreAllClasses=yes "
+         "TopScoreIndivClass=yes TopScoreIndivStudent=yes StudentLevelRemembered=yes "
+         "UseJournal=yes WordLists=yes UseCamera=yes KeyboardShortcut=yes TabBetweenAll=no "
+         "StudentsHavePassword=no ";
+}
 
-const std::vector<Option> kTutorOptions = {
-    {"VocabLevel", 's', 1},
-    {"AllowPrinting", 'b', 1},
-    {"SpacesAfterPeriod", 's', 1},
-    {"KeyVoiceOver", 'b', 1},
-    {"InstructionalDirections", 'b', 1},
-    {"FatherTimeNarration", 'b', 1},
-    {"BackgroundMusic", 'b', 1},
-    {"SoundEffects", 'b', 1},
-    {"RolloverButtons", 'b', 0},
-    {"TextSize", 's', 2},
-    {"AllowPowerBooster", 'b', 1},
-    {"NumberErrorsPowerBooster", 's', 12},
-    {"AllowAutoGoalAdj", 'b', 1},
-    {"MinAccuracyGoal", 's', 50},
-    {"MinWPMGoal", 's', 1},
-    {"Checkpoint", 's', 0},
-    {"AllowPostTest", 'b', 1},
-    {"Teach6Key", 's', 1},
-    {"GamebreakInterval", 's', 5},
-    {"BackgroundAnimationOn", 'b', 1},
-    {"LeftRightGame", 's', 0},
-    {"CurrentKeyProvided", 'b', 1},
-    {"AllowPause_DS", 'b', 1},
-    {"AllowRepeatLine", 'b', 1},
-    {"AllowCorrectionDuringTest_DS", 'b', 1},
-    {"AllowCorrectionDuringTest_Warp", 'b', 1},
-    {"AllowTimeLimit", 'b', 0},
-    {"TimeLimitWarp", 's', 2},
-    {"WarpspeedView", 's', 1},
-    {"ShowTimer", 'b', 1},
-    {"AllowPause_Warp", 'b', 1},
-    {"AllowPlayandPracticeMode", 'b', 1},
-};
+const char kTutorOptions[] =
+    "VocabLevel=1 AllowPrinting=yes SpacesAfterPeriod=1 KeyVoiceOver=yes "
+    "InstructionalDirections=yes FatherTimeNarration=yes BackgroundMusic=yes SoundEffects=yes "
+    "RolloverButtons=no TextSize=2 AllowPowerBooster=yes NumberErrorsPowerBooster=12 "
+    "AllowAutoGoalAdj=yes MinAccuracyGoal=50 MinWPMGoal=1 Checkpoint=0 AllowPostTest=yes "
+    "Teach6Key=1 GamebreakInterval=5 BackgroundAnimationOn=yes LeftRightGame=0 "
+    "CurrentKeyProvided=yes AllowPause_DS=yes AllowRepeatLine=yes AllowCorrectionDuringTest_DS=yes "
+    "AllowCorrectionDuringTest_Warp=yes AllowTimeLimit=no TimeLimitWarp=2 WarpspeedView=1 "
+    "ShowTimer=yes AllowPause_Warp=yes AllowPlayandPracticeMode=yes ";
 
 TEST(OptionsDefaults, AreThoseOfTheFramework) {
   SKivTeacherOptionsDob record;
-  EXPECT_EQ(OptionsOf(record), kFrameworkOptions);
+  EXPECT_EQ(OptionsOf(record), FrameworkOptions("no", "no"));
   EXPECT_TRUE(record.IsDirty());
   ASSERT_NE(record.gameOptions, nullptr);
   EXPECT_EQ(record.gameOptions->GetClassId(), SKivTeacherOptionsGameDob::StaticClassId());
 }
 
 TEST(OptionsDefaults, OfTheTutorDecideTwoOfTheFrameworksAfresh) {
-  std::vector<Option> expected = kFrameworkOptions;
-  expected[2] = {"SeparateLastName", 'b', 1, 0xFFFFFFFF};
-  expected[4] = {"AutoGameSaving", 'b', 1, 0xFFFFFFFF};
-  expected.insert(expected.end(), kTutorOptions.begin(), kTutorOptions.end());
   STeacherOptionsDob record;
-  EXPECT_EQ(OptionsOf(record), expected);
+  EXPECT_EQ(OptionsOf(record), FrameworkOptions("yes*", "yes*") + kTutorOptions);
   EXPECT_TRUE(record.IsDirty());
   EXPECT_NE(record.GetGameOptions(), nullptr);
 }
 
 TEST(OptionsDefaults, AreAStudentAtTheStart) {
   STeacherOptionsGameDob record;
-  const std::vector<Option> expected = {{"CurrentMissionNumber", 's', 1},
-                                        {"Accuracy", 's', 80},
-                                        {"Speed", 's', 10},
-                                        {"LessonDone", 'a', 25},
-                                        {"NotebookDone", 'a', 25},
-                                        {"TypelineDone", 'a', 25},
-                                        {"WindshieldTypersDone", 'a', 25},
-                                        {"WarpSpeedDone", 'a', 25},
-                                        {"DictationStationDone", 'a', 25},
-                                        {"KeyFiguresDone", 'a', 25}};
-  EXPECT_EQ(OptionsOf(record), expected);
+  EXPECT_EQ(OptionsOf(record),
+            "CurrentMissionNumber=1 Accuracy=80 Speed=10 LessonDone=[25] NotebookDone=[25] "
+            "TypelineDone=[25] WindshieldTypersDone=[25] WarpSpeedDone=[25] "
+            "DictationStationDone=[25] KeyFiguresDone=[25] ");
   EXPECT_FALSE(record.AllMissionsCompleted);
   EXPECT_FALSE(record.IsDirty());
 }
 
 TEST(OptionsDefaults, ComeBackWithClear) {
   STeacherOptionsDob record;
-  const std::vector<Option> fresh = OptionsOf(record);
+  const std::string fresh = OptionsOf(record);
   record.ForEachField([](const char*, auto& field) {
     if constexpr (!std::is_class_v<std::remove_reference_t<decltype(field.value)>>) {
       field.Set(!field.value);
