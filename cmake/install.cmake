@@ -17,5 +17,5 @@ install(FILES ${CMAKE_BINARY_DIR}/kivstoreConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kivstore)
 install(FILES ${CMAKE_BINARY_DIR}/kivstore.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 if(KIVSTORE_HOSTS)
-  install(TARGETS kivreport DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS kivreport kivadmin DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()

@@ -184,7 +184,9 @@ TEST_F(KivReport, SaysWhatIsWrongWithThePathInOneLine) {
       {"no lock", list + "/index.lok", folder.Path(), "no index.lok", list},
   };
   for (const auto& c : kCases) {
-    if (!c.remove.empty()) folder.Remove(c.remove);
+    if (!c.remove.empty()) {
+      folder.Remove(c.remove);
+    }
     const RunResult result = Report({c.root});
     EXPECT_EQ(3, result.exitCode) << c.name;
     EXPECT_NE(std::string::npos, result.errors.find(c.says)) << c.name << ": " << result.errors;
