@@ -1,6 +1,11 @@
 // The services that really create, and what the makers of a spec do with them.
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -84,6 +89,29 @@ TEST_F(CreatingServicesTest, CopiesFilesAndTreesToAFreeName) {
 
 // Whatever fails on the way, one whole tree is there at the end, and nothing stands half-made
 // beside it unless taking it away failed too.
+#ifndef _WIN32
+TEST_F(CreatingServicesTest, AMoveBetweenTwoMountsCopiesAndRemovesTheSource) {
+  namespace fs = std::filesystem;
+  const fs::path other = fs::path("/dev/shm") / fs::path(temp.Path()).filename();
+  struct stat here;
+  struct stat there;
+  if (stat(temp.Path().c_str(), &here) != 0 || stat("/dev/shm", &there) != 0 ||
+      here.st_dev == there.st_dev) {
+    GTEST_SKIP() << "no second file system to move to";
+  }
+  fs::create_directory(other);
+  WriteTree();
+  SFileSpec tree = Spec("/tree");
+  EXPECT_TRUE(tree.MoveTo(SFileSpec(other.c_str())));
+  EXPECT_FALSE(temp.Exists("tree"));
+  EXPECT_EQ(200000u, fs::file_size(other / "tree/sub/large.bin"));
+  EXPECT_TRUE(fs::is_directory(other / "tree/empty"));
+  EXPECT_TRUE(fs::exists(other / "tree/.hidden/b.txt"));
+  EXPECT_FALSE(tree.Exists());
+  fs::remove_all(other);
+}
+#endif
+
 TEST_F(CreatingServicesTest, AMoveByCopyingThatFailsAnywhereLosesNothing) {
   for (int n = 1;; ++n) {
     temp.Remove("tree");
