@@ -265,7 +265,7 @@ TEST_F(KivAdminOptions, ADryRunChangesNothing) {
   const auto before = store.Snapshot();
   const RunResult set = Set({"--dry-run", "SoundOn=1"});
   EXPECT_EQ(0, set.exitCode) << set.errors;
-  EXPECT_EQ("dry run: set SoundOn=1 for the store\n", set.output);
+  EXPECT_EQ("dry run: set SoundOn=1 for teacher \"Ms Hill\"\n", set.output);
   const RunResult progress = Progress({"--mission", "7", "--dry-run"});
   EXPECT_EQ(0, progress.exitCode) << progress.errors;
   EXPECT_EQ(before, store.Snapshot());
