@@ -22,12 +22,14 @@ using FileStreams = kivtest::FileTest;
 TEST_F(FileStreams, CutTheFileBehindWhatWasWritten) {
   for (const size_t count : {0u, 1u, 4095u, 4096u, 4097u, 9000u}) {
     const std::string bytes = Pattern(count);
-    SStreamSrcFile stream(FileOf(std::string(10000, 'x')));
-    ASSERT_TRUE(stream.Open(kWrite));
-    EXPECT_TRUE(stream.Write(bytes.data(), static_cast<int32_t>(count), false));
-    EXPECT_TRUE(stream.Close());
-    EXPECT_EQ(stream.GetLength(), static_cast<int32_t>(count));
-    EXPECT_EQ(kivtest::BytesOf(stream), bytes) << "read back by the same stream";
+    {
+      SStreamSrcFile stream(FileOf(std::string(10000, 'x')));
+      ASSERT_TRUE(stream.Open(kWrite));
+      EXPECT_TRUE(stream.Write(bytes.data(), static_cast<int32_t>(count), false));
+      EXPECT_TRUE(stream.Close());
+      EXPECT_EQ(stream.GetLength(), static_cast<int32_t>(count));
+      EXPECT_EQ(kivtest::BytesOf(stream), bytes) << "read back by the same stream";
+    }
     EXPECT_EQ(Stored(), bytes);
   }
 }
@@ -43,19 +45,20 @@ TEST_F(FileStreams, WriteSwappedBytesAcrossTheBufferAndLargeBlocksPastIt) {
   const SFileSpec spec = FileOf("");
   kivtest::FaultFileServices files(*Platform().files);
   const SPlatformOverride<IFileServices> installed(Platform().files, &files);
-  SStreamSrcFile stream(spec);
-  stream.Open(kWrite);
   const std::string dots(4094, '.');
-  stream.Write(dots.data(), 4094, false);
-  EXPECT_EQ(files.CountOf("Write"), 0);
-  EXPECT_TRUE(stream.Write("dcba", 4, true));
-  EXPECT_EQ(files.CountOf("Write"), 1);
-  EXPECT_EQ(stream.GetPosition(), 4098);
-  EXPECT_EQ(Stored(), dots + "ab");
   const std::string large(100000, 'b');
-  EXPECT_TRUE(stream.Write(large.data(), 100000, false));
-  EXPECT_EQ(files.CountOf("Write"), 3);
-  EXPECT_TRUE(stream.WriteByte('e') && stream.Close());
+  {
+    SStreamSrcFile stream(spec);
+    stream.Open(kWrite);
+    stream.Write(dots.data(), 4094, false);
+    EXPECT_EQ(files.CountOf("Write"), 0);
+    EXPECT_TRUE(stream.Write("dcba", 4, true));
+    EXPECT_EQ(files.CountOf("Write"), 1);
+    EXPECT_EQ(stream.GetPosition(), 4098);
+    EXPECT_TRUE(stream.Write(large.data(), 100000, false));
+    EXPECT_EQ(files.CountOf("Write"), 3);
+    EXPECT_TRUE(stream.WriteByte('e') && stream.Close());
+  }
   EXPECT_EQ(Stored(), dots + "abcd" + large + "e");
 }
 
@@ -144,12 +147,14 @@ TEST_F(FileStreams, DoNotOpenWhatIsNoFileAndTellWhatHoldsOne) {
 
 TEST_F(FileStreams, EachDirectionRefusesTheOtherAndTheOldFileStays) {
   for (const bool writing : {false, true}) {
-    SStreamSrcFile stream(FileOf("abc"));
-    stream.Open(writing ? kWrite : kRead);
-    EXPECT_EQ(stream.WriteByte('x'), writing);
-    EXPECT_EQ(stream.ReadByte(), 0);
-    EXPECT_TRUE(stream.HasError());
-    EXPECT_FALSE(stream.Close());
+    {
+      SStreamSrcFile stream(FileOf("abc"));
+      stream.Open(writing ? kWrite : kRead);
+      EXPECT_EQ(stream.WriteByte('x'), writing);
+      EXPECT_EQ(stream.ReadByte(), 0);
+      EXPECT_TRUE(stream.HasError());
+      EXPECT_FALSE(stream.Close());
+    }
     EXPECT_EQ(Stored(), "abc");
   }
 }
@@ -158,12 +163,14 @@ TEST_F(FileStreams, AFailedWriteStaysAnErrorAndLeavesTheRestAlone) {
   const SFileSpec spec = FileOf("the old contents");
   kivtest::FaultFileServices files(*Platform().files);
   const SPlatformOverride<IFileServices> installed(Platform().files, &files);
-  SStreamSrcFile stream(spec);
-  stream.Open(kWrite);
-  stream.Write("NEW", 3, false);
-  files.FallShortAt(1, 1);
-  EXPECT_FALSE(stream.Close());
-  EXPECT_TRUE(stream.HasError());
+  {
+    SStreamSrcFile stream(spec);
+    stream.Open(kWrite);
+    stream.Write("NEW", 3, false);
+    files.FallShortAt(1, 1);
+    EXPECT_FALSE(stream.Close());
+    EXPECT_TRUE(stream.HasError());
+  }
   EXPECT_EQ(Stored(), "Nhe old contents");
 }
 

@@ -115,20 +115,21 @@ TEST_F(PrefArchives, PathsEndAt240Characters) {
 }
 
 TEST_F(PrefArchives, PathsHave32SectionsAnd16KeysAndNoneToPopAtFirst) {
-  SDobPrefArchive archive = Reading("");
-  for (int i = 0; i < 17; ++i) {
-    archive.PushKey(i == 15 ? "last" : i == 16 ? "dropped" : nullptr);
+  {
+    SDobPrefArchive archive = Reading("");
+    for (int i = 0; i < 17; ++i) {
+      archive.PushKey(i == 15 ? "last" : i == 16 ? "dropped" : nullptr);
+    }
+    EXPECT_STREQ(archive.GetKey(), "last");
+    archive.PopKey();
+    EXPECT_STREQ(archive.GetKey(), "") << "the dropped one's pop takes a level too many";
+    for (int i = 0; i < 33; ++i) {
+      EXPECT_FALSE(archive.HasError());
+      archive.PushSection("s");
+    }
+    EXPECT_TRUE(archive.HasError());
+    EXPECT_EQ(std::string(archive.GetSection()).size(), 63u);
   }
-  EXPECT_STREQ(archive.GetKey(), "last");
-  archive.PopKey();
-  EXPECT_STREQ(archive.GetKey(), "") << "the dropped one's pop takes a level too many";
-  for (int i = 0; i < 33; ++i) {
-    EXPECT_FALSE(archive.HasError());
-    archive.PushSection("s");
-  }
-  EXPECT_TRUE(archive.HasError());
-  EXPECT_EQ(std::string(archive.GetSection()).size(), 63u);
-
   for (void (A::*const pop)() : {&A::PopSection, &A::PopKey}) {
     SDobPrefArchive fresh = Reading("");
     (fresh.*pop)();

@@ -106,7 +106,6 @@ TEST_F(PrefFiles, OpenForReadingNothingIsChangedAndOpenForWritingAllGoesBackOnCl
   ASSERT_TRUE(file.Open(SPrefFile::kWrite));
   file.SetFile(SFileSpec());
   EXPECT_TRUE(file.SetValue("a", "k", "2") && file.SetValue("a", "l", "3"));
-  EXPECT_EQ(Stored(), "[a]\nk=1\n");
   file.Close();
   EXPECT_EQ(Stored(), "[a]\nk=2\r\nl=3\n");
 }

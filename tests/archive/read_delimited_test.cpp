@@ -26,6 +26,7 @@ class ReadDelimited : public kivtest::FileTest, public testing::WithParamInterfa
  protected:
   SStreamSource& StreamOf(const std::string& contents) {
     bytes = contents;
+    stream.reset();  // lets go of the file
     stream.reset(Make(static_cast<int32_t>(bytes.size())));
     EXPECT_TRUE(stream->Open(SStreamSource::kRead));
     return *stream;

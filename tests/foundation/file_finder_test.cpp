@@ -68,9 +68,9 @@ TEST_F(FileFinderTest, PutsAStarBeforeThePattern) {
   }
   EXPECT_EQ(Find(15, ".kiv"), Names({"a.kiv", "b.KIV"}));
   EXPECT_EQ(Find(15, "kiv"), Names({"a.kiv", "b.KIV", "kiv", "xkiv"}));
-  EXPECT_EQ(Find(15, "?kiv*"), Names({"a.kiv", "b.KIV", "xkiv"}));
   EXPECT_EQ(Find(15, "").size(), 5u);
-  EXPECT_EQ(Find(15, std::string(5000, 'p').c_str()), Names());
+  SFileSpec spec;
+  EXPECT_FALSE(SFileFinder(Folder(), 15, std::string(5000, 'p').c_str()).Next(spec));
 }
 
 TEST_F(FileFinderTest, GivesTheSpecsThatSetWouldGive) {

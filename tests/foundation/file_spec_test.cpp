@@ -10,6 +10,7 @@
 #include "foundation/platform/platform.h"
 #include "tests/support/fault_file_services.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/wine.h"
 
 namespace kivstore {
 namespace {
@@ -346,6 +347,10 @@ TEST_F(FileSpecTest, RenameAndMoveLeaveAFolderThatHoldsAnOpenFile) {
   ASSERT_TRUE(open.Open(SFile::kRead, Spec("/folder/sub/deep.txt")));
   temp.MakeFolder("target");
   for (const char* path : {"/folder", "/folder/sub", "/folder/sub/deep.txt"}) {
+    const bool isFolder = std::string(path) != "/folder/sub/deep.txt";
+    if (isFolder && kivtest::RunsUnderWine()) {
+      continue;  // it moves though a file in it is open
+    }
     SFileSpec spec = Spec(path);
     EXPECT_FALSE(spec.Rename("other")) << path;
     EXPECT_FALSE(spec.MoveTo(Spec("/target"))) << path;

@@ -1,6 +1,7 @@
 #include "store/moving.h"
 
 #include "tests/store/school_fixture.h"
+#include "tests/support/wine.h"
 
 using namespace kivstore;
 using namespace kivtest;
@@ -50,9 +51,12 @@ TEST_F(MovingTest, WhatIsInUseStaysWhereItIs) {
     EXPECT_FALSE(MoveRoom()) << busy;
     EXPECT_EQ(gCurrentTeacher->folderName, "aHill");
   }
-  for (const char* busy :
-       {"/Room/Students/index.lok", "/Den/Students/index.lok", "/Room/Students/AnnLee/index.lok",
-        "/Room/Students/AnnLee/autogame.zep"}) {
+  std::vector<std::string> files{"/Room/Students/index.lok", "/Den/Students/index.lok",
+                                 "/Room/Students/AnnLee/index.lok"};
+  if (!kivtest::RunsUnderWine()) {  // where a folder moves though a file in it is open
+    files.push_back("/Room/Students/AnnLee/autogame.zep");
+  }
+  for (const std::string& busy : files) {
     const Holder other(Spec(kHill + busy));
     EXPECT_FALSE(MoveAnn()) << busy;
   }

@@ -107,6 +107,9 @@ std::unique_ptr<IFolderWalk> SPosixFileServices::Walk(const char* folder, const 
     return nullptr;
   }
   error = OnPath(folder, [&](const char* path) { return walk->Open(path); });
+  if (error == SystemError::kFileNotFound) {
+    error = SystemError::kPathNotFound;  // what is missing is the folder of the entries
+  }
   if (error != SystemError::kNone) {
     return nullptr;
   }

@@ -81,10 +81,15 @@ ssize_t ReadAt(const OpenFile& file, char* buffer, size_t count, int64_t positio
   return moved;
 }
 
-void ReadAhead(OpenFile& file) {
+// A file that is opened for reading is read: the first bytes tell the size of a small one, and that
+// it is no folder, for no more than one call.
+SystemError ReadAhead(OpenFile& file) {
   file.ahead = gAheadBuffer.Take();
   const ssize_t moved = file.ahead != nullptr ? ReadAt(file, file.ahead, gAheadBuffer.kSize, 0)
                                               : static_cast<ssize_t>(gAheadBuffer.kSize);
+  if (moved < 0 && errno == EISDIR) {
+    return SystemError::kAccessDenied;
+  }
   const bool atEnd = moved >= 0 && moved < static_cast<ssize_t>(gAheadBuffer.kSize);
   file.size = atEnd ? moved : moved < 0 ? kNoSize : AskSize(file);
   if (file.ahead == nullptr || file.size == kNoSize) {
@@ -92,6 +97,7 @@ void ReadAhead(OpenFile& file) {
   } else {
     file.aheadSize = moved;
   }
+  return SystemError::kNone;
 }
 
 int32_t TakeAhead(OpenFile& file, char* buffer, int32_t count) {
@@ -120,6 +126,9 @@ FileHandle SPosixFileServices::Open(const char* path, FileAccess access, SystemE
   error = OnPath(path, [&](const char* p) { return OpenDescriptor(file->descriptor, p, access); });
   if (error == SystemError::kNone) {
     error = LockFor(file->descriptor.Get(), access);
+  }
+  if (error == SystemError::kNone && access == FileAccess::kRead) {
+    error = ReadAhead(*file);
   }
   return error == SystemError::kNone ? file.release() : nullptr;
 }
@@ -186,15 +195,7 @@ int64_t SPosixFileServices::Tell(FileHandle file) {
 }
 
 int64_t SPosixFileServices::Size(FileHandle file) {
-  if (file->access == FileAccess::kReadWrite) {
-    return AskSize(*file);
-  }
-  if (file->size == kSizeUnknown && file->position == 0) {
-    ReadAhead(*file);
-  } else if (file->size == kSizeUnknown) {
-    file->size = AskSize(*file);
-  }
-  return file->size;
+  return file->access == FileAccess::kReadWrite ? AskSize(*file) : file->size;
 }
 
 bool SPosixFileServices::SetEnd(FileHandle file) {

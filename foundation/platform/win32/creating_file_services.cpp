@@ -28,6 +28,28 @@ PathText Join(const char* folder, const char* name) {
   return joined;
 }
 
+// What a folder is, whatever its path says.
+struct FolderIdentity {
+  DWORD volume = 0, high = 0, low = 0;
+
+  bool operator==(const FolderIdentity&) const = default;
+};
+
+bool Identify(const char* path, FolderIdentity& identity) {
+  const HANDLE folder = CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (folder == INVALID_HANDLE_VALUE) {
+    return false;
+  }
+  BY_HANDLE_FILE_INFORMATION facts;
+  const bool known = GetFileInformationByHandle(folder, &facts) != 0;
+  CloseHandle(folder);
+  if (known) {
+    identity = {facts.dwVolumeSerialNumber, facts.nFileIndexHigh, facts.nFileIndexLow};
+  }
+  return known;
+}
+
 class SCreatingFileServices : public SWindowsFileServices {
  public:
   bool MakeFile(const char* path, SystemError& error) override;
@@ -35,8 +57,12 @@ class SCreatingFileServices : public SWindowsFileServices {
   bool CopyFileTo(const char* from, const char* to, SystemError& error) override;
 
  private:
-  bool CopyTree(const char* from, const char* to, int depth, SystemError& error);
-  bool CopyEntry(const char* from, const char* to, int depth, SystemError& error);
+  // `top` is the top of the copied tree, once it stands: the copy of a folder into itself ends when
+  // it meets this.
+  bool CopyTree(const char* from, const char* to, const FolderIdentity* top, int depth,
+                SystemError& error);
+  bool CopyEntry(const char* from, const char* to, const FolderIdentity* top, int depth,
+                 SystemError& error);
 };
 
 bool SCreatingFileServices::MakeFile(const char* path, SystemError& error) {
@@ -56,12 +82,12 @@ bool SCreatingFileServices::MakeFolder(const char* path, uint32_t, SystemError& 
 }
 
 bool SCreatingFileServices::CopyFileTo(const char* from, const char* to, SystemError& error) {
-  return CopyEntry(from, to, 0, error);
+  return CopyEntry(from, to, nullptr, 0, error);
 }
 
 // A link leads out of the tree: it is not followed, and the copy fails.
-bool SCreatingFileServices::CopyEntry(const char* from, const char* to, int depth,
-                                      SystemError& error) {
+bool SCreatingFileServices::CopyEntry(const char* from, const char* to, const FolderIdentity* top,
+                                      int depth, SystemError& error) {
   FileAttributes attributes;
   if (!Attributes(from, attributes, error)) {
     return false;
@@ -70,13 +96,19 @@ bool SCreatingFileServices::CopyEntry(const char* from, const char* to, int dept
     return Report(CopyFileA(from, to, TRUE) != 0, error);
   }
   error = SystemError::kOther;
-  return !attributes.link && depth < kMaxDepth && CopyTree(from, to, depth, error);
+  FolderIdentity own;
+  const bool isTop = top != nullptr && (!Identify(from, own) || own == *top);
+  return !attributes.link && !isTop && depth < kMaxDepth && CopyTree(from, to, top, depth, error);
 }
 
-bool SCreatingFileServices::CopyTree(const char* from, const char* to, int depth,
-                                     SystemError& error) {
+bool SCreatingFileServices::CopyTree(const char* from, const char* to, const FolderIdentity* top,
+                                     int depth, SystemError& error) {
   const std::unique_ptr<IFolderWalk> walk = Walk(from, "*.*", error);
   if (walk == nullptr || !MakeFolder(to, 0, error)) {
+    return false;
+  }
+  FolderIdentity made;
+  if (!Report(Identify(to, made), error)) {
     return false;
   }
   FolderEntry entry;
@@ -87,7 +119,7 @@ bool SCreatingFileServices::CopyTree(const char* from, const char* to, int depth
     const PathText source = Join(from, entry.name);
     const PathText target = Join(to, entry.name);
     if (source == nullptr || target == nullptr ||
-        !CopyEntry(source.get(), target.get(), depth + 1, error)) {
+        !CopyEntry(source.get(), target.get(), top != nullptr ? top : &made, depth + 1, error)) {
       return false;
     }
   }

@@ -1,16 +1,14 @@
-#include "tests/support/run_program.h"
+#ifndef _WIN32
 
 #include <cstdlib>
 
+#include "tests/support/run_program.h"
 #include "tests/support/temp_folder.h"
 
 namespace kivtest {
 namespace {
 
 std::string Quote(const std::string& argument) {
-#ifdef _WIN32
-  return '"' + argument + '"';
-#else
   std::string quoted = "'";
   for (const char c : argument) {
     if (c == '\'') {
@@ -20,15 +18,10 @@ std::string Quote(const std::string& argument) {
     }
   }
   return quoted + "'";
-#endif
 }
 
 int ExitCode(int status) {
-#ifdef _WIN32
-  return status;
-#else
   return status >= 0 && (status & 0x7F) == 0 ? status >> 8 & 0xFF : -1;
-#endif
 }
 
 }  // namespace
@@ -50,3 +43,5 @@ RunResult RunProgram(const std::vector<std::string>& command) {
 }
 
 }  // namespace kivtest
+
+#endif
