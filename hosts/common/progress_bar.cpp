@@ -4,11 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include "hosts/common/console.h"
 
 namespace kivhost {
 namespace {
@@ -18,14 +14,6 @@ constexpr auto kInterval = std::chrono::milliseconds(100);
 constexpr size_t kWidth = 30;
 
 }  // namespace
-
-bool ErrorIsTerminal() {
-#ifdef _WIN32
-  return _isatty(_fileno(stderr)) != 0;
-#else
-  return isatty(STDERR_FILENO) == 1;
-#endif
-}
 
 ProgressBar::ProgressBar(const char* what, size_t total, bool quiet)
     : what(what), total(total), shown(!quiet && total > 0 && ErrorIsTerminal()) {}

@@ -29,7 +29,4 @@ class ProgressBar {
   Clock::time_point lastDraw = start;
 };
 
-// Whether standard error is a terminal.
-bool ErrorIsTerminal();
-
 }  // namespace kivhost

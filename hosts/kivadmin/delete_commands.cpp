@@ -1,12 +1,7 @@
 #include <iostream>
 #include <string>
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
+#include "hosts/common/console.h"
 #include "hosts/kivadmin/commands.h"
 #include "hosts/kivadmin/roster_work.h"
 #include "store/deleting.h"
@@ -22,19 +17,11 @@ struct DeleteArguments {
   bool yes = false;
 };
 
-bool InputIsTerminal() {
-#ifdef _WIN32
-  return _isatty(_fileno(stdin)) != 0;
-#else
-  return isatty(STDIN_FILENO) == 1;
-#endif
-}
-
 void Confirm(const Session& session, const DeleteArguments& arguments, const std::string& what) {
   if (arguments.yes || session.IsDryRun()) {
     return;
   }
-  if (!InputIsTerminal()) {
+  if (!kivhost::InputIsTerminal()) {
     throw AdminError{kWrongUsage, "delete " + what + ": not without --yes"};
   }
   std::cerr << "Delete " << what << " and all that belongs to it? [y/N] " << std::flush;

@@ -15,7 +15,7 @@ constexpr std::streamsize kMostBytes = 64 << 20;
 
 std::string ReadBytes(const std::string& path) {
   std::error_code error;
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
   if (!file || std::filesystem::is_directory(path, error)) {
     throw AdminError{kNoStore, path + ": cannot be read"};
   }

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
@@ -56,7 +57,7 @@ void Export(const CommonOptions& common, const std::string& output) {
     std::cout << lines;
     return;
   }
-  std::ofstream file(output, std::ios::binary);
+  std::ofstream file(std::filesystem::path(output), std::ios::binary);
   file << lines << std::flush;
   if (!file) {
     throw AdminError{kWrongUsage, output + ": could not be written"};

@@ -1,4 +1,5 @@
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -137,7 +138,7 @@ void Importer::TakeStudent(Teacher& teacher, const SLoginNameObj& group, const P
 }
 
 std::vector<CsvLine> ReadLines(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), {}};
   if (!file || file.bad()) {
     throw AdminError{kWrongUsage, path + ": could not be read"};

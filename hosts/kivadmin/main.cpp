@@ -1,6 +1,7 @@
 // kivadmin: lays out a store and runs it: entries, options, progress, order.
 #include <iostream>
 
+#include "hosts/common/console.h"
 #include "hosts/kivadmin/commands.h"
 
 namespace kivadmin {
@@ -21,10 +22,12 @@ void AddCommands(CLI::App& app, CommonOptions& common) {
 }
 
 int Run(int argc, char** argv) {
+  kivhost::Console console(argc, argv);
   CommonOptions common;
   CLI::App app("Lays out a store and runs it.", "kivadmin");
   app.set_version_flag("--version", "kivadmin " KIVSTORE_VERSION);
   app.require_subcommand(1);
+  app.allow_windows_style_options(false);
   app.footer(
       "NAME is a name as shown, letter case ignored, or #N for its place in the list.\n"
       "Exit codes:\n"
@@ -34,7 +37,7 @@ int Run(int argc, char** argv) {
       "  3  no store there, or it cannot be read or written");
   AddCommands(app, common);
   try {
-    app.parse(argc, argv);
+    app.parse(console.GetCount(), console.GetArguments());
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kWrongUsage;
   } catch (const AdminError& error) {

@@ -8,6 +8,7 @@
 #include "foundation/file_finder.h"
 #include "foundation/platform/platform.h"
 #include "foundation/site_mode.h"
+#include "hosts/common/console.h"
 #include "hosts/kivadmin/looking_services.h"
 #include "store/layout.h"
 #include "store/listing.h"
@@ -160,7 +161,7 @@ void Session::SetDataPath(const std::string& root, bool layOut) {
     throw AdminError{kNoStore, root + (isThere ? ": is no folder" : ": no such folder") +
                                    "; give the data root of the store"};
   }
-  const std::string path = (fs::absolute(root, error) / "").string();
+  const std::string path = kivhost::ToLibraryPath((fs::absolute(root, error) / "").string());
   SGeneralParams params{};
   params.dataPath = path.c_str();
   call = std::make_unique<SGeneralCall>(params);
@@ -243,11 +244,7 @@ std::string Session::Show(const SLoginNameObj& entry) const {
 }
 
 std::string Session::Show(const SFileSpec& spec) const {
-  std::string path = spec.GetPathText();
-#ifndef _WIN32
-  std::replace(path.begin(), path.end(), '\\', '/');
-#endif
-  return path;
+  return kivhost::FromLibraryPath(spec.GetPathText());
 }
 
 SFileSpec Session::TopFolder() const {

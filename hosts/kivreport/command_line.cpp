@@ -9,6 +9,7 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv, const std::st
                                             int& exitCode) {
   CommandLine line;
   CLI::App app("Prints the rosters of a store and how far each student has come.", "kivreport");
+  app.allow_windows_style_options(false);
   app.add_option("DATA_ROOT", line.root, "The data root of the store")->required();
   app.add_option("--format", line.format, "The form of the report")
       ->transform(CLI::CheckedTransformer(

@@ -1,12 +1,12 @@
 // Whether a lock file could be taken now.
 #pragma once
 
-#include <string>
+#include <filesystem>
 
 namespace kivreport {
 
 enum class LockState { kFree, kHeld, kRefused };
 
-LockState ProbeLock(const std::string& path);
+LockState ProbeLock(const std::filesystem::path& path);
 
 }  // namespace kivreport

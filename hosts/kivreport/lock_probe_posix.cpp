@@ -5,7 +5,7 @@
 
 namespace kivreport {
 
-LockState ProbeLock(const std::string& path) {
+LockState ProbeLock(const std::filesystem::path& path) {
   const int file = open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
   if (file < 0) {
     return LockState::kRefused;

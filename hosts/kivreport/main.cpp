@@ -1,10 +1,12 @@
 // kivreport: prints the rosters and the progress of a store. It knows the system through the public
 // header and the shared library and nothing else.
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 
 #include "hosts/common/charset.h"
+#include "hosts/common/console.h"
 #include "hosts/kivreport/command_line.h"
 #include "hosts/kivreport/report_reader.h"
 #include "hosts/kivreport/report_writer.h"
@@ -39,7 +41,7 @@ int WriteOut(const CommandLine& line, const Report& report) {
     std::cout << text.str() << std::flush;
     return std::cout ? kGood : Fail(kWrongUsage, "standard output could not be written");
   }
-  std::ofstream file(line.output, std::ios::binary);
+  std::ofstream file(std::filesystem::path(line.output), std::ios::binary);
   file << text.str() << std::flush;
   return file ? kGood : Fail(kWrongUsage, line.output + ": could not be written");
 }
@@ -64,7 +66,7 @@ int Run(const CommandLine& line) {
     return Fail(kWrongUsage, "--teacher: " + line.root + " is a local store, without teachers");
   }
 
-  StoreHost host(WithSeparator(line.root), network);
+  StoreHost host(kivhost::ToLibraryPath(WithSeparator(line.root)), network);
   const Request request{*teacher, *group, network, !line.roster, line.quiet};
   const Reading reading = ReadReport(host, request, *charset);
   const auto trouble =
@@ -89,7 +91,9 @@ int Run(const CommandLine& line) {
 }  // namespace kivreport
 
 int main(int argc, char** argv) {
+  kivhost::Console console(argc, argv);
   int exitCode = kivreport::kGood;
-  const auto line = kivreport::ParseCommandLine(argc, argv, kivreport::VersionText(), exitCode);
+  const auto line = kivreport::ParseCommandLine(console.GetCount(), console.GetArguments(),
+                                                kivreport::VersionText(), exitCode);
   return line ? kivreport::Run(*line) : exitCode;
 }

@@ -110,7 +110,7 @@ std::optional<std::string> CheckList(const fs::path& list, bool network) {
     return list.string() + ": no " + kLockFile + " beside the " + kIndexFile +
            ", so the list cannot be read; make an empty file of that name there";
   }
-  switch (ProbeLock(lock->string())) {
+  switch (ProbeLock(*lock)) {
     case LockState::kFree:
       return std::nullopt;
     case LockState::kHeld:
