@@ -60,3 +60,52 @@ build() {
     return 1
   fi
 }
+
+# The compilers for Windows, Wine to run what they make, and the sources that the hosts need there.
+need_windows_tools() {
+  need x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix \
+       i686-w64-mingw32-g++-posix g++-mingw-w64-i686-posix
+  need_host_libraries
+  fetch_libcsv
+}
+
+# libcsv has no package for Windows: its source, as Debian has it, goes to build/libcsv.
+fetch_libcsv() {
+  [ ! -f build/libcsv/libcsv.c ] || return 0
+  echo "fetching the source of libcsv"
+  rm -rf build/libcsv.apt build/libcsv
+  mkdir -p build/libcsv.apt/lists/partial build/libcsv
+  ( cd build/libcsv.apt
+    # shellcheck disable=SC2016
+    apt-get indextargets 'Created-By: Packages' 'Label: Debian' \
+      --format 'deb-src $(REPO_URI) $(CODENAME) $(COMPONENT)' | sort -u >sources.list
+    set -- -qq -o Dir::Etc::SourceList="$PWD/sources.list" -o Dir::Etc::SourceParts=/dev/null \
+      -o Dir::State::Lists="$PWD/lists" -o APT::Sandbox::User=root
+    apt-get "$@" update && apt-get "$@" source --download-only libcsv
+  ) >build/libcsv.apt.log 2>&1 && tar xf build/libcsv.apt/libcsv_*.orig.tar.* -C build/libcsv \
+      --strip-components=1 || {
+    cat build/libcsv.apt.log >&2
+    rm -rf build/libcsv
+    echo "could not fetch the source of libcsv" >&2
+    return 1
+  }
+}
+
+# Runs Windows programs: sets `wine` to the loader, which is not on the PATH, and a prefix of the
+# tests' own.
+need_wine() {
+  dpkg -L wine64 >/dev/null 2>&1 || need /usr/lib/wine/wine64 wine64
+  wine=$(dpkg -L wine64 | grep '/wine/wine64$' | head -n 1)
+  [ -x "$wine" ] || {
+    echo "wine64 is installed, but its loader is not where its package says" >&2
+    return 1
+  }
+  mkdir -p "$1"
+  WINEPREFIX=$(cd "$1" && pwd)
+  WINEDEBUG=-all
+  export WINEPREFIX WINEDEBUG
+  "$wine" cmd /c ver >/dev/null 2>&1 || {
+    echo "Wine does not start; nothing of Windows was run" >&2
+    return 1
+  }
+}

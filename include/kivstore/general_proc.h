@@ -6,10 +6,9 @@
  * Names come back by one rule: exactly `size` bytes are written, the text cut to size - 1
  * characters and padded with NUL; a size of 0 or below writes nothing. The library does not compare
  * a size with the space there is: teacherNameSize, classNameSize and studentNameSize are 52 at
- * most, productIdSize
- * 10. Texts are bytes of the store's 8-bit character set.
+ * most, productIdSize 10. Texts are bytes of the store's 8-bit character set.
  *
- * Call from one thread at a time.
+ * Call from one thread at a time. On 32-bit Windows the calling convention is C's own, cdecl.
  */
 #ifndef KIVSTORE_GENERAL_PROC_H
 #define KIVSTORE_GENERAL_PROC_H
@@ -73,10 +72,16 @@ typedef struct SGeneralParams {
   uint8_t gapF6[2];           /* 0xF6      never touched */
 } SGeneralParams;
 
+#if defined(_WIN32)
+#define KIV_CALL __cdecl
+#else
+#define KIV_CALL
+#endif
+
 #if defined(__GNUC__) && !defined(_WIN32)
 __attribute__((visibility("default")))
 #endif
-void GeneralProc(SGeneralParams* params);
+void KIV_CALL GeneralProc(SGeneralParams* params);
 
 #ifdef __cplusplus
 }
