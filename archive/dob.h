@@ -79,7 +79,8 @@ class SDob {
   // Merges the file's record into this one; false if it did not load. Does not touch the file.
   bool MergeFromFile(const SFileSpec& spec);
 
-  // Why a file would not be read. 4 is not used.
+  // Why a file would not be read. 4 is not used. A file that opens and whose bytes then cannot be
+  // had counts as one that does not open: nothing is known of what it holds.
   static constexpr int32_t kVersionEqual = 0;
   static constexpr int32_t kCannotOpen = 1;
   static constexpr int32_t kWrongMagic = 2;

@@ -2,12 +2,26 @@
 #include "archive/dob.h"
 #include "archive/dob_binary_archive.h"
 #include "archive/dob_merging.h"
+#include "archive/stream_file.h"
 #include "foundation/file_type.h"
 
 namespace kivstore {
 namespace {
 
 constexpr uint8_t kMagic[] = {'B', 'I', 'N', 1};
+
+int32_t CheckHead(IDobArchive& archive, uint32_t version) {
+  uint32_t stored = 0;
+  if (!archive.CheckBytes(kMagic, sizeof kMagic)) {
+    return SDob::kWrongMagic;
+  }
+  if (!archive.TransferULong(nullptr, stored)) {
+    return SDob::kVersionUnreadable;
+  }
+  return stored == version  ? SDob::kVersionEqual
+         : stored < version ? SDob::kFileOlder
+                            : SDob::kFileNewer;
+}
 
 }  // namespace
 
@@ -61,18 +75,12 @@ bool SDob::ReadFromArchive(IDobArchive& archive) {
 }
 
 bool SDob::CheckFileVersion(int32_t& status, const SFileSpec& spec, uint32_t version) {
-  SDobBinaryArchive archive(SDobBinaryArchive::kRead, spec);
-  uint32_t stored = 0;
-  if (archive.HasError()) {
+  SStreamSrcFile source(spec);
+  SBinaryStream stream(SBinaryStream::kRead, &source, false);
+  SDobBinaryArchive archive(SDobBinaryArchive::kRead, &stream);
+  status = archive.HasError() ? kCannotOpen : CheckHead(archive, version);
+  if (source.HasError() && source.GetPosition() < source.GetLength()) {
     status = kCannotOpen;
-  } else if (!archive.CheckBytes(kMagic, sizeof kMagic)) {
-    status = kWrongMagic;
-  } else if (!archive.TransferULong(nullptr, stored)) {
-    status = kVersionUnreadable;
-  } else if (stored != version) {
-    status = stored < version ? kFileOlder : kFileNewer;
-  } else {
-    status = kVersionEqual;
   }
   return status == kVersionEqual;
 }

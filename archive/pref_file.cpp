@@ -155,7 +155,13 @@ bool SPrefFile::GetValue(const char* section, const char* key, SString& value) {
 
 bool SPrefFile::SetValue(const char* section, const char* key, const SString& value) {
   const Opening opening(*this, kWrite);
-  if (!IsWritable() || !NeedSection(section) || !NeedKey(key) || !WriteValue(value)) {
+  const int32_t before = length;
+  if (!IsWritable() || !IsKeyName(key) || !NeedSection(section)) {
+    return false;
+  }
+  const bool sectionIsNew = length > before;
+  if (!NeedKey(key) || !WriteValue(value)) {
+    TakeBack(sectionIsNew ? text + before : cursor - (length - before), length - before);
     return false;
   }
   changed = true;

@@ -40,8 +40,8 @@ class SPrefFile {
   // These open the file themselves if it is not open, and close it again. Names are matched without
   // regard to case, and a line that is found keeps its spelling.
   virtual bool GetValue(const char* section, const char* key, SString& value);
-  // Makes the section and the key where they are missing. A value is stored up to its first line
-  // break.
+  // Makes the section and the key where they are missing; if that or the value finds no room, the
+  // text stays as it was. A value is stored up to its first line break.
   virtual bool SetValue(const char* section, const char* key, const SString& value);
   // Up to the next "[", wherever in a line that stands.
   virtual bool DeleteSection(const char* section);
@@ -76,6 +76,7 @@ class SPrefFile {
   void Append(const char* bytes, size_t count);
   void OpenGap(int32_t n);       // at the cursor
   void CutTo(const char* from);  // from the cursor to `from`
+  void TakeBack(char* from, int32_t n);
 
   SFile* file = nullptr;
   MemoryHandle handle = nullptr;

@@ -64,9 +64,6 @@ bool SPrefFile::NeedKey(const char* key) {
   if (found) {
     return true;
   }
-  if (!IsKeyName(key)) {
-    return false;
-  }
   const size_t nameLength = std::strlen(key);
   if (!Reserve(static_cast<int64_t>(nameLength) + 3)) {
     return false;
@@ -155,6 +152,11 @@ void SPrefFile::CutTo(const char* from) {
   std::memmove(cursor, from, static_cast<size_t>(end - from));
   length -= static_cast<int32_t>(from - cursor);
   end = text + length;
+}
+
+void SPrefFile::TakeBack(char* from, int32_t n) {
+  cursor = from;
+  CutTo(from + n);
 }
 
 }  // namespace kivstore

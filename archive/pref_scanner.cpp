@@ -74,7 +74,7 @@ bool IsSectionName(const char* name) {
 }
 
 bool IsKeyName(const char* name) {
-  return IsSectionName(name) && *name != '[';
+  return IsSectionName(name) && *name != '[' && !IsBlank(*name);
 }
 
 }  // namespace kivstore

@@ -37,7 +37,7 @@ inline bool IsLineBreak(char c) {
 }
 
 // No line can hold another name: an empty one or one with a line break; nor a key that would read
-// as a header.
+// as a header, or whose first blank would be passed over.
 bool IsSectionName(const char* name);
 bool IsKeyName(const char* name);
 

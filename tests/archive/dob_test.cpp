@@ -105,6 +105,22 @@ TEST_F(DobFiles, CheckFileVersionTellsWhatIsWrong) {
   EXPECT_EQ(status, SDob::kCannotOpen);
 }
 
+TEST_F(DobFiles, AHeadThatCannotBeReadIsNotAWrongOne) {
+  const SFileSpec spec = FileOf("BIN\1\0\1\0\0"s + kDefaults);
+  kivtest::FaultFileServices files(*Platform().files);
+  const SPlatformOverride<IFileServices> installed(Platform().files, &files);
+  for (int n = 1;; ++n) {
+    files.FailAt(n, SystemError::kOther);
+    int32_t status = -1;
+    const bool equal = SDob::CheckFileVersion(status, spec, 0x00010000);
+    EXPECT_EQ(status, files.HasStruck() ? SDob::kCannotOpen : SDob::kVersionEqual) << n;
+    EXPECT_EQ(equal, !files.HasStruck()) << n;
+    if (!files.HasStruck()) {
+      break;
+    }
+  }
+}
+
 TEST_F(DobFiles, WhereFilesCannotBeMadeOnlyWhatIsThereIsReplaced) {
   SFileSpec missing = SpecOf("missing");
   SFileSpec nowhere;

@@ -1,5 +1,7 @@
 // Preference files: in-place edits as before/after texts, what the scanner reads, and foreign
 // bytes.
+#include <chrono>
+
 #include "archive/pref_file_chain.h"
 #include "tests/archive/archive_support.h"
 #include "tests/support/fault_file_services.h"
@@ -90,9 +92,13 @@ TEST_F(PrefFiles, WhatIsNotThereOrHasNoNameIsFalseAndChangesNothing) {
     EXPECT_EQ(ValueOf(file, "sec", name), "(none)");
     EXPECT_FALSE(file.DeleteSection(name));
   }
-  for (const char* const name : {static_cast<const char*>(nullptr), "", "k\ney", "[key"}) {
-    EXPECT_FALSE(file.SetValue("sec", name, "v"));
+  ASSERT_TRUE(file.Open(SPrefFile::kWrite));
+  file.SetChanged(true);
+  for (const char* const name :
+       {static_cast<const char*>(nullptr), "", "k\ney", "[key", " key", "\tkey"}) {
+    EXPECT_FALSE(file.SetValue("sec", name, "v") || file.SetValue("new", name, "v"));
   }
+  file.Close();
   EXPECT_EQ(Stored(), text);
 }
 
@@ -115,9 +121,11 @@ TEST_F(PrefFiles, GrowsByStepsRefusesWhatNoStepHoldsAndCutsAValueToWhatAStringHo
   const std::string value(4000, 'x');
   ASSERT_TRUE(file.Open(SPrefFile::kWrite));
   EXPECT_TRUE(file.SetValue("a", "b", SString(value)) && file.SetValue("a", "c", SString(value)));
-  EXPECT_FALSE(file.SetValue("a", "d", SString('z', 9000)));
+  for (const char* const section : {"a", "new"}) {
+    EXPECT_FALSE(file.SetValue(section, "d", SString('z', 9000)));
+  }
   file.Close();
-  EXPECT_EQ(Stored().substr(0, 8011), "[a]\r\nb=" + value + "\r\nc=" + value);
+  EXPECT_EQ(Stored(), "[a]\r\nb=" + value + "\r\nc=" + value + "\n");
   FileOf("[a]\nb=" + std::string(100000, 'x') + "\nc=1\n");
   EXPECT_EQ(ValueOf(file, "a", "b"), std::string(32766, 'x'));
   EXPECT_TRUE(file.SetValue("a", "b", "short"));
@@ -138,6 +146,50 @@ TEST_F(PrefFiles, AnyBytesAreReadInBounds) {
     file.DeleteSection("k");
   }
   file.Close();
+}
+
+TEST_F(PrefFiles, TenTimesTheTextTakesAboutTenTimesAsLong) {
+  const auto timeOf = [this](size_t size) {
+    std::string text = "[sec]\n";
+    while (text.size() < size) {
+      text += "key of a line without a sign\n[key\n";
+    }
+    SPrefFile file(FileOf(text));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(file.SetValue("end", "key", "1"));
+    EXPECT_EQ(ValueOf(file, "end", "key"), "1");
+    const auto time = std::chrono::steady_clock::now() - start;
+    EXPECT_EQ(Stored(), text + "[end]\r\nkey=1\r\n");
+    return time;
+  };
+  const auto small = std::max(timeOf(1 << 20), timeOf(1 << 20));
+  EXPECT_LT(timeOf(10 << 20), 5 * 10 * small);
+}
+
+TEST_F(PrefFiles, TheTextGoesBackWhenTheMarkChangesWhileItIsOpenForWriting) {
+  const struct {
+    int32_t mode;
+    std::vector<bool> marks;
+    int writes;
+  } cases[] = {{SPrefFile::kRead, {true}, 0},
+               {SPrefFile::kWrite, {}, 0},
+               {SPrefFile::kWrite, {false}, 0},
+               {SPrefFile::kWrite, {true}, 1},
+               {SPrefFile::kWrite, {true, false}, 1}};
+  kivtest::FaultFileServices files(*Platform().files);
+  const SPlatformOverride<IFileServices> installed(Platform().files, &files);
+  for (const auto& c : cases) {
+    SPrefFile file(FileOf("[a]\nk=1\n"));
+    file.SetChanged(true);
+    ASSERT_TRUE(file.Open(c.mode));
+    for (const bool mark : c.marks) {
+      file.SetChanged(mark);
+    }
+    files.ClearLog();
+    file.Close();
+    EXPECT_EQ(files.CountOf("Write"), c.writes) << c.marks.size() << " marks";
+    EXPECT_EQ(Stored(), "[a]\nk=1\n");
+  }
 }
 
 TEST_F(PrefFiles, ATextInMemoryIsOpenForReading) {
