@@ -62,7 +62,8 @@ class IconvCharset final : public Charset {
 }  // namespace
 
 std::unique_ptr<Charset> Charset::Open(const std::string& name) {
-  const iconv_t toUtf8 = iconv_open("UTF-8", name.c_str());
+  // An empty name would be the locale's own.
+  const iconv_t toUtf8 = name.empty() ? kNoConverter : iconv_open("UTF-8", name.c_str());
   if (toUtf8 == kNoConverter) {
     return nullptr;
   }
