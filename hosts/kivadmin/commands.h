@@ -20,6 +20,7 @@ void AddCheckCommand(CLI::App& app, CommonOptions& common);
 void AddOptionsCommands(CLI::App& app, CommonOptions& common);
 void AddProgressCommand(CLI::App& app, CommonOptions& common);
 void AddDumpCommand(CLI::App& app, CommonOptions& common);
+void AddAboutCommand(CLI::App& app);
 
 // ROOT, --kind and --charset: what every command on a store takes.
 void AddStoreArguments(CLI::App& command, CommonOptions& common);

@@ -19,6 +19,7 @@ void AddCommands(CLI::App& app, CommonOptions& common) {
   AddOptionsCommands(app, common);
   AddProgressCommand(app, common);
   AddDumpCommand(app, common);
+  AddAboutCommand(app);
 }
 
 int Run(int argc, char** argv) {

@@ -1,4 +1,6 @@
-// `options show` and `options set`.
+// `options show` and `options set`, and what the options commands share.
+#include "hosts/kivadmin/options_commands.h"
+
 #include <algorithm>
 #include <array>
 #include <iostream>
@@ -6,8 +8,6 @@
 #include <memory>
 
 #include "foundation/site_mode.h"
-#include "hosts/kivadmin/commands.h"
-#include "hosts/kivadmin/option_levels.h"
 
 namespace kivadmin {
 namespace {
@@ -18,53 +18,6 @@ struct OptionsLine {
   bool json = false;
   std::vector<std::string> assignments;
 };
-
-// The place that the command line names; holds its entries.
-class ChosenPlace {
- public:
-  ChosenPlace(Session& session, const EntryNames& names) {
-    session.ChooseTeacher(names.teacher);
-    if (names.group.empty()) {
-      return;
-    }
-    classEntry = session.FindClass(names.group);
-    place.classEntry = &classEntry;
-    if (!names.student.empty()) {
-      student = session.FindStudent(classEntry, names.student);
-      place.student = &student;
-    }
-  }
-  ChosenPlace(const ChosenPlace&) = delete;
-  ChosenPlace& operator=(const ChosenPlace&) = delete;
-
-  const OptionsPlace& Get() const { return place; }
-  std::string Text(const Session& session) const {
-    if (place.student != nullptr) {
-      return "student " + session.Show(student);
-    }
-    if (place.classEntry != nullptr) {
-      return "class " + session.Show(classEntry);
-    }
-    return kivstore::gCurrentTeacher != nullptr
-               ? "teacher " + session.Show(*kivstore::gCurrentTeacher)
-               : "the store";
-  }
-
- private:
-  kivstore::SLoginNameObj classEntry;
-  kivstore::SLoginNameObj student;
-  OptionsPlace place;
-};
-
-std::string ValueText(const Json& value) {
-  if (value.is_array()) {
-    return MissionsText(value.get<std::vector<int>>());
-  }
-  if (value.is_boolean()) {
-    return value.get<bool>() ? "yes" : "no";
-  }
-  return value.dump();
-}
 
 void PrintJson(const std::vector<DecidedOption>& decided) {
   Json json = Json::object();
@@ -131,12 +84,6 @@ void Set(const OptionsLine& line) {
   session.Say(said + " for " + chosen.Text(session));
 }
 
-void AddLevelOptions(CLI::App& command, EntryNames& names) {
-  AddTeacherOption(command, names);
-  CLI::Option* const group = AddClassOption(command, names);
-  AddStudentOption(command, names)->needs(group);
-}
-
 void AddShow(CLI::App& options, CommonOptions& common) {
   const auto line = std::make_shared<OptionsLine>();
   line->common = &common;
@@ -171,11 +118,54 @@ void AddSet(CLI::App& options, CommonOptions& common) {
 
 }  // namespace
 
+ChosenPlace::ChosenPlace(Session& session, const EntryNames& names) {
+  session.ChooseTeacher(names.teacher);
+  if (names.group.empty()) {
+    return;
+  }
+  classEntry = session.FindClass(names.group);
+  place.classEntry = &classEntry;
+  if (!names.student.empty()) {
+    student = session.FindStudent(classEntry, names.student);
+    place.student = &student;
+  }
+}
+
+std::string ChosenPlace::Text(const Session& session) const {
+  if (place.student != nullptr) {
+    return "student " + session.Show(student);
+  }
+  if (place.classEntry != nullptr) {
+    return "class " + session.Show(classEntry);
+  }
+  return kivstore::gCurrentTeacher != nullptr
+             ? "teacher " + session.Show(*kivstore::gCurrentTeacher)
+             : "the store";
+}
+
+std::string ValueText(const Json& value) {
+  if (value.is_array()) {
+    return MissionsText(value.get<std::vector<int>>());
+  }
+  if (value.is_boolean()) {
+    return value.get<bool>() ? "yes" : "no";
+  }
+  return value.dump();
+}
+
+void AddLevelOptions(CLI::App& command, EntryNames& names) {
+  AddTeacherOption(command, names);
+  CLI::Option* const group = AddClassOption(command, names);
+  AddStudentOption(command, names)->needs(group);
+}
+
 void AddOptionsCommands(CLI::App& app, CommonOptions& common) {
   CLI::App* const options = app.add_subcommand("options", "What the teacher decided");
   options->require_subcommand(1);
   AddShow(*options, common);
   AddSet(*options, common);
+  AddOptionsExport(*options, common);
+  AddOptionsImport(*options, common);
 }
 
 }  // namespace kivadmin
