@@ -1,6 +1,5 @@
 // What a target takes from the fuzzer's bytes, from the front. Behind the end there are zeros and
-// empty texts, so that every input means something. Seeds are written in the same order
-// (fuzz_seed.h).
+// empty texts, so that every input means something. write_seeds.cpp writes in the same order.
 #pragma once
 
 #include <algorithm>

@@ -22,9 +22,11 @@ constexpr int kMostCalls = 12;
 constexpr int kCallCost = 300;
 constexpr int kPlaceCost = 36;
 
+// No name on a disk holds a NUL.
 std::string NameFrom(FuzzInput& input) {
   const uint8_t number = input.Byte();
-  return number < kStoreNameCount ? kStoreNames[number] : input.Text();
+  const std::string name = number < kStoreNameCount ? kStoreNames[number] : input.Text();
+  return name.substr(0, name.find('\0'));
 }
 
 void LayStore(FuzzInput& input, MemoryFiles& files) {
