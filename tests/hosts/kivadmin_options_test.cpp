@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/support/run_program.h"
+#include "tests/support/started_program.h"
 #include "tests/support/store_builder.h"
 #include "tests/support/temp_folder.h"
 
@@ -170,15 +171,16 @@ TEST_F(KivAdminOptions, AValueThatIsThereAlreadyIsDecidedAnew) {
 TEST_F(KivAdminOptions, TwoWhoChangeDifferentOptionsBothWin) {
   EXPECT_EQ(0, Set({"SoundOn=1"}).exitCode);
   EXPECT_EQ(0, Set({"VocabLevel=3"}).exitCode);
-#ifndef _WIN32
-  const std::string set = std::string("'") + kAdmin + "' options set '" + root + "' ";
-  RunProgram(
-      {"sh", "-c", set + "TextSize=1 & " + set + "Checkpoint=2 & " + set + "Teach6Key=3 & wait"});
+  {
+    std::vector<StartedProgram> admins;
+    for (const char* const setting : {"TextSize=1", "Checkpoint=2", "Teach6Key=3"}) {
+      admins.emplace_back(std::vector<std::string>{kAdmin, "options", "set", root, setting});
+    }
+  }
   const Json late = Shown({});
   EXPECT_EQ(1, late["TextSize"]["value"]);
   EXPECT_EQ(2, late["Checkpoint"]["value"]);
   EXPECT_EQ(3, late["Teach6Key"]["value"]);
-#endif
   const Json shown = Shown({});
   EXPECT_EQ(1, shown["SoundOn"]["value"]);
   EXPECT_EQ(3, shown["VocabLevel"]["value"]);
