@@ -10,14 +10,14 @@
 using namespace kivstore;
 using kivtest::FaultFileServices;
 using kivtest::Kind;
-using kivtest::kRoomList;
+using kivtest::kRoom;
 using kivtest::Lines;
 using kivtest::StoreBuilder;
 using kivtest::Text;
 
 namespace {
 
-const std::string kAnn = kRoomList + "/AnnLee";
+const std::string kAnn = kRoom + "/AnnLee";
 
 class FileKillTable : public kivtest::KillFixture {
  protected:

@@ -15,12 +15,12 @@
 using namespace kivstore;
 using kivtest::FaultFileServices;
 using kivtest::FindMarks;
-using kivtest::kDenList;
-using kivtest::kHillList;
+using kivtest::kDen;
+using kivtest::kHill;
 using kivtest::Kind;
-using kivtest::kOakList;
-using kivtest::kRoomList;
-using kivtest::kYardList;
+using kivtest::kOak;
+using kivtest::kRoom;
+using kivtest::kYard;
 using kivtest::Lines;
 using kivtest::ListedEntry;
 using kivtest::StoreImage;
@@ -158,11 +158,11 @@ std::vector<KillTable::Transaction> KillTable::Transactions() {
        {}},
       {"AddClass",
        [this] { return AddClass("Attic", folderOut); },
-       [](const StoreImage& image) { return Lists(image.classes, "Attic", {kHillList}); },
+       [](const StoreImage& image) { return Lists(image.classes, "Attic", {kHill}); },
        {}},
       {"AddStudent",
        [this] { return AddStudent(room, "Cid", "Roe", folderOut); },
-       [](const StoreImage& image) { return Lists(image.students, "Cid Roe", {kRoomList}); },
+       [](const StoreImage& image) { return Lists(image.students, "Cid Roe", {kRoom}); },
        {}},
       {"RenameTeacher",
        [this] { return RenameTeacher(&hill, &teachers.Array(), "Ms H", folderOut); },
@@ -173,14 +173,14 @@ std::vector<KillTable::Transaction> KillTable::Transactions() {
        true},
       {"RenameClass",
        [this] { return RenameClass(&room, &classes.Array(), "R", folderOut); },
-       renamed(kHillList.c_str(), "Room", "R", ""),
+       renamed(kHill.c_str(), "Room", "R", ""),
        {},
        true},
       {"RenameStudent",
        [this] {
          return RenameStudent(&room, Find(students, "AnnLee"), &students.Array(), "Anna", "Leigh");
        },
-       renamed(kRoomList.c_str(), "AnnLee", "Anna", "Leigh"),
+       renamed(kRoom.c_str(), "AnnLee", "Anna", "Leigh"),
        {},
        true},
   };
@@ -190,27 +190,27 @@ std::vector<KillTable::Transaction> KillTable::Moves() {
   return {
       {"MoveClass",
        [this] { return MoveClass(&hill, &oak, Find(classes, "Room"), &classes.Array(), "Room"); },
-       [](const StoreImage& image) { return Lists(image.classes, "Room", {kOakList}); },
+       [](const StoreImage& image) { return Lists(image.classes, "Room", {kOak}); },
        {}},
       {"MoveStudent",
        [this] {
          return MoveStudent(&room, &den, Find(students, "AnnLee"), &students.Array(), "Ann", "Lee");
        },
-       [](const StoreImage& image) { return Lists(image.students, "Ann Lee", {kDenList}); },
+       [](const StoreImage& image) { return Lists(image.students, "Ann Lee", {kDen}); },
        {}},
       {"MoveStudentAcross",
        [this] {
          return MoveStudentAcross(&hill, &oak, &room, &yard, Find(students, "Bob"),
                                   &students.Array(), "Bob", "");
        },
-       [](const StoreImage& image) { return Lists(image.students, "Bob", {kYardList}); },
+       [](const StoreImage& image) { return Lists(image.students, "Bob", {kYard}); },
        {}},
       {"MoveStudentAcross to a folder name that is taken",
        [this] {
          return MoveStudentAcross(&hill, &oak, &room, &yard, Find(students, "AnnLee"),
                                   &students.Array(), "Ann", "Lee");
        },
-       [](const StoreImage& image) { return Lists(image.students, "Ann Lee", {kYardList}); },
+       [](const StoreImage& image) { return Lists(image.students, "Ann Lee", {kYard}); },
        {},
        false,
        true},

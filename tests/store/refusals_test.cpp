@@ -8,7 +8,7 @@
 
 using namespace kivstore;
 using kivtest::FindMarks;
-using kivtest::kHillList;
+using kivtest::kHill;
 using kivtest::Kind;
 using kivtest::Lines;
 using kivtest::StoreBuilder;

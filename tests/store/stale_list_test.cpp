@@ -8,8 +8,8 @@
 
 using namespace kivstore;
 using kivtest::IndexBytes;
-using kivtest::kDenList;
-using kivtest::kRoomList;
+using kivtest::kDen;
+using kivtest::kRoom;
 
 namespace {
 
@@ -24,7 +24,7 @@ class StaleList : public kivtest::KillFixture {
     EXPECT_TRUE(RenameStudent(&room, others.At(0), &others.Array(), "Anna", "Leigh"));
     EXPECT_TRUE(AddStudent(room, "Cid", "", folder));
   }
-  std::string Index() const { return temp.ReadFile(kRoomList + "/index.kiv"); }
+  std::string Index() const { return temp.ReadFile(kRoom + "/index.kiv"); }
 
   SString folder;
   bool stop = false;
@@ -44,7 +44,7 @@ TEST_F(StaleList, ADeleteTakesOutItsOwnLineOnly) {
 TEST_F(StaleList, AMoveTakesOutItsOwnLineOnly) {
   EXPECT_TRUE(MoveStudent(&room, &den, Find(students, "Bob"), &students.Array(), "Bob", ""));
   EXPECT_EQ(Index(), IndexBytes({{"AnnLee", "Anna", "Leigh"}, {"Cid", "Cid", ""}}));
-  EXPECT_EQ(temp.ReadFile(kDenList + "/index.kiv"), IndexBytes({{"Bob", "Bob", ""}}));
+  EXPECT_EQ(temp.ReadFile(kDen + "/index.kiv"), IndexBytes({{"Bob", "Bob", ""}}));
 }
 
 }  // namespace
