@@ -74,13 +74,12 @@ typedef struct SGeneralParams {
 
 #if defined(_WIN32)
 #define KIV_CALL __cdecl
+#elif defined(__GNUC__)
+#define KIV_CALL __attribute__((visibility("default")))
 #else
 #define KIV_CALL
 #endif
 
-#if defined(__GNUC__) && !defined(_WIN32)
-__attribute__((visibility("default")))
-#endif
 void KIV_CALL GeneralProc(SGeneralParams* params);
 
 #ifdef __cplusplus
