@@ -1,13 +1,12 @@
-// The keyboard that POSIX knows.
-#ifndef _WIN32
+// The keyboard that POSIX knows, and Windows where it is the user's.
 #include <gtest/gtest.h>
 
-#include "foundation/platform/posix/services.h"
+#include "foundation/platform/platform.h"
 
 namespace kivstore {
 namespace {
 
-TEST(PosixKeyboard, IsTheStandardAmericanLayout) {
+TEST(Keyboard, IsTheStandardAmericanLayout) {
   const struct {
     const char* characters;
     int first, shift;
@@ -24,13 +23,11 @@ TEST(PosixKeyboard, IsTheStandardAmericanLayout) {
   for (const auto& run : runs) {
     int key = run.first;
     for (const char* c = run.characters; *c != '\0'; ++c) {
-      EXPECT_EQ(PosixKeyboard().ScanCharacter(*c), key++ | run.shift) << *c;
+      EXPECT_EQ(Platform().keyboard->ScanCharacter(*c), key++ | run.shift) << *c;
     }
   }
-  EXPECT_EQ(PosixKeyboard().ScanCharacter('\xE4'), -1);
-  EXPECT_EQ(PosixKeyboard().ScanCharacter('\0'), -1);
+  EXPECT_EQ(Platform().keyboard->ScanCharacter('\xE4'), -1);
 }
 
 }  // namespace
 }  // namespace kivstore
-#endif
