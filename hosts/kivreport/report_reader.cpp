@@ -21,7 +21,8 @@ class Reader {
 
   Reading Run() {
     ReadRoster();
-    if (request.progress) {
+    // Without a student a second reading would only wait again for a list that is locked.
+    if (request.progress && !places.empty()) {
       // A listing that had to repair an index shows it in display order once and in folder order
       // from then on. The places that the progress query takes are those of the second reading.
       ReadRoster();
