@@ -1,7 +1,7 @@
-#include <windows.h>
-
 #include "hosts/common/console.h"
+
 // clang-format off
+#include <windows.h>
 #include <shellapi.h>
 // clang-format on
 
@@ -17,7 +17,6 @@
 #include "hosts/common/wide_text.h"
 
 namespace kivhost {
-
 namespace {
 
 // How many bytes of the text are whole UTF-8 characters.
@@ -41,7 +40,6 @@ class ConsoleBuffer final : public std::streambuf {
  public:
   ConsoleBuffer(std::ostream& stream, DWORD handle)
       : stream(stream), console(GetStdHandle(handle)) {
-    DWORD mode = 0;
     if (GetConsoleMode(console, &mode)) {
       stream.flush();
       previous = stream.rdbuf(this);
@@ -53,6 +51,7 @@ class ConsoleBuffer final : public std::streambuf {
     if (previous != nullptr) {
       stream.flush();
       stream.rdbuf(previous);
+      SetConsoleMode(console, mode);  // what runs there next finds it as it was
     }
   }
 
@@ -97,6 +96,7 @@ class ConsoleBuffer final : public std::streambuf {
 
   std::ostream& stream;
   HANDLE console;
+  DWORD mode = 0;
   std::streambuf* previous = nullptr;
   std::string text;
 };

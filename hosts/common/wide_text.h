@@ -19,7 +19,8 @@ inline std::wstring ToWide(UINT codePage, std::string_view text) {
 // What the code page lacks becomes its default character.
 inline std::string FromWide(UINT codePage, std::wstring_view text) {
   const int size = static_cast<int>(text.size());
-  const DWORD flags = codePage == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;
+  const UINT page = codePage == CP_ACP ? GetACP() : codePage;
+  const DWORD flags = page == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;  // UTF-8 takes no flag
   const int room =
       WideCharToMultiByte(codePage, flags, text.data(), size, nullptr, 0, nullptr, nullptr);
   std::string bytes(static_cast<size_t>(room > 0 ? room : 0), '\0');
