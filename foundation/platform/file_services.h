@@ -73,7 +73,7 @@ class IFileServices {
  public:
   virtual ~IFileServices() = default;
 
-  // Opens a file that exists; null on failure. Never waits.
+  // Opens a file that exists; null on failure, and for a folder. Never waits.
   virtual FileHandle Open(const char* path, FileAccess access, SystemError& error) = 0;
   virtual void Close(FileHandle file) = 0;
   // Bytes moved, 0 at the end or on failure.
@@ -81,7 +81,7 @@ class IFileServices {
   virtual int32_t Write(FileHandle file, const void* buffer, int32_t count) = 0;
   virtual bool Seek(FileHandle file, SeekOrigin origin, int64_t offset) = 0;
   virtual int64_t Tell(FileHandle file) = 0;
-  // -1 if the handle stands on something that has no size (a folder, a pipe).
+  // -1 if the handle stands on something that has no size (a pipe).
   virtual int64_t Size(FileHandle file) = 0;
   // Cuts or extends the file to the position.
   virtual bool SetEnd(FileHandle file) = 0;

@@ -17,7 +17,8 @@ class HeldElsewhere {
   HeldElsewhere(const std::string& path, bool forReading)
       : program({KIVSTORE_BINARY_DIR "/bin/hold_file", path, forReading ? "r" : "w",
                  folder.Path("ready")}) {
-    while (program.IsStarted() && Answer().empty()) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (Answer().empty() && std::chrono::steady_clock::now() < end) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     if (Answer() != "held") {

@@ -15,7 +15,6 @@ class StartedProgram {
   StartedProgram(StartedProgram&& other) noexcept : input(other.input) { other.input = nullptr; }
   StartedProgram& operator=(StartedProgram&&) = delete;
 
-  bool IsStarted() const { return input != nullptr; }
   // Ends its standard input and waits for it; true if it ended with 0.
   bool Finish();
 
