@@ -3,13 +3,13 @@
 #include <new>
 #include <string_view>
 
-#include "foundation/bytes.h"
-#include "records/game_dob.h"
+#include "game/game_dob.h"
+#include "platform/base/bytes.h"
 #include "records/game_options_dob.h"
 #include "records/tutor_options_dob.h"
-#include "store/layout.h"
-#include "store/lock_file.h"
-#include "store/name_derivation.h"
+#include "store/list/name_derivation.h"
+#include "store/lock/lock_file.h"
+#include "store/place/layout.h"
 
 namespace kivstore {
 namespace {

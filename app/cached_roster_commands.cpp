@@ -2,7 +2,7 @@
 #include "app/commands.h"
 #include "app/roster_caches.h"
 #include "foundation/site_mode.h"
-#include "store/listing.h"
+#include "store/list/listing.h"
 
 namespace kivstore {
 

@@ -8,10 +8,10 @@
 
 #include <cstdint>
 
-#include "foundation/array.h"
-#include "foundation/string.h"
+#include "foundation/containers/array.h"
+#include "foundation/text/string.h"
 #include "kivstore/general_proc.h"
-#include "store/entries.h"
+#include "store/list/entries.h"
 
 namespace kivstore::commands {
 

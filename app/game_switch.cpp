@@ -1,9 +1,9 @@
 // The change-over from one game to the next, and the memory of the last user.
 #include "foundation/application.h"
-#include "records/kiv_game_dob.h"
+#include "game/kiv_game_dob.h"
 #include "records/teacher_options_dob.h"
-#include "store/layout.h"
-#include "store/maintenance.h"
+#include "store/change/maintenance.h"
+#include "store/place/layout.h"
 
 namespace kivstore {
 

@@ -4,9 +4,9 @@
 #include <new>
 
 #include "foundation/application.h"
-#include "foundation/file_type.h"
+#include "foundation/files/file_type.h"
 #include "foundation/site_mode.h"
-#include "records/game_dob.h"
+#include "game/game_dob.h"
 #include "records/tutor_options_dob.h"
 
 namespace kivstore {

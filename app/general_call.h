@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "foundation/memory_block.h"
+#include "foundation/memory/memory_block.h"
 #include "kivstore/general_proc.h"
 
 namespace kivstore {

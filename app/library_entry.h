@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "foundation/platform/resources.h"
+#include "platform/resources.h"
 
 namespace kivstore {
 

@@ -2,9 +2,9 @@
 #include "foundation/application.h"
 #include "foundation/site_mode.h"
 #include "records/teacher_options_dob.h"
-#include "store/layout.h"
-#include "store/lock_file.h"
-#include "store/name_derivation.h"
+#include "store/list/name_derivation.h"
+#include "store/lock/lock_file.h"
+#include "store/place/layout.h"
 
 namespace kivstore {
 namespace {

@@ -3,11 +3,11 @@
 
 #include "app/commands.h"
 #include "foundation/application.h"
-#include "records/game_dob.h"
+#include "game/game_dob.h"
 #include "records/game_options_dob.h"
 #include "records/tutor_options_dob.h"
-#include "store/layout.h"
-#include "store/listing.h"
+#include "store/list/listing.h"
+#include "store/place/layout.h"
 
 namespace kivstore::commands {
 namespace {

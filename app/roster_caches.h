@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "store/entries.h"
+#include "store/list/entries.h"
 
 namespace kivstore {
 

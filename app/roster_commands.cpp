@@ -1,7 +1,7 @@
 // The plain chain: every command reads the lists it needs.
 #include "app/commands.h"
 #include "foundation/site_mode.h"
-#include "store/listing.h"
+#include "store/list/listing.h"
 
 namespace kivstore::commands {
 

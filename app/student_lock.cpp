@@ -1,10 +1,10 @@
 #include <new>
 
 #include "foundation/application.h"
-#include "store/failure_report.h"
-#include "store/layout.h"
-#include "store/lock_file.h"
-#include "store/name_derivation.h"
+#include "store/list/name_derivation.h"
+#include "store/lock/lock_file.h"
+#include "store/place/failure_report.h"
+#include "store/place/layout.h"
 
 namespace kivstore {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "app/commands.h"
-#include "store/name_derivation.h"
+#include "store/list/name_derivation.h"
 
 namespace kivstore::commands {
 namespace {

@@ -9,9 +9,9 @@
 
 #include "archive/stream_holder.h"
 #include "archive/swap_bytes.h"
-#include "foundation/angles.h"
-#include "foundation/date_time.h"
-#include "foundation/string.h"
+#include "foundation/geometry/angles.h"
+#include "foundation/text/string.h"
+#include "foundation/time/date_time.h"
 
 namespace kivstore {
 

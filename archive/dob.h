@@ -19,7 +19,7 @@
 #include <cstdint>
 #include <initializer_list>
 
-#include "foundation/date_time.h"
+#include "foundation/time/date_time.h"
 
 namespace kivstore {
 

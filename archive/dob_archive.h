@@ -11,10 +11,10 @@
 
 #include <cstdint>
 
-#include "foundation/angles.h"
-#include "foundation/date_time.h"
-#include "foundation/memory_block.h"
-#include "foundation/string.h"
+#include "foundation/geometry/angles.h"
+#include "foundation/memory/memory_block.h"
+#include "foundation/text/string.h"
+#include "foundation/time/date_time.h"
 
 namespace kivstore {
 

@@ -15,7 +15,7 @@
 
 #include "archive/binary_stream.h"
 #include "archive/dob_archive.h"
-#include "foundation/file_spec.h"
+#include "foundation/files/file_spec.h"
 
 namespace kivstore {
 

@@ -3,7 +3,7 @@
 #include "archive/dob_binary_archive.h"
 #include "archive/dob_merging.h"
 #include "archive/stream_file.h"
-#include "foundation/file_type.h"
+#include "foundation/files/file_type.h"
 
 namespace kivstore {
 namespace {

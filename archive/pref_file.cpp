@@ -6,7 +6,7 @@
 #include <new>
 
 #include "archive/pref_scanner.h"
-#include "foundation/file_type.h"
+#include "foundation/files/file_type.h"
 
 namespace kivstore {
 namespace {

@@ -7,9 +7,9 @@
 
 #include <cstdint>
 
-#include "foundation/file.h"
-#include "foundation/memory_block.h"
-#include "foundation/string.h"
+#include "foundation/files/file.h"
+#include "foundation/memory/memory_block.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 

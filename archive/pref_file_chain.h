@@ -6,7 +6,7 @@
 #pragma once
 
 #include "archive/pref_file.h"
-#include "foundation/ptr_list.h"
+#include "foundation/containers/ptr_list.h"
 
 namespace kivstore {
 

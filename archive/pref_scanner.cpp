@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "foundation/bytes.h"
+#include "platform/base/bytes.h"
 
 namespace kivstore {
 namespace {

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "archive/dob_archive.h"
-#include "foundation/date_time.h"
+#include "foundation/time/date_time.h"
 
 namespace kivstore {
 

@@ -7,8 +7,8 @@
 #pragma once
 
 #include "archive/stream_source.h"
-#include "foundation/file.h"
-#include "foundation/memory_block.h"
+#include "foundation/files/file.h"
+#include "foundation/memory/memory_block.h"
 
 namespace kivstore {
 

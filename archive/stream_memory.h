@@ -3,7 +3,7 @@
 #pragma once
 
 #include "archive/stream_source.h"
-#include "foundation/memory_block.h"
+#include "foundation/memory/memory_block.h"
 
 namespace kivstore {
 

@@ -1,6 +1,6 @@
 #include "archive/stream_null.h"
 
-#include "foundation/platform/never_destroyed.h"
+#include "platform/base/never_destroyed.h"
 
 namespace kivstore {
 namespace {

@@ -13,7 +13,7 @@
 #include <cstdint>
 
 #include "archive/text_stop.h"
-#include "foundation/string.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 

@@ -11,10 +11,10 @@
 
 #include <cstdint>
 
-#include "foundation/file_spec.h"
+#include "foundation/files/file_spec.h"
 #include "foundation/login_name.h"
 #include "foundation/site_mode.h"
-#include "foundation/string.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 

@@ -4,8 +4,8 @@
 
 #include <new>
 
-#include "foundation/small_blocks.h"
-#include "foundation/string.h"
+#include "foundation/text/string.h"
+#include "platform/base/small_blocks.h"
 
 namespace kivstore {
 

@@ -3,7 +3,6 @@
 #include <new>
 
 #include "foundation/application.h"
-#include "foundation/platform/resources.h"
 
 namespace kivstore {
 namespace {
@@ -50,7 +49,6 @@ SString gDataPathOverride;
 bool gStoreFailed = false;
 constinit uint32_t gFileVersion = Pack("0.01");
 SZEPApp* gApp = nullptr;
-ModuleHandle gModuleHandle = nullptr;
 
 uint32_t PackVersion(const char* text) {
   return text != nullptr ? Pack(text) : 0;

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "foundation/login_name.h"
-#include "foundation/string.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 

@@ -1,6 +1,6 @@
 #include "probes/processor.h"
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivstore {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 #include "probes/processor.h"
 
 namespace kivstore {

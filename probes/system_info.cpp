@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 #include "probes/processor_speed.h"
 
 namespace kivstore {

@@ -10,7 +10,7 @@
 
 #include "archive/dob_archive.h"
 #include "archive/dob_binary_archive.h"
-#include "foundation/memory_block.h"
+#include "foundation/memory/memory_block.h"
 
 namespace kivstore {
 

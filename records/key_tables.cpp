@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivstore {
 namespace {

@@ -16,7 +16,7 @@
 
 #include <cstdint>
 
-#include "foundation/string.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 

@@ -4,7 +4,7 @@
 // In a file, 60 bytes: the six fields as they stand, each 2 bytes and its stamp of 8.
 #pragma once
 
-#include "foundation/small_blocks.h"
+#include "platform/base/small_blocks.h"
 #include "records/activity.h"
 #include "records/field_record.h"
 

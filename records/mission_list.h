@@ -5,7 +5,7 @@
 // count, then the missions, 60 bytes each.
 #pragma once
 
-#include "foundation/memory_block.h"
+#include "foundation/memory/memory_block.h"
 #include "records/mission_dob.h"
 
 namespace kivstore {

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "foundation/map.h"
+#include "foundation/containers/map.h"
 
 namespace kivstore {
 namespace {

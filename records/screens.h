@@ -1,7 +1,7 @@
 // The tutor's names for its screens, with a number for each.
 #pragma once
 
-#include "foundation/string.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 

@@ -2,7 +2,7 @@
 #include <iostream>
 
 #include "hosts/common/console.h"
-#include "hosts/kivadmin/commands.h"
+#include "hosts/kivadmin/commands/commands.h"
 
 namespace kivadmin {
 namespace {

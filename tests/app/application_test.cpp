@@ -2,12 +2,12 @@
 #include "foundation/application.h"
 
 #include "app/general_call.h"
-#include "foundation/file_type.h"
-#include "foundation/platform/platform.h"
-#include "records/game_dob.h"
+#include "foundation/files/file_type.h"
+#include "game/game_dob.h"
+#include "platform/platform.h"
 #include "records/tutor_options_dob.h"
-#include "store/failure_report.h"
-#include "store/lock_file.h"
+#include "store/lock/lock_file.h"
+#include "store/place/failure_report.h"
 #include "tests/app/call_fixture.h"
 #include "tests/support/test_clock.h"
 

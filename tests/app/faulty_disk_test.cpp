@@ -1,7 +1,7 @@
 // Command 6 on a disk that fails at any one operation: an answer, no open handle, nobody lost.
 #include <functional>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 #include "tests/app/call_fixture.h"
 #include "tests/support/fault_file_services.h"
 #include "tests/support/test_clock.h"

@@ -3,10 +3,10 @@
 #include <new>
 
 #include "foundation/application.h"
-#include "foundation/platform/platform.h"
-#include "records/game_dob.h"
+#include "game/game_dob.h"
+#include "platform/platform.h"
 #include "records/tutor_options_dob.h"
-#include "store/failure_report.h"
+#include "store/place/failure_report.h"
 #include "tests/app/call_fixture.h"
 #include "tests/support/fault_file_services.h"
 

@@ -3,8 +3,8 @@
 
 #include "app/commands.h"
 #include "foundation/application.h"
-#include "foundation/file_type.h"
-#include "records/game_dob.h"
+#include "foundation/files/file_type.h"
+#include "game/game_dob.h"
 #include "records/tutor_options_dob.h"
 #include "tests/app/call_fixture.h"
 

@@ -3,9 +3,9 @@
 
 #include "app/general_call.h"
 #include "foundation/application.h"
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 #include "records/tutor_options_dob.h"
-#include "store/lock_file.h"
+#include "store/lock/lock_file.h"
 #include "tests/app/call_fixture.h"
 #include "tests/support/test_clock.h"
 

@@ -8,7 +8,7 @@
 #include "archive/dob.h"
 #include "archive/stamped.h"
 #include "archive/stream_memory.h"
-#include "foundation/file_spec.h"
+#include "foundation/files/file_spec.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_clock.h"
 

@@ -1,7 +1,7 @@
 // The keyboard that POSIX knows, and Windows where it is the user's.
 #include <gtest/gtest.h>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivstore {
 namespace {

@@ -1,5 +1,5 @@
 // Turning points around a centre.
-#include "foundation/angles.h"
+#include "foundation/geometry/angles.h"
 
 #include <gtest/gtest.h>
 

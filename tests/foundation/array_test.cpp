@@ -1,5 +1,5 @@
 // Growth, insertion, removal and order of the array family.
-#include "foundation/array.h"
+#include "foundation/containers/array.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "foundation/bytes.h"
+#include "platform/base/bytes.h"
 
 #include <gtest/gtest.h>
 

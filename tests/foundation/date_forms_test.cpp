@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivstore {
 namespace {

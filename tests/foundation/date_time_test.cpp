@@ -1,5 +1,5 @@
 // Time stamps: the count from 1904, the two reserved values, and dates that a person types.
-#include "foundation/date_time.h"
+#include "foundation/time/date_time.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "foundation/file.h"
-#include "foundation/platform/platform.h"
+#include "foundation/files/file.h"
+#include "platform/platform.h"
 #include "tests/support/temp_folder.h"
 
 namespace kivstore {

@@ -1,4 +1,4 @@
-#include "foundation/file_finder.h"
+#include "foundation/files/file_finder.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 #include "tests/support/fault_file_services.h"
 #include "tests/support/temp_folder.h"
 

@@ -1,4 +1,4 @@
-#include "foundation/file_spec.h"
+#include "foundation/files/file_spec.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "foundation/file.h"
-#include "foundation/platform/platform.h"
+#include "foundation/files/file.h"
+#include "platform/platform.h"
 #include "tests/support/fault_file_services.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/wine.h"

@@ -1,10 +1,10 @@
-#include "foundation/file.h"
+#include "foundation/files/file.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 #include "tests/support/fault_file_services.h"
 #include "tests/support/temp_folder.h"
 

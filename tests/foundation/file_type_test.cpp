@@ -1,4 +1,4 @@
-#include "foundation/file_type.h"
+#include "foundation/files/file_type.h"
 
 #include <gtest/gtest.h>
 

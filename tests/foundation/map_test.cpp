@@ -1,5 +1,5 @@
 // Lookup, order, memory and letter case of the map family; bucket counts.
-#include "foundation/map.h"
+#include "foundation/containers/map.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "foundation/hash_size.h"
+#include "foundation/containers/hash_size.h"
 
 namespace kivstore {
 namespace {

@@ -1,10 +1,10 @@
-#include "foundation/memory_block.h"
+#include "foundation/memory/memory_block.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivstore {
 namespace {

@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
-#include "foundation/file.h"
-#include "foundation/file_finder.h"
-#include "foundation/platform/platform.h"
-#include "foundation/platform/posix/dos_attribute.h"
-#include "foundation/platform/posix/wildcard.h"
+#include "foundation/files/file.h"
+#include "foundation/files/file_finder.h"
+#include "platform/platform.h"
+#include "platform/posix/dos_attribute.h"
+#include "platform/posix/wildcard.h"
 #include "tests/support/temp_folder.h"
 
 namespace kivstore {

@@ -1,5 +1,5 @@
 // The list of pointers.
-#include "foundation/ptr_list.h"
+#include "foundation/containers/ptr_list.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The shared call counter, the 15-bit width, and the ranges of random numbers.
-#include "foundation/random.h"
+#include "foundation/time/random.h"
 
 #include <gtest/gtest.h>
 

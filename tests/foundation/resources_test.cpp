@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "foundation/platform/platform.h"
-#include "foundation/string.h"
+#include "foundation/text/string.h"
+#include "platform/platform.h"
 
 namespace kivstore {
 namespace {

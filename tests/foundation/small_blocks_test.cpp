@@ -1,4 +1,4 @@
-#include "foundation/small_blocks.h"
+#include "platform/base/small_blocks.h"
 
 #include <gtest/gtest.h>
 

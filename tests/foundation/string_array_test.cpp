@@ -1,5 +1,5 @@
 // What the array of strings does differently from the others.
-#include "foundation/string_array.h"
+#include "foundation/containers/string_array.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "foundation/string.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <climits>
 
-#include "foundation/string.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 namespace {

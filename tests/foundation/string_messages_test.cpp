@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/string.h"
+#include "foundation/text/string.h"
 
 namespace kivstore {
 namespace {

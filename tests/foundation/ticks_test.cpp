@@ -1,5 +1,5 @@
 // Waiting on the tick count.
-#include "foundation/ticks.h"
+#include "foundation/time/ticks.h"
 
 #include <gtest/gtest.h>
 

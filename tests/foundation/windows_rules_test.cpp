@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 #include "tests/support/held_elsewhere.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/wine.h"

@@ -1,7 +1,7 @@
 // "autogame.zep" of any bytes.
 #include "archive/dob_binary_archive.h"
-#include "records/game_dob.h"
-#include "records/game_file.h"
+#include "game/game_dob.h"
+#include "game/game_file.h"
 #include "tests/fuzz/fuzz_site.h"
 
 namespace kivtest {

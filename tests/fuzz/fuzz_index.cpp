@@ -1,5 +1,5 @@
 // "index.kiv" of any bytes.
-#include "store/index_file.h"
+#include "store/list/index_file.h"
 #include "tests/fuzz/fuzz_site.h"
 
 namespace kivtest {

@@ -1,8 +1,8 @@
 // "last.kiv" of any bytes: a file of some type is recorded in it.
 #include <algorithm>
 
-#include "store/layout.h"
-#include "store/maintenance.h"
+#include "store/change/maintenance.h"
+#include "store/place/layout.h"
 #include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/fuzz_site.h"
 #include "tests/store/store_scope.h"

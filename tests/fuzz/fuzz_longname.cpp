@@ -1,8 +1,8 @@
 // "longname.kiv" of any bytes, and what is made of the two names in it.
 #include <algorithm>
 
-#include "foundation/bytes.h"
-#include "store/name_derivation.h"
+#include "platform/base/bytes.h"
+#include "store/list/name_derivation.h"
 #include "tests/fuzz/fuzz_site.h"
 
 namespace kivtest {

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "foundation/file_spec.h"
-#include "foundation/file_type.h"
+#include "foundation/files/file_spec.h"
+#include "foundation/files/file_type.h"
 #include "foundation/site_mode.h"
 #include "tests/fuzz/memory_files.h"
 #include "tests/fuzz/require.h"

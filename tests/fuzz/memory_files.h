@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/platform/inert_makers.h"
+#include "platform/inert_makers.h"
 
 namespace kivtest {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <set>
 
-#include "foundation/bytes.h"
+#include "platform/base/bytes.h"
 #include "tests/fuzz/require.h"
 
 namespace kivtest {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivtest {
 

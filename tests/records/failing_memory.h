@@ -1,7 +1,7 @@
 // Movable memory that can run out, and that counts what was asked of it.
 #pragma once
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivtest {
 

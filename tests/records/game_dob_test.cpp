@@ -1,5 +1,5 @@
 // The game record and the lesson in it.
-#include "records/game_dob.h"
+#include "game/game_dob.h"
 
 #include <gtest/gtest.h>
 

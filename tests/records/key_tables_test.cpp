@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivstore {
 namespace {

@@ -1,7 +1,7 @@
 // The records as bytes, and bytes of any kind as records.
 #include <gtest/gtest.h>
 
-#include "records/game_dob.h"
+#include "game/game_dob.h"
 #include "records/tutor_options_dob.h"
 #include "tests/records/memory_archive.h"
 

@@ -1,7 +1,7 @@
 // The records as text in a preference file.
 #include <gtest/gtest.h>
 
-#include "records/game_dob.h"
+#include "game/game_dob.h"
 #include "records/tutor_options_dob.h"
 #include "tests/support/temp_folder.h"
 

@@ -1,6 +1,6 @@
-#include "store/adding.h"
+#include "store/change/adding.h"
 
-#include "store/index_file.h"
+#include "store/list/index_file.h"
 #include "tests/store/school_fixture.h"
 
 using namespace kivstore;

@@ -5,7 +5,7 @@
 
 #include <fstream>
 
-#include "store/listing.h"
+#include "store/list/listing.h"
 #include "tests/store/class_places.h"
 #include "tests/store/store_fixture.h"
 #include "tests/support/started_program.h"

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "foundation/file.h"
-#include "foundation/file_spec.h"
-#include "foundation/platform/platform.h"
+#include "foundation/files/file.h"
+#include "foundation/files/file_spec.h"
+#include "platform/platform.h"
 #include "tests/support/fault_file_services.h"
 #include "tests/support/temp_folder.h"
 

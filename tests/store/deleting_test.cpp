@@ -1,6 +1,6 @@
-#include "store/deleting.h"
+#include "store/change/deleting.h"
 
-#include "store/deleting_files.h"
+#include "store/change/deleting_files.h"
 #include "tests/store/school_fixture.h"
 
 using namespace kivstore;

@@ -1,11 +1,11 @@
-#include "store/entries.h"
+#include "store/list/entries.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 
 #include "records/teacher_options_dob.h"
-#include "store/name_derivation.h"
+#include "store/list/name_derivation.h"
 #include "tests/store/store_scope.h"
 
 using namespace kivstore;

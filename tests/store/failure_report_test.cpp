@@ -1,4 +1,4 @@
-#include "store/failure_report.h"
+#include "store/place/failure_report.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // The files beside the lists, saved while the process dies or an operation fails at every step: a
 // game with its line in the index, the options of a level, the list of what was used last. A file
 // is then whole, the old or the new one, and a listing has each game once.
-#include "foundation/file_type.h"
-#include "records/game_dob.h"
+#include "foundation/files/file_type.h"
+#include "game/game_dob.h"
 #include "records/tutor_options_dob.h"
-#include "store/maintenance.h"
+#include "store/change/maintenance.h"
 #include "tests/store/kill_fixture.h"
 
 using namespace kivstore;

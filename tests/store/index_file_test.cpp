@@ -1,8 +1,8 @@
-#include "store/index_file.h"
+#include "store/list/index_file.h"
 
 #include <gtest/gtest.h>
 
-#include "foundation/file.h"
+#include "foundation/files/file.h"
 #include "tests/store/store_scope.h"
 #include "tests/support/fault_file_services.h"
 #include "tests/support/temp_folder.h"

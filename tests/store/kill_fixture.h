@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "store/listing.h"
+#include "store/list/listing.h"
 #include "tests/store/school_fixture.h"
 #include "tests/support/store_invariants.h"
 

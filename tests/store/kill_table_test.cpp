@@ -6,10 +6,10 @@
 #include <unistd.h>
 #endif
 
-#include "store/adding.h"
-#include "store/deleting.h"
-#include "store/moving.h"
-#include "store/renaming.h"
+#include "store/change/adding.h"
+#include "store/change/deleting.h"
+#include "store/change/moving.h"
+#include "store/change/renaming.h"
 #include "tests/store/kill_fixture.h"
 
 using namespace kivstore;

@@ -1,4 +1,4 @@
-#include "store/layout.h"
+#include "store/place/layout.h"
 
 #include "tests/store/store_fixture.h"
 

@@ -1,6 +1,6 @@
-#include "store/listing.h"
+#include "store/list/listing.h"
 
-#include "store/layout.h"
+#include "store/place/layout.h"
 #include "tests/store/store_fixture.h"
 #include "tests/support/fault_file_services.h"
 

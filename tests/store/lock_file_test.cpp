@@ -1,4 +1,4 @@
-#include "store/lock_file.h"
+#include "store/lock/lock_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "store/maintenance.h"
+#include "store/change/maintenance.h"
 
-#include "store/layout.h"
+#include "store/place/layout.h"
 #include "tests/store/store_fixture.h"
 
 using namespace kivstore;

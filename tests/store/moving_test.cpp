@@ -1,4 +1,4 @@
-#include "store/moving.h"
+#include "store/change/moving.h"
 
 #include "tests/store/school_fixture.h"
 #include "tests/support/wine.h"

@@ -1,4 +1,4 @@
-#include "store/name_derivation.h"
+#include "store/list/name_derivation.h"
 
 #include <gtest/gtest.h>
 

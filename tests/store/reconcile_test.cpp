@@ -1,6 +1,6 @@
 #include <set>
 
-#include "store/listing.h"
+#include "store/list/listing.h"
 #include "tests/store/store_fixture.h"
 #include "tests/support/fault_file_services.h"
 

@@ -1,9 +1,9 @@
 // What every transaction answers, and what it leaves, where the folder takes no writing or the disk
 // has no room. (Full lists and busy locks stand with each transaction's own tests.)
-#include "store/adding.h"
-#include "store/deleting.h"
-#include "store/moving.h"
-#include "store/renaming.h"
+#include "store/change/adding.h"
+#include "store/change/deleting.h"
+#include "store/change/moving.h"
+#include "store/change/renaming.h"
 #include "tests/store/kill_fixture.h"
 
 using namespace kivstore;

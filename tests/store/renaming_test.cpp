@@ -1,4 +1,4 @@
-#include "store/renaming.h"
+#include "store/change/renaming.h"
 
 #include "tests/store/school_fixture.h"
 

@@ -2,7 +2,7 @@
 // a caller has loaded.
 #pragma once
 
-#include "store/listing.h"
+#include "store/list/listing.h"
 #include "tests/store/store_fixture.h"
 #include "tests/support/fault_file_services.h"
 

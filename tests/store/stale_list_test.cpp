@@ -1,9 +1,9 @@
 // A workstation changes the list that it loaded a while ago; what the others have made of the index
 // in the meantime stays.
-#include "store/adding.h"
-#include "store/deleting.h"
-#include "store/moving.h"
-#include "store/renaming.h"
+#include "store/change/adding.h"
+#include "store/change/deleting.h"
+#include "store/change/moving.h"
+#include "store/change/renaming.h"
 #include "tests/store/kill_fixture.h"
 
 using namespace kivstore;

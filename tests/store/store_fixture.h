@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "foundation/application.h"
-#include "foundation/file.h"
-#include "foundation/platform/platform.h"
-#include "store/entries.h"
-#include "store/failure_report.h"
+#include "foundation/files/file.h"
+#include "platform/platform.h"
+#include "store/list/entries.h"
+#include "store/place/failure_report.h"
 #include "tests/store/store_scope.h"
 #include "tests/support/store_builder.h"
 #include "tests/support/temp_folder.h"

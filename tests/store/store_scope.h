@@ -4,9 +4,9 @@
 #include <string>
 
 #include "foundation/application.h"
-#include "foundation/file_spec.h"
-#include "foundation/platform/platform.h"
+#include "foundation/files/file_spec.h"
 #include "foundation/site_mode.h"
+#include "platform/platform.h"
 
 namespace kivtest {
 

@@ -10,13 +10,13 @@
 #include <thread>
 
 #include "foundation/application.h"
-#include "foundation/file_type.h"
-#include "foundation/platform/platform.h"
-#include "store/adding.h"
-#include "store/deleting.h"
-#include "store/listing.h"
-#include "store/moving.h"
-#include "store/renaming.h"
+#include "foundation/files/file_type.h"
+#include "platform/platform.h"
+#include "store/change/adding.h"
+#include "store/change/deleting.h"
+#include "store/change/moving.h"
+#include "store/change/renaming.h"
+#include "store/list/listing.h"
 #include "tests/store/class_places.h"
 
 using namespace kivstore;

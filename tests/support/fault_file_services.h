@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/platform/file_services.h"
+#include "platform/file_services.h"
 
 namespace kivtest {
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <string>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 using namespace kivstore;
 

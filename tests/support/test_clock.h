@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "foundation/platform/platform.h"
+#include "platform/platform.h"
 
 namespace kivtest {
 

@@ -1,0 +1,104 @@
+#include "foundation/files/file.h"
+
+#include <algorithm>
+
+#include "platform/platform.h"
+
+namespace kivstore {
+namespace {
+
+int32_t ToOpenError(SystemError error) {
+  switch (error) {
+    case SystemError::kNone:
+      return SFile::kSuccess;
+    case SystemError::kFileNotFound:
+    case SystemError::kPathNotFound:
+      return SFile::kNotFound;
+    case SystemError::kSharingViolation:
+      return SFile::kSharingViolation;
+    default:
+      return SFile::kOtherError;
+  }
+}
+
+int32_t Cut(int64_t value) {
+  return static_cast<int32_t>(std::min<int64_t>(value, INT32_MAX));
+}
+
+IFileServices& Files() {
+  return *Platform().files;
+}
+
+}  // namespace
+
+bool SFile::Open(int32_t newMode, const SFileSpec& spec, int32_t, int32_t* error) {
+  Close();
+  SystemError failure = SystemError::kFileNotFound;
+  if (spec.IsValid() && spec.Exists()) {
+    const FileAccess access = newMode == kWrite ? FileAccess::kReadWrite : FileAccess::kRead;
+    handle = Files().Open(spec.GetPathText(), access, failure);
+  }
+  if (error != nullptr) {
+    *error = ToOpenError(handle != nullptr ? SystemError::kNone : failure);
+  }
+  isOpen = handle != nullptr;
+  mode = newMode;
+  return isOpen;
+}
+
+bool SFile::Close() {
+  if (!isOpen) {
+    return false;
+  }
+  Files().Close(handle);
+  handle = nullptr;
+  isOpen = false;
+  return true;
+}
+
+int32_t SFile::Read(int32_t count, void* buffer) {
+  return isOpen && count > 0 ? Files().Read(handle, buffer, count) : 0;
+}
+
+int32_t SFile::Write(int32_t count, const void* buffer) {
+  return isOpen && count > 0 ? Files().Write(handle, buffer, count) : 0;
+}
+
+bool SFile::Seek(int32_t origin, int32_t offset) {
+  constexpr SeekOrigin kOrigins[] = {SeekOrigin::kStart, SeekOrigin::kEnd, SeekOrigin::kCurrent};
+  return isOpen && origin >= 0 && origin <= 2 && Files().Seek(handle, kOrigins[origin], offset);
+}
+
+int32_t SFile::Tell() const {
+  return isOpen ? Cut(Files().Tell(handle)) : 0;
+}
+
+int32_t SFile::Size() const {
+  return isOpen ? Cut(Files().Size(handle)) : 0;
+}
+
+bool SFile::AtEnd() const {
+  return !isOpen || Files().Tell(handle) >= Files().Size(handle);
+}
+
+bool SFile::SetSize(int32_t size) {
+  if (!isOpen) {
+    return false;
+  }
+  const int64_t position = Files().Tell(handle);
+  if (!Files().Seek(handle, SeekOrigin::kStart, size)) {
+    return false;
+  }
+  const bool set = Files().SetEnd(handle);
+  return Files().Seek(handle, SeekOrigin::kStart, position) && set;
+}
+
+bool SFile::Truncate() {
+  return isOpen && Files().SetEnd(handle);
+}
+
+bool SFile::Flush() {
+  return isOpen && Files().Flush(handle);
+}
+
+}  // namespace kivstore

@@ -1,0 +1,53 @@
+// A raw file handle with the few operations the streams need. Opens what exists and creates
+// nothing.
+#pragma once
+
+#include <cstdint>
+
+#include "foundation/files/file_spec.h"
+#include "platform/file_services.h"
+
+namespace kivstore {
+
+class SFile {
+ public:
+  static constexpr int32_t kRead = 0;   // others may read
+  static constexpr int32_t kWrite = 1;  // reads and writes, alone
+
+  // Error output of Open.
+  static constexpr int32_t kSuccess = 0;
+  static constexpr int32_t kOtherError = 1;
+  static constexpr int32_t kNotFound = 2;
+  static constexpr int32_t kSharingViolation = 3;
+
+  SFile() = default;
+  virtual ~SFile() { Close(); }
+  SFile(const SFile&) = delete;
+  SFile& operator=(const SFile&) = delete;
+
+  // False without a system call for a spec that is not valid and existing. `reserved` is not used.
+  bool Open(int32_t mode, const SFileSpec& spec, int32_t reserved = 0, int32_t* error = nullptr);
+  bool Close();  // true if it was open
+  bool IsOpen() const { return isOpen; }
+
+  // Bytes moved; 0 if closed or if count is below 1.
+  int32_t Read(int32_t count, void* buffer);
+  int32_t Write(int32_t count, const void* buffer);
+  // Origin 0 from the start, 1 from the end, 2 from the current place.
+  bool Seek(int32_t origin, int32_t offset);
+  int32_t Tell() const;
+  // 0 when closed. Sizes beyond 31 bits are cut to 0x7FFFFFFF. -1: this has no size, it is no file.
+  int32_t Size() const;
+  bool AtEnd() const;
+  // Cuts or extends to `size`; the position stays.
+  bool SetSize(int32_t size);
+  bool Truncate();  // at the position
+  bool Flush();
+
+ private:
+  FileHandle handle = nullptr;
+  int32_t mode = kRead;
+  bool isOpen = false;
+};
+
+}  // namespace kivstore

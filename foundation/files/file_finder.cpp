@@ -1,0 +1,69 @@
+#include "foundation/files/file_finder.h"
+
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace kivstore {
+namespace {
+
+bool IsDots(const FolderEntry& entry) {
+  return entry.name[0] == '.' &&
+         (entry.nameLength == 1 || (entry.nameLength == 2 && entry.name[1] == '.'));
+}
+
+}  // namespace
+
+SFileFinder::SFileFinder(const SFileSpec& folder, uint16_t mask, const char* pattern)
+    : spec(folder), mask(mask) {
+  const size_t length = ViewOf(pattern).copy(this->pattern, sizeof this->pattern - 1);
+  this->pattern[length] = '\0';
+}
+
+bool SFileFinder::Next(SFileSpec& out) {
+  FolderEntry entry;
+  if (!NextEntry(entry)) {
+    return false;
+  }
+  out.SetFromEntry(spec.GetPath(), entry);
+  return true;
+}
+
+bool SFileFinder::NextEntry(FolderEntry& entry) {
+  if (!started && !Start()) {
+    return false;
+  }
+  while (active) {
+    active = walk->Next(entry);
+    if (active && Accepts(entry)) {
+      return true;
+    }
+  }
+  if (walk != nullptr) {
+    failed = walk->HasFailed();
+    walk.reset();
+  }
+  return false;
+}
+
+bool SFileFinder::Start() {
+  started = true;
+  if (spec.IsExistingFolder()) {
+    const std::string_view ending(pattern[0] != '\0' ? pattern : ".*");
+    char search[sizeof pattern + 1] = "*";
+    search[1 + ending.copy(search + 1, sizeof search - 2)] = '\0';
+    SystemError error;
+    walk = Platform().files->Walk(spec.GetPathText(), search, error);
+  }
+  active = walk != nullptr;
+  failed = !active;
+  return active;
+}
+
+bool SFileFinder::Accepts(const FolderEntry& entry) const {
+  const int kind = entry.attributes.folder ? kFolders : kFiles;
+  const int visibility = entry.attributes.hidden ? kHidden : kVisible;
+  return (mask & kind) != 0 && (mask & visibility) != 0 && !IsDots(entry);
+}
+
+}  // namespace kivstore

@@ -1,0 +1,222 @@
+#include "hosts/kivadmin/checking/store_check.h"
+
+#include <map>
+#include <set>
+
+#include "foundation/files/file_finder.h"
+#include "foundation/site_mode.h"
+#include "game/game_dob.h"
+#include "records/tutor_options_dob.h"
+#include "store/list/index_file.h"
+#include "store/list/name_derivation.h"
+#include "store/place/layout.h"
+
+namespace kivadmin {
+
+using namespace kivstore;
+
+namespace {
+
+SFileSpec Below(SFileSpec folder, const SString& name) {
+  folder.Down(name);
+  return folder;
+}
+
+// What the store compares names by.
+std::string Folded(const SString& text) {
+  SString folded(text);
+  folded.MakeUpper();
+  return std::string(folded.View());
+}
+
+const char* VersionTrouble(int32_t status) {
+  switch (status) {
+    case SDob::kCannotOpen:
+      return "cannot be opened";
+    case SDob::kFileOlder:
+      return "is of an older version";
+    case SDob::kFileNewer:
+      return "is of a newer version";
+    default:
+      return "is no options file";
+  }
+}
+
+}  // namespace
+
+std::vector<Finding> StoreCheck::Run() {
+  findings.clear();
+  if (session.HasTeachers()) {
+    CheckList(session.TopFolder(), &StoreCheck::CheckTeacher);
+  } else {
+    CheckClassList(session.TopFolder());
+  }
+  return std::move(findings);
+}
+
+size_t StoreCheck::CountClasses(const Session& session) {
+  const SFileSpec top = session.TopFolder();
+  size_t count = 0;
+  if (!session.HasTeachers()) {
+    return static_cast<size_t>(ReadIndexCount(top));
+  }
+  SFileFinder finder(top, SFileFinder::kVisibleFolders);
+  for (SFileSpec teacher; finder.Next(teacher);) {
+    count += static_cast<size_t>(ReadIndexCount(Below(teacher, ClassesName())));
+  }
+  return count;
+}
+
+void StoreCheck::CheckTeacher(const SFileSpec& folder) {
+  CheckLock(folder, "index.lok");
+  CheckClassList(Below(folder, ClassesName()));
+}
+
+void StoreCheck::CheckClassList(const SFileSpec& folder) {
+  CheckList(folder, &StoreCheck::CheckClass);
+  if (folder.IsExistingFolder()) {
+    CheckLock(folder, "options.lok");
+    CheckOptions(folder);
+  }
+}
+
+void StoreCheck::CheckClass(const SFileSpec& folder) {
+  CheckLock(folder, "index.lok");
+  CheckLock(folder, "options.lok");
+  CheckOptions(folder);
+  CheckList(Below(folder, SString::FromResource(kTextStudents)), &StoreCheck::CheckStudent);
+  classDone();
+}
+
+void StoreCheck::CheckStudent(const SFileSpec& folder) {
+  CheckLock(folder, "index.lok");
+  CheckLock(folder, "options.lok");
+  CheckOptions(folder);
+  CheckGames(folder);
+}
+
+void StoreCheck::CheckList(const SFileSpec& folder, CheckEntry checkEntry) {
+  if (!folder.IsExistingFolder()) {
+    Report("folder", folder, "the folder is missing");
+    return;
+  }
+  CheckLock(folder, "index.lok");
+  SIndexObj index;
+  index.NeedLogins();
+  if (ReadLogins(folder, index)) {
+    CheckNames(folder, index);
+    CompareWithFolders(folder, index, checkEntry);
+  }
+}
+
+// Without its lock file a list is looked at as it is.
+bool StoreCheck::ReadLogins(const SFileSpec& folder, SIndexObj& index) {
+  SLockFile lock;
+  try {
+    session.TakeIndexLock(lock, folder, LockKind::kClasses);
+  } catch (const AdminError& error) {
+    Report("busy", folder, "not looked at: " + error.message);
+    return false;
+  }
+  SFileSpec file = Below(folder, SString::FromResource(kTextIndexFile));
+  if (!file.Exists()) {
+    Report("index", folder, "index.kiv is missing");
+    return true;
+  }
+  const SFileSpec shown(file);
+  if (!ReadIndex(file, &index) || index.incomplete) {
+    Report("index", shown, "cannot be read to its end");
+  }
+  return true;
+}
+
+void StoreCheck::CompareWithFolders(const SFileSpec& folder, const SIndexObj& index,
+                                    CheckEntry checkEntry) {
+  std::map<std::string, SFileSpec> onDisk;
+  SFileFinder finder(folder, SFileFinder::kVisibleFolders);
+  for (SFileSpec entry; finder.Next(entry);) {
+    onDisk.emplace(Folded(entry.GetFileName()), entry);
+  }
+  if (finder.HasFailed()) {
+    Report("folder", folder, "the folder cannot be read to its end");
+    return;
+  }
+  std::set<std::string> listed;
+  for (int32_t i = 0; i < index.logins->GetSize(); ++i) {
+    const SLoginNameObj& entry = *index.LoginAt(i);
+    const std::string name = Folded(entry.folderName);
+    const std::string who = session.Show(entry) + " (" + session.Show(entry.folderName) + ")";
+    if (!onDisk.contains(name)) {
+      Report("index", folder, "the index lists " + who + ", whose folder is not there");
+    } else if (!listed.insert(name).second) {
+      Report("index", folder, "the index lists the folder of " + who + " twice");
+    }
+  }
+  for (const auto& [name, entry] : onDisk) {
+    if (listed.contains(name) || CheckUnlisted(entry)) {
+      (this->*checkEntry)(entry);
+    }
+  }
+}
+
+// Whether it is somebody's.
+bool StoreCheck::CheckUnlisted(const SFileSpec& folder) {
+  SLoginNameObj owner;
+  SFileSpec file(folder);
+  const bool isNamed = file.Down(SString::FromResource(kTextLongNameFile)) && file.Exists() &&
+                       ReadLongName(file, owner.firstName, owner.lastName) &&
+                       !owner.firstName.IsEmpty();
+  if (isNamed) {
+    Report("index", folder, "the index lacks the folder of " + session.Show(owner));
+  } else {
+    Report("nameless", folder,
+           "nobody can name this folder: no index lists it, and it has no name");
+  }
+  return isNamed;
+}
+
+void StoreCheck::CheckNames(const SFileSpec& folder, const SIndexObj& index) {
+  std::map<std::string, int> names;
+  for (int32_t i = 0; i < index.logins->GetSize(); ++i) {
+    const SLoginNameObj& entry = *index.LoginAt(i);
+    if (++names[Folded(DisplayName(entry))] == 2) {
+      Report("name", folder, "more than one entry is called " + session.Show(entry));
+    }
+  }
+}
+
+void StoreCheck::CheckLock(const SFileSpec& folder, const char* name) {
+  if (session.HasLocks() && !Below(folder, name).Exists()) {
+    Report("lock", folder, std::string(name) + " is missing");
+  }
+}
+
+void StoreCheck::CheckOptions(const SFileSpec& folder) {
+  const SFileSpec file = Below(folder, SString::FromResource(kTextOptionsFile));
+  if (!file.IsExistingFile()) {
+    return;
+  }
+  int32_t status = SDob::kCannotOpen;
+  if (!SDob::CheckFileVersion(status, file, gFileVersion)) {
+    Report("options", file, VersionTrouble(status));
+  } else if (STeacherOptionsDob options; !options.LoadFromFile(file)) {
+    Report("options", file, "cannot be read to its end");
+  }
+}
+
+void StoreCheck::CheckGames(const SFileSpec& folder) {
+  SFileFinder finder(folder, SFileFinder::kVisibleFiles, ".zep");
+  for (SFileSpec file; finder.Next(file);) {
+    if (!SGameDob::IsGameFile(file)) {
+      Report("game", file, "is no game file, or of another version");
+    } else if (SGameDob game; !game.LoadGame(file)) {
+      Report("game", file, "cannot be read to its end");
+    }
+  }
+}
+
+void StoreCheck::Report(const char* kind, const SFileSpec& where, const std::string& what) {
+  findings.push_back({kind, session.Show(where), what, false});
+}
+
+}  // namespace kivadmin

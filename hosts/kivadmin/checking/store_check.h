@@ -1,0 +1,56 @@
+// Walks a whole store and finds what is not in order. Changes nothing: its session only looks.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "hosts/kivadmin/session/session.h"
+#include "store/list/index_file.h"
+
+namespace kivadmin {
+
+struct Finding {
+  std::string kind;  // "index", "nameless", "lock", "options", "game", "name", "folder", "busy"
+  std::string path;
+  std::string what;
+  bool repaired = false;
+
+  bool IsSame(const Finding& other) const {
+    return kind == other.kind && path == other.path && what == other.what;
+  }
+};
+
+class StoreCheck {
+ public:
+  // `classDone` is called after each class.
+  StoreCheck(const Session& session, std::function<void()> classDone)
+      : session(session), classDone(std::move(classDone)) {}
+
+  std::vector<Finding> Run();
+  static size_t CountClasses(const Session& session);
+
+ private:
+  using CheckEntry = void (StoreCheck::*)(const kivstore::SFileSpec&);
+
+  void CheckTeacher(const kivstore::SFileSpec& folder);
+  void CheckClassList(const kivstore::SFileSpec& folder);
+  void CheckClass(const kivstore::SFileSpec& folder);
+  void CheckStudent(const kivstore::SFileSpec& folder);
+  void CheckList(const kivstore::SFileSpec& folder, CheckEntry checkEntry);
+  bool ReadLogins(const kivstore::SFileSpec& folder, kivstore::SIndexObj& index);
+  void CompareWithFolders(const kivstore::SFileSpec& folder, const kivstore::SIndexObj& index,
+                          CheckEntry checkEntry);
+  bool CheckUnlisted(const kivstore::SFileSpec& folder);
+  void CheckNames(const kivstore::SFileSpec& folder, const kivstore::SIndexObj& index);
+  void CheckLock(const kivstore::SFileSpec& folder, const char* name);
+  void CheckOptions(const kivstore::SFileSpec& folder);
+  void CheckGames(const kivstore::SFileSpec& folder);
+  void Report(const char* kind, const kivstore::SFileSpec& where, const std::string& what);
+
+  const Session& session;
+  std::function<void()> classDone;
+  std::vector<Finding> findings;
+};
+
+}  // namespace kivadmin

@@ -1,0 +1,35 @@
+#include <filesystem>
+
+#include "hosts/kivadmin/commands/commands.h"
+#include "hosts/kivadmin/rosters/layout_maker.h"
+
+namespace kivadmin {
+namespace {
+
+void Init(const CommonOptions& common) {
+  std::error_code error;
+  if (!common.dryRun) {
+    std::filesystem::create_directories(common.root, error);
+  }
+  const Session session(common, Session::Access::kLayOut);
+  const bool wasThere = session.TopFolder().IsExistingFolder();
+  if (!session.IsDryRun()) {
+    LayoutMaker(session).CompleteStore();
+  }
+  session.Say((wasThere ? "completed the store of kind " : "laid out a store of kind ") +
+              std::string(NameOf(session.Kind())) + " at " + common.root);
+}
+
+}  // namespace
+
+void AddInitCommand(CLI::App& app, CommonOptions& common) {
+  CLI::App* const init = app.add_subcommand(
+      "init",
+      "Lay out a store: classes folder, indexes, options, and the lock files of a networked "
+      "store.\n"
+      "A store that is there is completed. Without --kind a new store is one with teachers.");
+  AddChangeArguments(*init, common);
+  init->callback([&common] { Init(common); });
+}
+
+}  // namespace kivadmin

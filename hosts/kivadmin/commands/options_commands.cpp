@@ -1,0 +1,171 @@
+// `options show` and `options set`, and what the options commands share.
+#include "hosts/kivadmin/commands/options_commands.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <map>
+#include <memory>
+
+#include "foundation/site_mode.h"
+
+namespace kivadmin {
+namespace {
+
+struct OptionsLine {
+  CommonOptions* common;
+  EntryNames names;
+  bool json = false;
+  std::vector<std::string> assignments;
+};
+
+void PrintJson(const std::vector<DecidedOption>& decided) {
+  Json json = Json::object();
+  for (const DecidedOption& entry : decided) {
+    const std::string when = IsoTime(entry.option.stamp);
+    json[entry.option.key] = {
+        {"value", entry.option.value}, {"level", entry.level}, {"changed", when}};
+  }
+  std::cout << json.dump(2) << '\n';
+}
+
+void PrintTable(const std::vector<DecidedOption>& decided) {
+  using Row = std::array<std::string, 4>;
+  std::vector<Row> rows{{"Option", "Value", "Level", "Changed"}};
+  for (const DecidedOption& entry : decided) {
+    rows.push_back({entry.option.key, ValueText(entry.option.value), entry.level,
+                    IsoTime(entry.option.stamp)});
+  }
+  std::array<size_t, 3> width{};
+  for (const Row& row : rows) {
+    for (size_t i = 0; i < width.size(); ++i) {
+      width[i] = std::max(width[i], row[i].size());
+    }
+  }
+  for (const Row& row : rows) {
+    std::string line;
+    for (size_t i = 0; i < width.size(); ++i) {
+      line += row[i] + std::string(width[i] - row[i].size() + 2, ' ');
+    }
+    line += row.back();
+    line.erase(line.find_last_not_of(' ') + 1);
+    std::cout << line << '\n';
+  }
+}
+
+void Show(const OptionsLine& line) {
+  Session session(*line.common, Session::Access::kLook);
+  const ChosenPlace chosen(session, line.names);
+  const std::vector<DecidedOption> decided = LayerOptions(chosen.Get());
+  line.json ? PrintJson(decided) : PrintTable(decided);
+}
+
+void Apply(kivstore::STeacherOptionsDob& options, const std::vector<std::string>& assignments) {
+  for (const std::string& assignment : assignments) {
+    const size_t equals = assignment.find('=');
+    if (equals == std::string::npos) {
+      throw AdminError{kWrongUsage, assignment + ": KEY=VALUE is wanted"};
+    }
+    SetOption(options, assignment.substr(0, equals), assignment.substr(equals + 1));
+  }
+}
+
+void Set(const OptionsLine& line) {
+  kivstore::STeacherOptionsDob trial;
+  Apply(trial, line.assignments);
+  Session session(*line.common, Session::Access::kChange);
+  const ChosenPlace chosen(session, line.names);
+  ChangeOptions(chosen.Get(), session.IsDryRun(),
+                [&](auto& options) { Apply(options, line.assignments); });
+  std::string said;
+  for (const std::string& assignment : line.assignments) {
+    said += (said.empty() ? "set " : ", ") + assignment;
+  }
+  session.Say(said + " for " + chosen.Text(session));
+}
+
+void AddShow(CLI::App& options, CommonOptions& common) {
+  const auto line = std::make_shared<OptionsLine>();
+  line->common = &common;
+  CLI::App* const command = options.add_subcommand(
+      "show", "Each option in force: its value, the level that decided it, and when");
+  AddStoreArguments(*command, common);
+  AddLevelOptions(*command, line->names);
+  command->add_option("--format", line->json, "The form of the list")
+      ->transform(CLI::CheckedTransformer(
+          std::map<std::string, bool>{{"table", false}, {"json", true}}, CLI::ignore_case))
+      ->type_name("table|json")
+      ->default_str("table");
+  command->callback([line] { Show(*line); });
+}
+
+void AddSet(CLI::App& options, CommonOptions& common) {
+  const auto line = std::make_shared<OptionsLine>();
+  line->common = &common;
+  CLI::App* const command = options.add_subcommand(
+      "set", "Decides options for the store, or for the class or student named");
+  AddChangeArguments(*command, common);
+  AddLevelOptions(*command, line->names);
+  command
+      ->add_option("KEY=VALUE", line->assignments,
+                   "What to decide: yes or no, a number, or missions as in 1-4,7")
+      ->required();
+  command->footer(
+      "Keys are those that `options show` lists: SoundOn, Missions.4.Typeline (0 to 2),\n"
+      "TOGameDob.CurrentMissionNumber (1 to 25), TOGameDob.LessonDone (missions), ...");
+  command->callback([line] { Set(*line); });
+}
+
+}  // namespace
+
+ChosenPlace::ChosenPlace(Session& session, const EntryNames& names) {
+  session.ChooseTeacher(names.teacher);
+  if (names.group.empty()) {
+    return;
+  }
+  classEntry = session.FindClass(names.group);
+  place.classEntry = &classEntry;
+  if (!names.student.empty()) {
+    student = session.FindStudent(classEntry, names.student);
+    place.student = &student;
+  }
+}
+
+std::string ChosenPlace::Text(const Session& session) const {
+  if (place.student != nullptr) {
+    return "student " + session.Show(student);
+  }
+  if (place.classEntry != nullptr) {
+    return "class " + session.Show(classEntry);
+  }
+  return kivstore::gCurrentTeacher != nullptr
+             ? "teacher " + session.Show(*kivstore::gCurrentTeacher)
+             : "the store";
+}
+
+std::string ValueText(const Json& value) {
+  if (value.is_array()) {
+    return MissionsText(value.get<std::vector<int>>());
+  }
+  if (value.is_boolean()) {
+    return value.get<bool>() ? "yes" : "no";
+  }
+  return value.dump();
+}
+
+void AddLevelOptions(CLI::App& command, EntryNames& names) {
+  AddTeacherOption(command, names);
+  CLI::Option* const group = AddClassOption(command, names);
+  AddStudentOption(command, names)->needs(group);
+}
+
+void AddOptionsCommands(CLI::App& app, CommonOptions& common) {
+  CLI::App* const options = app.add_subcommand("options", "What the teacher decided");
+  options->require_subcommand(1);
+  AddShow(*options, common);
+  AddSet(*options, common);
+  AddOptionsExport(*options, common);
+  AddOptionsImport(*options, common);
+}
+
+}  // namespace kivadmin

@@ -1,0 +1,37 @@
+// What the commands below `options` have in common.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "hosts/kivadmin/commands/commands.h"
+#include "hosts/kivadmin/options/option_levels.h"
+
+namespace kivadmin {
+
+// --teacher, --class and --student.
+void AddLevelOptions(CLI::App& command, EntryNames& names);
+
+void AddOptionsExport(CLI::App& options, CommonOptions& common);
+void AddOptionsImport(CLI::App& options, CommonOptions& common);
+
+// The place that the command line names; holds its entries.
+class ChosenPlace {
+ public:
+  ChosenPlace(Session& session, const EntryNames& names);
+  ChosenPlace(const ChosenPlace&) = delete;
+  ChosenPlace& operator=(const ChosenPlace&) = delete;
+
+  const OptionsPlace& Get() const { return place; }
+  std::string Text(const Session& session) const;
+
+ private:
+  kivstore::SLoginNameObj classEntry;
+  kivstore::SLoginNameObj student;
+  OptionsPlace place;
+};
+
+// An option's value as a table and `options set` have it.
+std::string ValueText(const Json& value);
+
+}  // namespace kivadmin

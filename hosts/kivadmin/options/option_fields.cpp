@@ -1,0 +1,138 @@
+#include "hosts/kivadmin/options/option_fields.h"
+
+#include "hosts/common/charset.h"
+#include "hosts/kivadmin/session/session.h"
+
+namespace kivadmin {
+namespace {
+
+using kivstore::SStamped;
+
+constexpr Limits kAnyNumber{0, INT16_MAX};
+
+[[noreturn]] void RefuseValue(const std::string& key, const std::string& value,
+                              const std::string& wanted) {
+  throw AdminError{kWrongUsage, key + "=" + value + ": " + wanted};
+}
+
+std::string RangeText(Limits limits) {
+  return "a number from " + std::to_string(limits.lowest) + " to " + std::to_string(limits.highest);
+}
+
+Json JsonOf(bool value) {
+  return value;
+}
+Json JsonOf(int16_t value) {
+  return value;
+}
+Json JsonOf(const MissionFlags& flags) {
+  return MissionsIn(flags);
+}
+
+void Parse(const std::string& key, const std::string& text, bool& value) {
+  const auto parsed = ParseYesNo(text);
+  if (!parsed) {
+    RefuseValue(key, text, "yes or no is wanted");
+  }
+  value = *parsed;
+}
+
+void Parse(const std::string& key, const std::string& text, int16_t& value) {
+  const Limits limits = LimitsOf(key);
+  const auto parsed = ParseNumber(text, limits);
+  if (!parsed) {
+    RefuseValue(key, text, RangeText(limits) + " is wanted");
+  }
+  value = *parsed;
+}
+
+void Parse(const std::string& key, const std::string& text, MissionFlags& value) {
+  const auto parsed = ParseMissions(text);
+  if (!parsed) {
+    RefuseValue(key, text, "missions from 1 to 25 are wanted, as in 1-4,7, or none");
+  }
+  value = FlagsOf(*parsed);
+}
+
+// The option without a stamp: no merge tells its age, the last record always counts.
+bool SetUnstamped(kivstore::STeacherOptionsDob& options, const std::string& key,
+                  const std::string& text) {
+  kivstore::STeacherOptionsGameDob* const game = options.GetGameOptions();
+  if (game == nullptr || !kivhost::EqualNoCase(key, kAllMissionsCompleted)) {
+    return false;
+  }
+  Parse(kAllMissionsCompleted, text, game->AllMissionsCompleted);
+  game->SetDirty(true);
+  return true;
+}
+
+}  // namespace
+
+std::vector<Option> ListOptions(kivstore::STeacherOptionsDob& options) {
+  std::vector<Option> list;
+  bool inGame = false;
+  const auto closeGame = [&] {
+    if (inGame) {
+      list.push_back({kAllMissionsCompleted, options.GetGameOptions()->AllMissionsCompleted,
+                      kivstore::SDateTime::None()});
+    }
+    inGame = false;
+  };
+  ForEachOption(options, [&](const std::string& key, const auto& field) {
+    const bool ofGame = key.starts_with(kGamePrefix);
+    if (!ofGame) {
+      closeGame();
+    }
+    inGame = ofGame;
+    list.push_back({key, JsonOf(field.value), field.stamp});
+  });
+  closeGame();
+  return list;
+}
+
+void SetOption(kivstore::STeacherOptionsDob& options, const std::string& key,
+               const std::string& value) {
+  bool known = SetUnstamped(options, key, value);
+  ForEachOption(options, [&](const std::string& name, auto& field) {
+    if (known || !kivhost::EqualNoCase(name, key)) {
+      return;
+    }
+    known = true;
+    Parse(name, value, field.value);
+    field.MarkFresh();
+    options.SetDirty(true);
+  });
+  if (!known) {
+    throw AdminError{kWrongUsage, key + ": there is no such option"};
+  }
+}
+
+// The course has 25 missions, and a mission's activity is out (0), the one it is built around (1)
+// or one among others (2). What other numbers mean is the playing code's.
+Limits LimitsOf(const std::string& key) {
+  if (key == std::string(kGamePrefix) + "CurrentMissionNumber") {
+    return {1, kivstore::kMissionCount};
+  }
+  return key.starts_with("Missions.") ? Limits{0, 2} : kAnyNumber;
+}
+
+std::vector<int> MissionsIn(const MissionFlags& flags) {
+  std::vector<int> missions;
+  for (int32_t i = 0; i < flags.GetCount(); ++i) {
+    if (flags.At(i)) {
+      missions.push_back(i + 1);
+    }
+  }
+  return missions;
+}
+
+MissionFlags FlagsOf(const std::vector<int>& missions) {
+  MissionFlags flags(false);
+  flags.ResetTo(kivstore::kMissionCount);
+  for (const int mission : missions) {
+    flags.SetAt(mission - 1, true);
+  }
+  return flags;
+}
+
+}  // namespace kivadmin

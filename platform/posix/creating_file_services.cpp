@@ -1,0 +1,261 @@
+// The only source that can make a file or a folder. See CreatingFileServices.
+#define _FILE_OFFSET_BITS 64
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/base/never_destroyed.h"
+#include "platform/posix/descriptor.h"
+#include "platform/posix/dos_attribute.h"
+#include "platform/posix/file_locks.h"
+#include "platform/posix/folder_reader.h"
+#include "platform/posix/kept_buffer.h"
+#include "platform/posix/posix_file_services.h"
+#include "platform/posix/posix_path.h"
+
+namespace kivstore {
+namespace {
+
+constexpr int kMaxDepth = 256;
+constexpr int kMakeFlags = O_CREAT | O_EXCL | O_WRONLY | O_NOFOLLOW | O_CLOEXEC;
+constexpr int kSourceFlags = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+
+KeptBuffer<0x10000> gCopyBuffer;
+
+// Where something is to be made: the names of its folder as they stand on disk. kAlreadyExists if
+// the name is taken, in whatever letter case.
+SystemError LocateFree(PosixPath& place, struct stat& taken) {
+  SystemError error = place.Check();
+  if (error != SystemError::kNone) {
+    return error;
+  }
+  if (lstat(place.Text(), &taken) == 0) {
+    return SystemError::kAlreadyExists;
+  }
+  if (errno != ENOENT) {
+    return ToSystemError(errno);
+  }
+  error = place.MatchNames();
+  if (error == SystemError::kNone) {
+    return lstat(place.Text(), &taken) == 0 ? SystemError::kAlreadyExists : ToSystemError(errno);
+  }
+  return error == SystemError::kFileNotFound ? SystemError::kNone : error;
+}
+
+int WriteAll(int file, const char* bytes, size_t count) {
+  while (count > 0) {
+    const ssize_t step = write(file, bytes, count);
+    if (step < 0 && errno == EINTR) {
+      continue;
+    }
+    if (step <= 0) {
+      return step < 0 ? errno : ENOSPC;
+    }
+    bytes += step;
+    count -= static_cast<size_t>(step);
+  }
+  return 0;
+}
+
+int CopyBytes(int from, int to) {
+  char* const buffer = gCopyBuffer.Take();
+  if (buffer == nullptr) {
+    return ENOMEM;
+  }
+  int failure = 0;
+  ssize_t count = 1;
+  while (failure == 0 && count != 0) {
+    count = read(from, buffer, gCopyBuffer.kSize);
+    if (count > 0) {
+      failure = WriteAll(to, buffer, static_cast<size_t>(count));
+    } else if (count < 0 && errno != EINTR) {
+      failure = errno;
+    }
+  }
+  gCopyBuffer.GiveBack(buffer);
+  return failure;
+}
+
+// Read-only and hidden go with the file, as far as the file system keeps them.
+void CopyAttributes(int from, int to, mode_t mode) {
+  char mark[kMaxDosAttribute];
+  const ssize_t length = fgetxattr(from, kDosAttributeName, mark, sizeof mark);
+  if (length > 0) {
+    (void)fsetxattr(to, kDosAttributeName, mark, static_cast<size_t>(length), 0);
+  }
+  (void)fchmod(to, mode & 0777);
+}
+
+int OpenSource(int base, const char* name, int flags, Descriptor& source, struct stat& facts) {
+  source.Reset(openat(base, name, kSourceFlags | flags));
+  if (!source.IsOpen() || fstat(source.Get(), &facts) != 0) {
+    return errno;
+  }
+  return S_ISREG(facts.st_mode) && LockShared(source.Get()) == EAGAIN ? EAGAIN : 0;
+}
+
+// A target that could not be filled does not stay.
+int CopyOneFile(int source, const struct stat& facts, int base, const char* name) {
+  const Descriptor target(openat(base, name, kMakeFlags, 0600));
+  if (!target.IsOpen()) {
+    return errno;
+  }
+  LockAlone(target.Get());
+  const int failure = CopyBytes(source, target.Get());
+  if (failure != 0) {
+    unlinkat(base, name, 0);
+    return failure;
+  }
+  CopyAttributes(source, target.Get(), facts.st_mode);
+  return 0;
+}
+
+// The top of a copied tree. The copy of a folder into itself ends when it meets this.
+struct MadeFolder {
+  dev_t device;
+  ino_t number;
+};
+
+int CopyEntries(FolderReader& from, int to, const MadeFolder& top, int depth);
+
+// Without `top`, this is the top.
+int CopyOneFolder(int base, const char* name, const struct stat& facts, int toBase,
+                  const char* toName, const MadeFolder* top, int depth) {
+  FolderReader from;
+  int failure = from.Open(name, base, O_NOFOLLOW);
+  if (failure != 0 || depth > kMaxDepth) {
+    return failure != 0 ? failure : ELOOP;
+  }
+  if (mkdirat(toBase, toName, 0700) != 0) {
+    return errno;
+  }
+  const Descriptor to(openat(toBase, toName, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  struct stat made;
+  if (!to.IsOpen() || fstat(to.Get(), &made) != 0) {
+    return errno;
+  }
+  const MadeFolder own{made.st_dev, made.st_ino};
+  failure = CopyEntries(from, to.Get(), top != nullptr ? *top : own, depth);
+  CopyAttributes(from.GetDescriptor(), to.Get(), facts.st_mode);
+  return failure;
+}
+
+int CopyEntry(int base, const char* name, int to, const MadeFolder& top, int depth) {
+  Descriptor source;
+  struct stat facts;
+  // A link leads out of the tree: it is not followed, and the copy fails.
+  const int failure = OpenSource(base, name, O_NOFOLLOW, source, facts);
+  if (failure != 0) {
+    return failure;
+  }
+  if (S_ISREG(facts.st_mode)) {
+    return CopyOneFile(source.Get(), facts, to, name);
+  }
+  const bool isTop = facts.st_dev == top.device && facts.st_ino == top.number;
+  if (isTop || !S_ISDIR(facts.st_mode)) {
+    return EINVAL;
+  }
+  return CopyOneFolder(base, name, facts, to, name, &top, depth + 1);
+}
+
+int CopyEntries(FolderReader& from, int to, const MadeFolder& top, int depth) {
+  RawEntry entry;
+  while (from.Next(entry)) {
+    const int failure =
+        entry.IsDots() ? 0 : CopyEntry(from.GetDescriptor(), entry.name, to, top, depth);
+    if (failure != 0) {
+      return failure;
+    }
+  }
+  return from.HasFailed() ? EIO : 0;
+}
+
+int CopyTo(const char* from, const char* to) {
+  Descriptor source;
+  struct stat facts;
+  const int failure = OpenSource(AT_FDCWD, from, 0, source, facts);
+  if (failure != 0) {
+    return failure;
+  }
+  if (S_ISREG(facts.st_mode)) {
+    return CopyOneFile(source.Get(), facts, AT_FDCWD, to);
+  }
+  return S_ISDIR(facts.st_mode) ? CopyOneFolder(AT_FDCWD, from, facts, AT_FDCWD, to, nullptr, 0)
+                                : EINVAL;
+}
+
+class SCreatingFileServices : public SPosixFileServices {
+ public:
+  bool MakeFile(const char* path, SystemError& error) override;
+  bool MakeFolder(const char* path, uint32_t mode, SystemError& error) override;
+  bool CopyFileTo(const char* from, const char* to, SystemError& error) override;
+  // A file that goes to another file system is copied and deleted.
+  bool Move(const char* from, const char* to, SystemError& error) override;
+};
+
+bool SCreatingFileServices::MakeFile(const char* path, SystemError& error) {
+  PosixPath place(path);
+  struct stat taken;
+  error = LocateFree(place, taken);
+  if (error == SystemError::kAlreadyExists && !S_ISDIR(taken.st_mode)) {
+    error = SystemError::kNone;
+    return true;
+  }
+  if (error == SystemError::kNone) {
+    const Descriptor made(open(place.Text(), kMakeFlags, 0666));
+    // Who made it in the meantime has done what was wanted.
+    error = made.IsOpen() || errno == EEXIST ? SystemError::kNone : ToSystemError(errno);
+  }
+  return error == SystemError::kNone;
+}
+
+bool SCreatingFileServices::MakeFolder(const char* path, uint32_t mode, SystemError& error) {
+  PosixPath place(path);
+  struct stat taken;
+  error = LocateFree(place, taken);
+  if (error == SystemError::kNone && mkdir(place.Text(), mode != 0 ? mode & 0777 : 0777) != 0) {
+    error = ToSystemError(errno);
+  }
+  return error == SystemError::kNone;
+}
+
+bool SCreatingFileServices::CopyFileTo(const char* from, const char* to, SystemError& error) {
+  PosixPath place(to);
+  struct stat taken;
+  error = LocateFree(place, taken);
+  if (error == SystemError::kNone) {
+    error = OnPath(from, [&](const char* source) { return CopyTo(source, place.Text()); });
+  }
+  return error == SystemError::kNone;
+}
+
+bool SCreatingFileServices::Move(const char* from, const char* to, SystemError& error) {
+  if (SPosixFileServices::Move(from, to, error)) {
+    return true;
+  }
+  FileAttributes attributes;
+  SystemError ignored;
+  if (error != SystemError::kNotSameDevice || !Attributes(from, attributes, ignored) ||
+      attributes.folder || attributes.readOnly || !CopyFileTo(from, to, error)) {
+    return false;
+  }
+  if (!Delete(from, error)) {
+    Delete(to, ignored);
+    return false;
+  }
+  return true;
+}
+
+constinit NeverDestroyed<SCreatingFileServices> gCreatingFileServices;
+
+}  // namespace
+
+IFileServices& CreatingFileServices() {
+  return gCreatingFileServices.object;
+}
+
+}  // namespace kivstore

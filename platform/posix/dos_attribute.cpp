@@ -1,0 +1,79 @@
+#include "platform/posix/dos_attribute.h"
+
+#include <cstdint>
+
+namespace kivstore {
+namespace {
+
+constexpr unsigned kHiddenBit = 2;
+constexpr int kNowhere = -1;
+
+unsigned ByteAt(std::string_view value, size_t index) {
+  return static_cast<unsigned char>(value[index]);
+}
+
+int HexDigit(char c) {
+  if (c >= '0' && c <= '9') {
+    return c - '0';
+  }
+  const char lower = static_cast<char>(c | 0x20);
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// Where the text form keeps the lowest four bits.
+int LastDigit(std::string_view value) {
+  if (value.size() < 3 || value[0] != '0' || value[1] != 'x') {
+    return kNowhere;
+  }
+  size_t end = 2;
+  while (end < value.size() && HexDigit(value[end]) >= 0) {
+    ++end;
+  }
+  return end > 2 && (end == value.size() || value[end] == '\0') ? static_cast<int>(end) - 1
+                                                                : kNowhere;
+}
+
+// Where the long form keeps the lowest eight bits.
+int BinaryBits(std::string_view value) {
+  const size_t textEnd = value.find('\0');
+  if (textEnd == std::string_view::npos) {
+    return kNowhere;
+  }
+  const size_t versionAt = (textEnd + 2) & ~size_t{1};
+  const size_t validAt = (versionAt + 7) & ~size_t{3};
+  if (value.size() < validAt + 8) {
+    return kNowhere;
+  }
+  const unsigned version = ByteAt(value, versionAt) | ByteAt(value, versionAt + 1) << 8;
+  const bool known = version >= 3 && version <= 5 && (ByteAt(value, validAt) & 1) != 0;
+  return known ? static_cast<int>(validAt) + 4 : kNowhere;
+}
+
+}  // namespace
+
+bool HasHiddenBit(std::string_view value) {
+  if (const int at = BinaryBits(value); at != kNowhere) {
+    return (ByteAt(value, static_cast<size_t>(at)) & kHiddenBit) != 0;
+  }
+  const int at = LastDigit(value);
+  return at != kNowhere &&
+         (static_cast<unsigned>(HexDigit(value[static_cast<size_t>(at)])) & kHiddenBit) != 0;
+}
+
+bool ChangeHiddenBit(char* value, int length, bool hidden) {
+  const std::string_view view(value, static_cast<size_t>(length));
+  const int digitAt = LastDigit(view);
+  const int bitsAt = BinaryBits(view);
+  if (digitAt != kNowhere) {
+    const unsigned digit = static_cast<unsigned>(HexDigit(value[digitAt]));
+    const unsigned changed = hidden ? digit | kHiddenBit : digit & ~kHiddenBit;
+    value[digitAt] = "0123456789abcdef"[changed];
+  }
+  if (bitsAt != kNowhere) {
+    const unsigned bits = ByteAt(view, static_cast<size_t>(bitsAt));
+    value[bitsAt] = static_cast<char>(hidden ? bits | kHiddenBit : bits & ~kHiddenBit);
+  }
+  return digitAt != kNowhere || bitsAt != kNowhere;
+}
+
+}  // namespace kivstore

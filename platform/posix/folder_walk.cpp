@@ -1,0 +1,119 @@
+#define _FILE_OFFSET_BITS 64
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <string_view>
+
+#include "platform/posix/dos_attribute.h"
+#include "platform/posix/folder_reader.h"
+#include "platform/posix/posix_file_services.h"
+#include "platform/posix/posix_path.h"
+#include "platform/posix/wildcard.h"
+
+namespace kivstore {
+namespace {
+
+class PosixFolderWalk : public IFolderWalk {
+ public:
+  explicit PosixFolderWalk(const char* mask) : mask(mask), all(this->mask.View() == "*.*") {}
+
+  int Open(const char* path);
+  bool Next(FolderEntry& entry) override;
+  bool HasFailed() const override { return reader.HasFailed(); }
+
+ private:
+  class Mask {
+   public:
+    explicit Mask(std::string_view source) : length(source.copy(text, sizeof text)) {}
+    std::string_view View() const { return {text, length}; }
+
+   private:
+    size_t length;
+    char text[264];
+  };
+
+  bool Shows(const RawEntry& raw) const;
+  bool LeadsToFolder(const RawEntry& raw) const;
+  bool BearsHiddenMark(const RawEntry& raw) const;
+
+  FolderReader reader;
+  std::unique_ptr<char[]> markedFolder;  // the folder's path, if it bears a mark
+  Mask mask;
+  bool all;  // the mask excludes nothing
+};
+
+int PosixFolderWalk::Open(const char* path) {
+  const int failure = reader.OpenHere(path);
+  if (failure != 0 || fgetxattr(reader.GetDescriptor(), kDosAttributeName, nullptr, 0) < 0) {
+    return failure;
+  }
+  const size_t size = std::strlen(path) + 1;
+  markedFolder.reset(new (std::nothrow) char[size]);
+  if (markedFolder == nullptr) {
+    return ENOMEM;
+  }
+  std::memcpy(markedFolder.get(), path, size);
+  return 0;
+}
+
+// No path can name what has a backslash in its name.
+bool PosixFolderWalk::Shows(const RawEntry& raw) const {
+  return std::memchr(raw.name, '\\', static_cast<size_t>(raw.nameLength)) == nullptr &&
+         (all || MatchesWildcard(raw.Name(), mask.View()));
+}
+
+// Of a link, or where the file system does not tell types.
+bool PosixFolderWalk::LeadsToFolder(const RawEntry& raw) const {
+  struct stat facts;
+  return fstatat(reader.GetDescriptor(), raw.name, &facts, 0) == 0 && S_ISDIR(facts.st_mode);
+}
+
+bool PosixFolderWalk::BearsHiddenMark(const RawEntry& raw) const {
+  char path[4096 + 256];
+  std::snprintf(path, sizeof path, "%s/%s", markedFolder.get(), raw.name);
+  char mark[kMaxDosAttribute];
+  const ssize_t length = getxattr(path, kDosAttributeName, mark, sizeof mark);
+  return length > 0 && HasHiddenBit({mark, static_cast<size_t>(length)});
+}
+
+bool PosixFolderWalk::Next(FolderEntry& entry) {
+  RawEntry raw;
+  do {
+    if (!reader.Next(raw)) {
+      return false;
+    }
+  } while (!Shows(raw));
+  const bool typeIsTold = raw.type != DT_LNK && raw.type != DT_UNKNOWN;
+  const bool dot = raw.name[0] == '.';
+  entry.name = raw.name;
+  entry.nameLength = raw.nameLength;
+  entry.attributes.folder = typeIsTold ? raw.type == DT_DIR : LeadsToFolder(raw);
+  entry.attributes.hidden = dot ? !raw.IsDots() : markedFolder != nullptr && BearsHiddenMark(raw);
+  return true;
+}
+
+}  // namespace
+
+std::unique_ptr<IFolderWalk> SPosixFileServices::Walk(const char* folder, const char* mask,
+                                                      SystemError& error) {
+  std::unique_ptr<PosixFolderWalk> walk(new (std::nothrow) PosixFolderWalk(mask));
+  if (walk == nullptr) {
+    error = SystemError::kOther;
+    return nullptr;
+  }
+  error = OnPath(folder, [&](const char* path) { return walk->Open(path); });
+  if (error == SystemError::kFileNotFound) {
+    error = SystemError::kPathNotFound;  // what is missing is the folder of the entries
+  }
+  if (error != SystemError::kNone) {
+    return nullptr;
+  }
+  return walk;
+}
+
+}  // namespace kivstore

@@ -1,0 +1,54 @@
+// The file services on POSIX: the file system that the store was written for, on this one.
+//
+//   share modes   file_locks.h: locks on the whole file, by handle
+//   letter case   posix_path.h: as written first, then by looking through the folder
+//   hidden        the name begins with a dot, or the mark of dos_attribute.h has the bit
+//   read-only     the owner may not write
+//   clusters      not told: 1
+//
+// Each operation says below what it costs in system calls, because the store may lie on a file
+// server. A name that is not there as written costs the look through its folder more.
+#pragma once
+
+#include "platform/inert_makers.h"
+
+namespace kivstore {
+
+class SPosixFileServices : public SInertMakers {
+ public:
+  // Open and lock. A folder opens for reading; it has no size and nothing to read.
+  FileHandle Open(const char* path, FileAccess access, SystemError& error) override;
+  void Close(FileHandle file) override;
+  // The position is the handle's own, so that Seek and Tell cost nothing.
+  int32_t Read(FileHandle file, void* buffer, int32_t count) override;
+  int32_t Write(FileHandle file, const void* buffer, int32_t count) override;
+  bool Seek(FileHandle file, SeekOrigin origin, int64_t offset) override;
+  int64_t Tell(FileHandle file) override;
+  // Of a file just opened for reading: reads ahead. If that reaches the end the size is known and
+  // the reads to come are paid for; a small file costs one call for both.
+  int64_t Size(FileHandle file) override;
+  bool SetEnd(FileHandle file) override;
+  bool Flush(FileHandle file) override;
+
+  bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
+  bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;
+  // A file that becomes hidden marks its folder too: walks ask for marks only there.
+  bool SetAttributes(const char* path, const FileAttributes& attributes,
+                     SystemError& error) override;
+
+  // Both take the file's lock first and keep it meanwhile. A file system without locks cannot tell
+  // whether the file is open; there they go on.
+  bool Delete(const char* path, SystemError& error) override;
+  bool RemoveFolder(const char* path, SystemError& error) override;
+  bool Move(const char* from, const char* to, SystemError& error) override;
+
+  // Opening, asking the folder for its mark, reading, closing.
+  std::unique_ptr<IFolderWalk> Walk(const char* folder, const char* mask,
+                                    SystemError& error) override;
+
+  bool DiskSpace(const char* root, uint64_t& total, uint64_t& free, uint32_t& cluster) override;
+  bool CurrentFolder(char* buffer, int size) override;
+  bool SetCurrentFolder(const char* path) override;
+};
+
+}  // namespace kivstore

@@ -1,0 +1,7 @@
+#include "platform/resources.h"
+
+namespace kivstore {
+
+ModuleHandle gModuleHandle = nullptr;
+
+}  // namespace kivstore

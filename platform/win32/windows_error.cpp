@@ -1,0 +1,33 @@
+#include "platform/win32/windows_error.h"
+
+#include <windows.h>
+
+namespace kivstore {
+
+SystemError LastSystemError() {
+  const DWORD code = GetLastError();
+  switch (code) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_ACCESS_DENIED:
+    case ERROR_INVALID_HANDLE:
+    case ERROR_NOT_SAME_DEVICE:
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_DISK_FULL:
+    case ERROR_INVALID_NAME:
+    case ERROR_DIR_NOT_EMPTY:
+    case ERROR_ALREADY_EXISTS:
+      return static_cast<SystemError>(code);
+    case ERROR_FILE_EXISTS:
+      return SystemError::kAlreadyExists;
+    default:
+      return SystemError::kOther;
+  }
+}
+
+bool Report(bool succeeded, SystemError& error) {
+  error = succeeded ? SystemError::kNone : LastSystemError();
+  return succeeded;
+}
+
+}  // namespace kivstore

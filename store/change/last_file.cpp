@@ -1,0 +1,115 @@
+#include "archive/binary_stream.h"
+#include "archive/stream_file.h"
+#include "foundation/containers/string_array.h"
+#include "platform/base/bytes.h"
+#include "store/change/maintenance.h"
+#include "store/change/transaction.h"
+#include "store/place/cached_text.h"
+#include "store/place/file_extension.h"
+#include "store/place/layout.h"
+
+namespace kivstore {
+namespace {
+
+constexpr int32_t kMostNames = 32767;
+
+bool PlaceLastFile(SFileSpec& spec, const SLoginNameObj* classEntry, const SLoginNameObj* student) {
+  EntryFolder(spec, classEntry, student, false, false);
+  return spec.Down(CachedText<kTextLastFile>());
+}
+
+// The names that are longer than the extension; false if the file cannot be opened or read.
+bool ReadNames(const SFileSpec& file, const SString& extension, SStringArray& names) {
+  SStreamSrcFile source(file);
+  SBinaryStream stream(SBinaryStream::kRead, &source, false);
+  if (stream.HasError()) {
+    return false;
+  }
+  int32_t count = 0;
+  if (source.GetLength() > 0) {
+    stream.ReadLong(count);
+  }
+  SString name;
+  for (uint32_t i = 0; i < static_cast<uint32_t>(count) && stream.ReadText(name); ++i) {
+    if (name.GetLength() > extension.GetLength() && names.GetSize() < kMostNames) {
+      names.Add(name);
+    }
+  }
+  return !source.HasError() || source.GetPosition() >= source.GetLength();
+}
+
+int32_t FindOfType(const SStringArray& names, const SString& extension) {
+  for (int32_t i = 0; i < names.GetSize(); ++i) {
+    if (HasExtension(names[i].View(), extension.View())) {
+      return i;
+    }
+  }
+  return -1;
+}
+
+// Whether the list is to be written.
+bool PutName(SStringArray& names, const SString& fileName, const SString& extension) {
+  if (names.GetSize() == 0) {
+    names.Add(fileName);
+    return true;
+  }
+  const int32_t index = FindOfType(names, extension);
+  if (index < 0 || EqualBytesNoCase(names[index].View(), fileName.View())) {
+    return false;
+  }
+  names[index] = fileName;
+  return true;
+}
+
+void WriteNames(SFileSpec& spec, const SStringArray& names) {
+  if (!spec.Exists()) {
+    spec.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0);
+  }
+  SStreamSrcFile target(spec);
+  SBinaryStream stream(SBinaryStream::kWrite, &target, false);
+  if (stream.HasError()) {
+    return;
+  }
+  stream.WriteLong(names.GetSize());
+  for (int32_t i = 0; i < names.GetSize(); ++i) {
+    stream.WriteText(names[i]);
+  }
+}
+
+}  // namespace
+
+void RecordLastFile(const SLoginNameObj* classEntry, const SLoginNameObj* student,
+                    const SString& fileName, const SString& extension) {
+  SFileSpec spec;
+  SStringArray names;
+  if (!PlaceLastFile(spec, classEntry, student)) {
+    return;
+  }
+  // A list that is there and cannot be read is not written over.
+  if (!IsKnownMissing(spec) && !ReadNames(spec, extension, names)) {
+    return;
+  }
+  if (PutName(names, fileName, extension)) {
+    WriteNames(spec, names);
+  }
+}
+
+bool FindLastFile(SFileSpec& spec, const SLoginNameObj* classEntry, const SLoginNameObj* student,
+                  const SString& extension, bool removable) {
+  SStringArray names;
+  if (!PlaceLastFile(spec, classEntry, student) || !ReadNames(spec, extension, names)) {
+    return false;
+  }
+  const int32_t index = FindOfType(names, extension);
+  if (index < 0 || !IsSafeName(names[index])) {
+    return false;
+  }
+  spec.Up();
+  if (removable) {
+    EntryFolder(spec, classEntry, student, true, false);
+  }
+  spec.Down(names[index]);
+  return true;
+}
+
+}  // namespace kivstore
