@@ -5,6 +5,7 @@
 
 #include "game/game_dob.h"
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "records/game_options_dob.h"
 #include "records/tutor_options_dob.h"
 #include "store/list/name_derivation.h"

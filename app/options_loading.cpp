@@ -1,6 +1,7 @@
 // The teacher options in force: up to three files, the deeper laid over the upper ones.
 #include "foundation/application.h"
 #include "foundation/site_mode.h"
+#include "platform/text_numbers.h"
 #include "records/teacher_options_dob.h"
 #include "store/list/name_derivation.h"
 #include "store/lock/lock_file.h"
@@ -8,12 +9,6 @@
 
 namespace kivstore {
 namespace {
-
-constexpr int kTextWaitForClass = 16076;
-constexpr int kTextWaitForStudent = 16077;
-constexpr int kTextWaitForAllClasses = 16078;
-constexpr int kTextWaitForOptions = 16079;
-constexpr int kTextOptionsLocked = 16082;
 
 // What OptionsReadFailed decides.
 constexpr int16_t kGoOn = 0;
@@ -86,7 +81,7 @@ bool SKivApp::MergeClassOptions(SKivTeacherOptionsDob& record, const SLoginNameO
   SFileSpec spec;
   OptionsFile(spec, classEntry, nullptr);
   if (lock != nullptr &&
-      !TakeOptionsLock(*lock, spec, WaitTextFor(kTextWaitForClass, classEntry->firstName))) {
+      !TakeOptionsLock(*lock, spec, WaitTextFor(kTextWaitForClassOptions, classEntry->firstName))) {
     return false;
   }
   return ReadWithRetry(record, &spec, true);
@@ -100,7 +95,8 @@ bool SKivApp::MergeStudentOptions(SKivTeacherOptionsDob& record, const SLoginNam
   SFileSpec spec;
   OptionsFile(spec, classEntry, studentEntry);
   if (lock != nullptr &&
-      !TakeOptionsLock(*lock, spec, WaitTextFor(kTextWaitForStudent, DisplayName(*studentEntry)))) {
+      !TakeOptionsLock(*lock, spec,
+                       WaitTextFor(kTextWaitForStudentOptions, DisplayName(*studentEntry)))) {
     return false;
   }
   return ReadWithRetry(record, &spec, true);

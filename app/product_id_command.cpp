@@ -1,11 +1,10 @@
 #include "app/commands.h"
 #include "foundation/site_mode.h"
+#include "platform/text_numbers.h"
 
 namespace kivstore::commands {
 namespace {
 
-constexpr int kTextProduct = 29002;
-constexpr int kTextNetworkSuffix = 17057;
 constexpr uint16_t kProductGeneration = 3;
 
 }  // namespace

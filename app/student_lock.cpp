@@ -1,6 +1,7 @@
 #include <new>
 
 #include "foundation/application.h"
+#include "platform/text_numbers.h"
 #include "store/list/name_derivation.h"
 #include "store/lock/lock_file.h"
 #include "store/place/failure_report.h"
@@ -9,7 +10,6 @@
 namespace kivstore {
 namespace {
 
-constexpr int kTextStudentInUse = 16052;
 constexpr int16_t kPollSeconds = 6;
 
 void ReportStudentInUse(const SLoginNameObj& student) {

@@ -6,6 +6,7 @@
 #include "foundation/files/file_type.h"
 #include "game/game_dob.h"
 #include "game/game_file.h"
+#include "platform/text_numbers.h"
 #include "store/list/index_file.h"
 #include "store/lock/lock_file.h"
 #include "store/place/failure_report.h"

@@ -5,6 +5,7 @@
 #include "foundation/application.h"
 #include "foundation/files/file_type.h"
 #include "game/game_dob.h"
+#include "platform/text_numbers.h"
 #include "records/teacher_options_dob.h"
 #include "store/place/failure_report.h"
 #include "store/place/layout.h"
@@ -13,8 +14,6 @@ namespace kivstore {
 namespace {
 
 using OwnedGame = std::unique_ptr<SKivGameDob>;
-
-constexpr int kTextProductName = 29002;
 
 OwnedGame CreateGame() {
   return OwnedGame(gApp != nullptr ? gApp->CreateGame() : nullptr);
@@ -219,16 +218,16 @@ void SKivGameDob::ReportError(int16_t code) {
   SString text;
   switch (code) {
     case kNotAGame:
-      text.Substitute(SString::FromResource(16270), SString::FromResource(kTextProductName));
+      text.Substitute(SString::FromResource(kTextNotAGame), SString::FromResource(kTextProduct));
       break;
     case kNoMemory:
-      text.LoadResource(16224);
+      text.LoadResource(kTextNoMemoryToOpen);
       break;
     case kForeignGame:
-      text.LoadResource(16226);
+      text.LoadResource(kTextForeignGame);
       break;
     case kIsShared:
-      text.LoadResource(16253);
+      text.LoadResource(kTextFileIsShared);
       break;
     default:
       return;

@@ -1,3 +1,4 @@
+#include "platform/text_numbers.h"
 #include "records/key_tables.h"
 
 namespace kivstore {
@@ -11,9 +12,9 @@ struct ShortcutWord {
 }  // namespace
 
 SString FormatShortcut(uint16_t modifiers, int key) {
-  static const ShortcutWord words[] = {{kControlDown, SString::FromResource(4040)},
-                                       {kAltDown, SString::FromResource(4041)},
-                                       {kShiftDown, SString::FromResource(4042)}};
+  static const ShortcutWord words[] = {{kControlDown, SString::FromResource(kTextCtrlKey)},
+                                       {kAltDown, SString::FromResource(kTextAltKey)},
+                                       {kShiftDown, SString::FromResource(kTextShiftKey)}};
   SString text;
   if (key == kNoKeyCode) {
     return text;

@@ -16,7 +16,7 @@ struct TableText {
 };
 
 constexpr TableText kTexts[] = {
-#define KIV_TEXT(id, text) {id, text},
+#define KIV_TEXT(number, name, text) {number, text},
 #include "platform/string_table.def"
 #undef KIV_TEXT
 };

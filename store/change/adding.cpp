@@ -1,6 +1,7 @@
 #include "store/change/adding.h"
 
 #include "foundation/site_mode.h"
+#include "platform/text_numbers.h"
 #include "store/change/transaction.h"
 #include "store/list/entries.h"
 #include "store/list/listing.h"
@@ -11,8 +12,6 @@
 
 namespace kivstore {
 namespace {
-
-constexpr int kTextFolderNotMade = 16083;
 
 // What differs between the levels; the numbers are those of the string table.
 struct AddLevel {
@@ -26,11 +25,13 @@ struct AddLevel {
 };
 
 constexpr AddLevel kTeacherLevel = {
-    LockKind::kTeachers, kMaxTeachers, 16961, 16960, 16962, false, false};
-constexpr AddLevel kClassLevel = {
-    LockKind::kClasses, kMaxClasses, 19116, 16080, 16050, true, false};
+    LockKind::kTeachers,  kMaxTeachers, kTextTeacher, kTextTeacherListFull,
+    kTextTeacherNotAdded, false,        false};
+constexpr AddLevel kClassLevel = {LockKind::kClasses, kMaxClasses, kTextClass, kTextClassListFull,
+                                  kTextClassNotAdded, true,        false};
 constexpr AddLevel kStudentLevel = {
-    LockKind::kStudents, kMaxStudents, 19110, 16081, 16051, false, true};
+    LockKind::kStudents,  kMaxStudents, kTextStudent, kTextStudentListFull,
+    kTextStudentNotAdded, false,        true};
 
 bool FailPlainly(const AddLevel& level, const SString& display) {
   SString message;

@@ -1,6 +1,7 @@
 #include "store/change/default_entries.h"
 
 #include "foundation/site_mode.h"
+#include "platform/text_numbers.h"
 #include "store/change/adding.h"
 #include "store/list/index_file.h"
 #include "store/list/name_derivation.h"

@@ -1,6 +1,7 @@
 #include "store/change/deleting.h"
 
 #include "foundation/site_mode.h"
+#include "platform/text_numbers.h"
 #include "store/change/transaction.h"
 #include "store/list/entries.h"
 #include "store/list/listing.h"
@@ -12,14 +13,9 @@
 namespace kivstore {
 namespace {
 
-constexpr int kTextNotDeleted = 16085;
-constexpr int kTextTeacher = 16961;
-constexpr int kTextClass = 19116;
-constexpr int kTextStudent = 19110;
-
 bool FailOnFolder(int word, const SLoginNameObj& entry, const SFileSpec& spec) {
   SString message;
-  message.Substitute(SString::FromResource(kTextNotDeleted), SString::FromResource(word),
+  message.Substitute(SString::FromResource(kTextFolderNotDeleted), SString::FromResource(word),
                      DisplayName(entry), spec.GetPath());
   DropMessage(message);
   return false;

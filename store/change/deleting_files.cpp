@@ -3,14 +3,13 @@
 #include "foundation/files/file_finder.h"
 #include "foundation/site_mode.h"
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "store/change/transaction.h"
 #include "store/place/failure_report.h"
 #include "store/place/layout.h"
 
 namespace kivstore {
 namespace {
-
-constexpr int kTextFileNotDeleted = 16090;
 
 bool EndsInOneOf(std::string_view name, const SStringArray& suffixes) {
   for (int32_t i = 0; i < suffixes.GetSize(); ++i) {

@@ -2,6 +2,7 @@
 #include "archive/stream_file.h"
 #include "foundation/containers/string_array.h"
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "store/change/maintenance.h"
 #include "store/change/transaction.h"
 #include "store/place/cached_text.h"

@@ -1,6 +1,7 @@
 #include "store/change/maintenance.h"
 
 #include "foundation/files/file_finder.h"
+#include "platform/text_numbers.h"
 #include "store/place/cached_text.h"
 #include "store/place/layout.h"
 

@@ -3,6 +3,7 @@
 #include "foundation/application.h"
 #include "foundation/site_mode.h"
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "store/change/adding.h"
 #include "store/change/transaction.h"
 #include "store/list/entries.h"

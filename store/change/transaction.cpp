@@ -2,6 +2,7 @@
 
 #include "foundation/site_mode.h"
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "store/place/cached_text.h"
 #include "store/place/layout.h"
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/text_numbers.h"
 #include "store/change/transaction.h"
 #include "store/list/entries.h"
 #include "store/list/name_derivation.h"

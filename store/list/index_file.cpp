@@ -6,6 +6,7 @@
 #include "archive/binary_stream.h"
 #include "archive/stream_file.h"
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "store/place/cached_text.h"
 #include "store/place/layout.h"
 

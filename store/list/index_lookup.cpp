@@ -2,6 +2,7 @@
 #include <new>
 
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "store/list/index_file.h"
 #include "store/place/cached_text.h"
 #include "store/place/layout.h"

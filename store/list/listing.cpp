@@ -1,5 +1,6 @@
 #include "store/list/listing.h"
 
+#include "platform/text_numbers.h"
 #include "store/change/transaction.h"
 #include "store/place/cached_text.h"
 #include "store/place/layout.h"

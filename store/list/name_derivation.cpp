@@ -5,15 +5,13 @@
 
 #include "archive/binary_stream.h"
 #include "archive/stream_file.h"
+#include "platform/text_numbers.h"
 #include "store/list/entries.h"
 #include "store/place/cached_text.h"
 #include "store/place/layout.h"
 
 namespace kivstore {
 namespace {
-
-constexpr int kTextVowels = 16503;
-constexpr int kTextDigits = 16504;
 
 // Plain letters and digits: an accented letter goes like any other sign.
 bool IsKept(char c) {
@@ -101,7 +99,7 @@ SString DeriveFileName(SFileSpec& spec, const SString& name, bool& exists,
 }
 
 bool NextVariant(SString& text, int& position, int& digit) {
-  const SString& digits = CachedText<kTextDigits>();
+  const SString& digits = CachedText<kTextVariantDigits>();
   const int last = digits.GetLength() - 1;
   digit = std::min(std::max(digit, -1), last - 1) + 1;
   text.SetAt(position, digits.GetAt(digit));

@@ -2,6 +2,7 @@
 
 #include "foundation/files/file_finder.h"
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "store/change/transaction.h"
 #include "store/list/duplicate_names.h"
 #include "store/list/folder_match.h"

@@ -1,15 +1,11 @@
 // The texts that a lock carries for a user interface. They are set on every lock, and most locks
 // are on the same few files: what can be kept is kept.
+#include "platform/text_numbers.h"
 #include "store/lock/lock_file.h"
 #include "store/place/cached_text.h"
 
 namespace kivstore {
 namespace {
-
-constexpr int kTextLocked = 16064;
-constexpr int kTextWait = 16065;
-constexpr int kTextFailed = 16066;
-constexpr int kTextNoAccess = 16086;
 
 struct KindTexts {
   SString fail;
@@ -27,13 +23,13 @@ const KindTexts& TextsOf() {
 const KindTexts* FindTexts(LockKind kind) {
   switch (kind) {
     case LockKind::kClasses:
-      return &TextsOf<16067, 16073, 16070>();
+      return &TextsOf<kTextNoClassLists, kTextWaitForClassList, kTextRetryClassList>();
     case LockKind::kStudents:
-      return &TextsOf<16068, 16074, 16071>();
+      return &TextsOf<kTextNoStudentList, kTextWaitForStudentList, kTextRetryStudentList>();
     case LockKind::kFiles:
-      return &TextsOf<16069, 16075, 16072>();
+      return &TextsOf<kTextNoSharedFiles, kTextWaitForFiles, kTextRetryFiles>();
     case LockKind::kTeachers:
-      return &TextsOf<16963, 16964, 16965>();
+      return &TextsOf<kTextNoTeacherLists, kTextWaitForTeacherList, kTextRetryTeacherList>();
   }
   return nullptr;
 }
@@ -43,14 +39,15 @@ const SString& LockedText(const SString& fileName) {
   static SString lastText;
   if (lastText.IsEmpty() || lastName != fileName) {
     lastName = fileName;
-    lastText.FormatResource(kTextLocked, fileName.GetText());
+    lastText.FormatResource(kTextFileLocked, fileName.GetText());
   }
   return lastText;
 }
 
 }  // namespace
 
-SLockFile::SLockFile() : waitText(CachedText<kTextWait>()), failText(CachedText<kTextFailed>()) {}
+SLockFile::SLockFile()
+    : waitText(CachedText<kTextWait>()), failText(CachedText<kTextNotCompleted>()) {}
 
 void SLockFile::ComposeTexts(const SString& folderPath, const SString& fileName) {
   accessText.Substitute(CachedText<kTextNoAccess>(), folderPath);

@@ -4,6 +4,7 @@
 
 #include "foundation/application.h"
 #include "platform/base/bytes.h"
+#include "platform/text_numbers.h"
 #include "records/teacher_options_dob.h"
 #include "store/list/name_derivation.h"
 #include "store/place/cached_text.h"
@@ -11,9 +12,6 @@
 
 namespace kivstore {
 namespace {
-
-constexpr int kTextFirstLast = 16958;
-constexpr int kTextLastFirst = 16959;
 
 // The bytes of a display name, first-last, as up to three pieces: names are compared far too often
 // to make their texts.

@@ -2,22 +2,22 @@
 
 #include "foundation/application.h"
 #include "foundation/site_mode.h"
+#include "platform/text_numbers.h"
 #include "records/teacher_options_dob.h"
 
 namespace kivstore {
 namespace {
 
-constexpr int kTextCheckNetwork = 16087;
-constexpr int kTextCheckDrive = 16089;
 constexpr char kSentenceBreak[] = "  ";
 
 struct FailureText {
   int16_t code;
   int text;
 };
-constexpr FailureText kFailureTexts[] = {{kFailSave, 16254},   {kFailOpen, 16222},
-                                         {kFailDelete, 16232}, {kFailRename, 16242},
-                                         {kFailRead, 16225},   {kFailWrite, 16252}};
+constexpr FailureText kFailureTexts[] = {
+    {kFailSave, kTextFileNotSaved},         {kFailOpen, kTextFileNotOpened},
+    {kFailDelete, kTextSelectedNotDeleted}, {kFailRename, kTextFileNotRenamed},
+    {kFailRead, kTextFileNotRead},          {kFailWrite, kTextFileNotWritten}};
 
 SString TextOf(int16_t code) {
   for (const FailureText& failure : kFailureTexts) {

@@ -4,6 +4,7 @@
 
 #include "foundation/application.h"
 #include "foundation/site_mode.h"
+#include "platform/text_numbers.h"
 #include "store/change/default_entries.h"
 #include "store/list/entries.h"
 #include "store/list/listing.h"
@@ -12,11 +13,6 @@
 
 namespace kivstore {
 namespace {
-
-constexpr int kTextQuit = 1009;
-constexpr int kTextRetry = 16706;
-constexpr int kTextNoDataFiles = 16084;
-constexpr int kTextNoDisk = 16089;
 
 SString DataRoot() {
   return gApp != nullptr ? gApp->GetProperty("Data") : SString();
@@ -183,7 +179,7 @@ SString DriveOf(const SString& path) {
 
 bool ReportDiskFailure(const SString& path) {
   SString message;
-  message.Substitute(SString::FromResource(kTextNoDisk), DriveOf(path));
+  message.Substitute(SString::FromResource(kTextCheckDrive), DriveOf(path));
   if (gApp != nullptr) {
     gApp->PrepareMessage();
   }

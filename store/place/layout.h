@@ -24,21 +24,11 @@
 #include "foundation/files/file_spec.h"
 #include "foundation/login_name.h"
 #include "foundation/text/string.h"
+#include "platform/text_numbers.h"
 
 namespace kivstore {
 
 // String numbers of the tree's names.
-inline constexpr int kTextClasses = 16500;
-inline constexpr int kTextStudents = 16501;
-inline constexpr int kTextShared = 16502;
-inline constexpr int kTextOptionsFile = 16505;
-inline constexpr int kTextTopScoreFile = 16506;
-inline constexpr int kTextLastFile = 16507;
-inline constexpr int kTextDefault = 16508;
-inline constexpr int kTextLongNameFile = 16509;
-inline constexpr int kTextIndexFile = 16510;
-inline constexpr int kTextTeacherClasses = 16511;
-inline constexpr int kTextTeacherDefault = 16512;
 
 // The stem of string 16500 or 16511 with the game type's extension.
 SString ClassesName(int stem = kTextClasses);
