@@ -7,8 +7,8 @@ cd "$(dirname "$0")"
 
 need_build_tools
 need_host_libraries
-need_test_tools
 echo "building"
+build_options=-DKIVSTORE_TESTS=OFF
 build release kivreport kivadmin
 
 demo=build/demo

@@ -10,43 +10,32 @@ cd "$(dirname "$0")"
 preset=${1:-release}
 need_build_tools
 need_test_tools
-wine=
 case $preset in
   linux32) need /usr/share/doc/g++-multilib g++-multilib ;;
   windows64)
     need_windows_tools
-    need_wine build/windows64/wine
+    need_wine
     ;;
   *) need_host_libraries ;;
 esac
 echo "building $preset"
 build "$preset"
 
-logs="build/$preset/test-logs"
-rm -rf "$logs"
-mkdir -p "$logs"
-export UBSAN_OPTIONS=print_stacktrace=1
+status=0
+ctest --preset "$preset" -j "$(nproc)" || status=$?
 
-# Each program writes NAME.log and, at its end, NAME.status; as many at once as there are processors.
-# shellcheck disable=SC2016
-find "build/$preset/bin" -name 'test_*' -type f | sort | xargs -P "$(nproc)" -I{} sh -c '
-  name=$(basename "$1" .exe) status=0
-  $3 "$1" --gtest_color=no >"$2/$name.log" 2>&1 || status=$?
-  echo $status >"$2/$name.status"' sh {} "$logs" "$wine"
-
-passed=0 failed=0 skipped=0
-count() { sed -n "s/^\[  $1 *\] \([0-9]*\) test.*/\1/p" "$2" | tail -n 1; }
-for log in "$logs"/*.log; do
-  name=$(basename "$log" .log)
-  status=$(cat "$logs/$name.status")
-  ok=$(count PASSED "$log") bad=$(count FAILED "$log") left=$(count SKIPPED "$log")
-  if [ "$status" != 0 ] && [ -z "$bad" ]; then bad=1; fi
-  echo "$name: ${ok:-0} passed${bad:+, $bad FAILED}${left:+, $left skipped}"
-  if [ "$status" != 0 ]; then grep -vE '^\[( RUN      |       OK )' "$log" | tail -n 60; fi
-  passed=$((passed + ${ok:-0})) failed=$((failed + ${bad:-0})) skipped=$((skipped + ${left:-0}))
-done
-echo "$preset: $passed passed, $failed failed, $skipped skipped"
-[ "$failed" = 0 ] && [ "$passed" -gt 0 ]
+# The cases of each test program, from what all of them printed; a program that ended before it told
+# of its cases failed, and a test that is no such program is a case of its own.
+awk -v preset="$preset" '
+  /^[0-9]+\/[0-9]+ Testing: / { ok = bad = left = 0 }
+  /^\[  PASSED  \] / { ok = $4 }
+  /^\[  FAILED  \] [0-9]+ test/ { bad = $4 }
+  /^\[  SKIPPED \] [0-9]+ test/ { left = $4 }
+  /^Test Passed\./ { passed += ok + left > 0 ? ok : 1; skipped += left }
+  /^Test Failed\./ { passed += ok; failed += bad > 0 ? bad : 1; skipped += left }
+  END { printf "%s: %d passed, %d failed, %d skipped\n", preset, passed, failed, skipped }
+' "build/$preset/Testing/Temporary/LastTest.log"
+[ "$status" = 0 ] || exit "$status"
 
 if [ "$preset" = windows64 ]; then
   need_host_libraries

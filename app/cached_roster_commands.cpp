@@ -1,78 +1,70 @@
 // The cached chain: 9, 11 and 13 read a list each, 10, 12 and 14 touch no file.
 #include "app/commands.h"
-#include "app/roster_caches.h"
-#include "foundation/site_mode.h"
-#include "store/list/listing.h"
-
-namespace kivstore {
-
-SLoginList gTeacherCache;
-SLoginList gClassCache;
-SLoginList gStudentCache;
-int16_t gClassCacheTeacher = 0;
-int16_t gStudentCacheClass = 0;
-
-}  // namespace kivstore
 
 namespace kivstore::commands {
 namespace {
 
-bool SelectCachedTeacher(const SGeneralParams& params) {
+bool SelectCachedTeacher(SGeneralCall& call, const SGeneralParams& params) {
+  const SRosterCaches& caches = call.GetCaches();
   if (!IsNetworked(params)) {
     return true;
   }
-  const SLoginNameObj* const teacher = EntryNumber(gTeacherCache, params.teacherIndex);
+  const SLoginNameObj* const teacher = EntryNumber(caches.teachers, params.teacherIndex);
   if (teacher == nullptr) {
     return false;
   }
-  SelectTeacher(teacher);
+  call.GetSite().SelectTeacher(teacher);
   return true;
 }
 
-bool IsTeacherOfClassCache(const SGeneralParams& params) {
-  return params.teacherIndex == gClassCacheTeacher;
+bool IsTeacherOfClassCache(const SGeneralCall& call, const SGeneralParams& params) {
+  return params.teacherIndex == call.GetCaches().classCacheTeacher;
 }
 
 }  // namespace
 
-bool CacheTeachers(SGeneralParams& params) {
+bool CacheTeachers(SGeneralCall& call, SGeneralParams& params) {
+  SRosterCaches& caches = call.GetCaches();
   params.topCount = 0;
   if (!IsNetworked(params)) {
     return false;
   }
-  DeleteLogins(gTeacherCache.Array());
-  LoadTeacherList(gTeacherCache.Array());
-  params.topCount = gTeacherCache.GetSize();
+  caches.teachers.RemoveAll();
+  ListTeachers(call, caches.teachers);
+  params.topCount = caches.teachers.GetSize();
   if (params.topCount > 0) {
-    SelectTeacher(gTeacherCache.At(0));
+    call.GetSite().SelectTeacher(caches.teachers.At(0));
   }
   return true;
 }
 
-bool CachedTeacherName(SGeneralParams& params) {
-  const SLoginNameObj* const teacher = EntryNumber(gTeacherCache, params.teacherListIndex);
+bool CachedTeacherName(SGeneralCall& call, SGeneralParams& params) {
+  const SRosterCaches& caches = call.GetCaches();
+  const SLoginNameObj* const teacher = EntryNumber(caches.teachers, params.teacherListIndex);
   if (teacher == nullptr) {
     return false;
   }
-  SelectTeacher(teacher);
+  call.GetSite().SelectTeacher(teacher);
   ReturnName(params, params.teacherName, params.teacherNameSize, *teacher);
   return true;
 }
 
-bool CacheClasses(SGeneralParams& params) {
-  DeleteLogins(gClassCache.Array());
-  if (!SelectCachedTeacher(params)) {
+bool CacheClasses(SGeneralCall& call, SGeneralParams& params) {
+  SRosterCaches& caches = call.GetCaches();
+  caches.classes.RemoveAll();
+  if (!SelectCachedTeacher(call, params)) {
     return false;
   }
-  LoadClassList(gClassCache.Array(), true);
-  gClassCacheTeacher = static_cast<int16_t>(params.teacherIndex);
-  params.classCount = gClassCache.GetSize();
+  ListClasses(call, caches.classes);
+  caches.classCacheTeacher = static_cast<int16_t>(params.teacherIndex);
+  params.classCount = caches.classes.GetSize();
   return true;
 }
 
-bool CachedClassName(SGeneralParams& params) {
-  const SLoginNameObj* const entry = EntryNumber(gClassCache, params.classListIndex);
-  if (!IsTeacherOfClassCache(params) || entry == nullptr) {
+bool CachedClassName(SGeneralCall& call, SGeneralParams& params) {
+  const SRosterCaches& caches = call.GetCaches();
+  const SLoginNameObj* const entry = EntryNumber(caches.classes, params.classListIndex);
+  if (!IsTeacherOfClassCache(call, params) || entry == nullptr) {
     return false;
   }
   params.classIndex = params.classListIndex - 1;
@@ -80,27 +72,29 @@ bool CachedClassName(SGeneralParams& params) {
   return true;
 }
 
-bool CacheStudents(SGeneralParams& params) {
-  DeleteLogins(gStudentCache.Array());
-  const SLoginNameObj* const classEntry = EntryAt(gClassCache, params.classIndex);
-  if (!IsTeacherOfClassCache(params) || classEntry == nullptr) {
+bool CacheStudents(SGeneralCall& call, SGeneralParams& params) {
+  SRosterCaches& caches = call.GetCaches();
+  caches.students.RemoveAll();
+  const SLoginNameObj* const classEntry = EntryAt(caches.classes, params.classIndex);
+  if (!IsTeacherOfClassCache(call, params) || classEntry == nullptr) {
     return false;
   }
-  gStudentCacheClass = static_cast<int16_t>(params.classIndex);
-  if (!SelectCachedTeacher(params)) {
+  caches.studentCacheClass = static_cast<int16_t>(params.classIndex);
+  if (!SelectCachedTeacher(call, params)) {
     return false;
   }
-  LoadStudentList(gStudentCache.Array(), *classEntry, true, true);
-  params.studentCount = gStudentCache.GetSize();
+  ListStudents(call, caches.students, *classEntry);
+  params.studentCount = caches.students.GetSize();
   return true;
 }
 
-bool CachedStudentName(SGeneralParams& params) {
-  if (!IsTeacherOfClassCache(params) || params.classIndex != gStudentCacheClass ||
-      EntryAt(gClassCache, params.classIndex) == nullptr) {
+bool CachedStudentName(SGeneralCall& call, SGeneralParams& params) {
+  const SRosterCaches& caches = call.GetCaches();
+  if (!IsTeacherOfClassCache(call, params) || params.classIndex != caches.studentCacheClass ||
+      EntryAt(caches.classes, params.classIndex) == nullptr) {
     return false;
   }
-  const SLoginNameObj* const student = EntryNumber(gStudentCache, params.studentListIndex);
+  const SLoginNameObj* const student = EntryNumber(caches.students, params.studentListIndex);
   if (student == nullptr) {
     return false;
   }

@@ -8,36 +8,36 @@
 
 #include <cstdint>
 
-#include "foundation/containers/array.h"
+#include "app/general_call.h"
 #include "foundation/text/string.h"
 #include "kivstore/general_proc.h"
 #include "store/list/entries.h"
 
 namespace kivstore::commands {
 
-using Command = bool (*)(SGeneralParams& params);
+using Command = bool (*)(SGeneralCall& call, SGeneralParams& params);
 
 // Null for a number that is no command.
 Command FindCommand(int32_t number);
 
 // The plain chain reads every list anew.
-bool CountTeachers(SGeneralParams& params);
-bool TeacherName(SGeneralParams& params);
-bool CountClasses(SGeneralParams& params);
-bool ClassName(SGeneralParams& params);
-bool CountStudents(SGeneralParams& params);
-bool StudentProgress(SGeneralParams& params);
-bool AnyEntries(SGeneralParams& params);
+bool CountTeachers(SGeneralCall& call, SGeneralParams& params);
+bool TeacherName(SGeneralCall& call, SGeneralParams& params);
+bool CountClasses(SGeneralCall& call, SGeneralParams& params);
+bool ClassName(SGeneralCall& call, SGeneralParams& params);
+bool CountStudents(SGeneralCall& call, SGeneralParams& params);
+bool StudentProgress(SGeneralCall& call, SGeneralParams& params);
+bool AnyEntries(SGeneralCall& call, SGeneralParams& params);
 
-// The cached chain reads each list once (roster_caches.h).
-bool CacheTeachers(SGeneralParams& params);
-bool CachedTeacherName(SGeneralParams& params);
-bool CacheClasses(SGeneralParams& params);
-bool CachedClassName(SGeneralParams& params);
-bool CacheStudents(SGeneralParams& params);
-bool CachedStudentName(SGeneralParams& params);
+// The cached chain reads each list once (library_state.h).
+bool CacheTeachers(SGeneralCall& call, SGeneralParams& params);
+bool CachedTeacherName(SGeneralCall& call, SGeneralParams& params);
+bool CacheClasses(SGeneralCall& call, SGeneralParams& params);
+bool CachedClassName(SGeneralCall& call, SGeneralParams& params);
+bool CacheStudents(SGeneralCall& call, SGeneralParams& params);
+bool CachedStudentName(SGeneralCall& call, SGeneralParams& params);
 
-bool ProductId(SGeneralParams& params);
+bool ProductId(SGeneralCall& call, SGeneralParams& params);
 
 // What they share.
 
@@ -46,17 +46,22 @@ inline bool IsNetworked(const SGeneralParams& params) {
 }
 
 // The entry at an index from 0; null outside the list.
-inline SLoginNameObj* EntryAt(const SLoginList& list, int32_t index) {
+inline const SLoginNameObj* EntryAt(const SLoginList& list, int32_t index) {
   return index >= 0 && index < list.GetSize() ? list.At(index) : nullptr;
 }
 // The entry at an index from 1.
-inline SLoginNameObj* EntryNumber(const SLoginList& list, int32_t number) {
+inline const SLoginNameObj* EntryNumber(const SLoginList& list, int32_t number) {
   return number >= 1 ? EntryAt(list, number - 1) : nullptr;
 }
 
+// The lists, after what the system's rules add to a store on its first use.
+void ListTeachers(SGeneralCall& call, SLoginList& list);
+void ListClasses(SGeneralCall& call, SLoginList& list);
+void ListStudents(SGeneralCall& call, SLoginList& list, const SLoginNameObj& classEntry);
+
 // Selects the teacher of `teacherIndex` in a networked store; elsewhere there is none to select.
 // False if there is no such teacher.
-bool SelectTeacherByIndex(const SGeneralParams& params);
+bool SelectTeacherByIndex(SGeneralCall& call, const SGeneralParams& params);
 
 // Writes a text into a field of the block: exactly `size` bytes, the text cut to size - 1
 // characters and padded with NUL; nothing for a size below 1. The size is the host's to know: a

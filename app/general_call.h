@@ -1,40 +1,35 @@
-// What stands around one command: the set-up that makes the application object with its records
-// and aims it at the host's data path, and the tear-down that takes all of it away again. Lives on
-// the stack of GeneralProc; one at a time.
+// What stands around one command: the set-up that makes the application object (gApp) with its
+// records and aims it at the host's data path, and the tear-down that takes all of it away again.
+// Lives on the stack of GeneralProc; one at a time.
 //
-// Survivors of a call: the roster caches, gTeacherTier, gSiteMode and the module handle.
+// What survives a call stands in library_state.h.
 #pragma once
 
-#include <cstdint>
+#include <memory>
 
-#include "foundation/memory/memory_block.h"
+#include "app/library_state.h"
+#include "app/zep_app.h"
 #include "kivstore/general_proc.h"
 
 namespace kivstore {
 
 class SGeneralCall {
  public:
-  // Nothing in it is checked: where memory or the path lacks, the command finds no store.
+  // Nothing in it is checked: where memory or the path lacks, the command finds no store. `mode` 0
+  // is a local store, any other a networked one with teachers.
   explicit SGeneralCall(const SGeneralParams& params);
-  ~SGeneralCall();
+  ~SGeneralCall() = default;
   SGeneralCall(const SGeneralCall&) = delete;
   SGeneralCall& operator=(const SGeneralCall&) = delete;
 
-  uint8_t GetMode() const { return mode; }
-  const char* GetDataPath() const { return dataPath; }
-  char GetSeparator() const { return static_cast<char>(separator); }
+  SSite& GetSite() const { return site; }
+  SRosterCaches& GetCaches() const { return LibraryState().caches; }
+  // Null without memory.
+  SZEPApp* GetApp() const { return app.get(); }
 
  private:
-  void MakeApplication();
-  void SetSite();
-  void SetDataPath(const char* path);
-  void FreeDataPath();
-
-  uint8_t mode;
-  uint8_t reserved = 0;
-  char* dataPath = nullptr;               // the library's own copy, in the block below
-  MemoryHandle dataPathHandle = nullptr;  // owned
-  uint8_t separator = '\\';
+  SSite& site;
+  std::unique_ptr<SZEPApp> app;
 };
 
 }  // namespace kivstore

@@ -4,7 +4,6 @@
 
 #include "app/commands.h"
 #include "app/general_call.h"
-#include "foundation/application.h"
 
 // Hosts in other languages lay the block out by these numbers.
 static_assert(offsetof(SGeneralParams, command) == 0x00);
@@ -43,9 +42,9 @@ namespace kivstore {
 namespace {
 
 bool Run(SGeneralParams& params) {
-  const SGeneralCall call(params);
+  SGeneralCall call(params);
   const commands::Command command = commands::FindCommand(params.command);
-  return gApp != nullptr && command != nullptr && command(params);
+  return call.GetApp() != nullptr && command != nullptr && command(call, params);
 }
 
 }  // namespace

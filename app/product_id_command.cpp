@@ -1,5 +1,4 @@
 #include "app/commands.h"
-#include "foundation/site_mode.h"
 #include "platform/text_numbers.h"
 
 namespace kivstore::commands {
@@ -9,9 +8,9 @@ constexpr uint16_t kProductGeneration = 3;
 
 }  // namespace
 
-bool ProductId(SGeneralParams& params) {
+bool ProductId(SGeneralCall& call, SGeneralParams& params) {
   SString id = SString::FromResource(kTextProduct);
-  if (IsSharedSite()) {
+  if (call.GetSite().IsShared()) {
     id += SString::FromResource(kTextNetworkSuffix);
   }
   ReturnText(params, params.productId, params.productIdSize, id);

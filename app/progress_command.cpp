@@ -1,78 +1,71 @@
 // Command 6: where the roster, the layered options and a student's saved game meet.
-#include <algorithm>
-
 #include "app/commands.h"
-#include "foundation/application.h"
+#include "app/missions.h"
 #include "game/game_dob.h"
-#include "records/game_options_dob.h"
 #include "records/tutor_options_dob.h"
-#include "store/list/listing.h"
-#include "store/place/layout.h"
+#include "store/change/default_entries.h"
+#include "store/place/placing.h"
 
 namespace kivstore::commands {
 namespace {
 
-constexpr int16_t kFirstMission = 1;
-
 // The store-wide options with the class's and the student's laid over them.
-const STeacherOptionsDob* LoadOptions(const SLoginNameObj& classEntry,
+const STeacherOptionsDob* LoadOptions(SZEPApp& app, const SLoginNameObj& classEntry,
                                       const SLoginNameObj& student) {
-  gApp->LoadTeacherOptions(nullptr, nullptr, false, nullptr, nullptr, nullptr, nullptr);
-  gApp->LoadTeacherOptions(&classEntry, &student, false, nullptr, nullptr, nullptr, nullptr);
-  return static_cast<const STeacherOptionsDob*>(gApp->options);
+  SOptionsRequest request;
+  request.goesOn = app.LoadTeacherOptions({});
+  request.classEntry = &classEntry;
+  request.studentEntry = &student;
+  app.LoadTeacherOptions(request);
+  return static_cast<const STeacherOptionsDob*>(app.options.get());
 }
 
 // False without a game that can be read.
-bool HasLearnedNewKeys(const SLoginNameObj& classEntry, const SLoginNameObj& student) {
+bool HasLearnedNewKeys(SZEPApp& app, const SLoginNameObj& classEntry,
+                       const SLoginNameObj& student) {
+  PrepareClassList(app.GetSite());
   SFileSpec spec;
-  EntryFile(spec, &classEntry, &student, gApp->AutoGameName());
-  SGameDob game;
+  EntryFileToOpen(app.GetSite(), spec, &classEntry, &student, app.AutoGameName());
+  SGameDob game(&app);
   game.LoadGame(spec);
   return game.lessonDob.HasLearnedNewKeys();
 }
 
-// Options without a game record are those of a student at the very start.
-void ReturnMissions(SGeneralParams& params, const STeacherOptionsGameDob* progress,
-                    bool learnedNewKeys) {
-  int32_t current = progress != nullptr ? progress->CurrentMissionNumber.value : kFirstMission;
-  const int32_t previous = current - 1;
-  const bool lessonDone = progress != nullptr && progress->IsDone(kActivityLesson, current);
-  if (!learnedNewKeys && !lessonDone) {
-    --current;
-  }
-  params.currentMission = std::max<int32_t>(current, kFirstMission);
-  params.previousMission = std::max<int32_t>(previous, kFirstMission);
+void ReturnMissions(SGeneralParams& params, const SMissions& missions) {
+  params.currentMission = missions.current;
+  params.previousMission = missions.previous;
 }
 
-bool ReportStudent(SGeneralParams& params, const SLoginNameObj& classEntry,
+bool ReportStudent(SZEPApp& app, SGeneralParams& params, const SLoginNameObj& classEntry,
                    const SLoginNameObj& student) {
   ReturnName(params, params.studentName, params.studentNameSize, student);
   params.studentIndex = params.studentListIndex - 1;
-  const STeacherOptionsDob* const options = LoadOptions(classEntry, student);
+  const STeacherOptionsDob* const options = LoadOptions(app, classEntry, student);
   if (options == nullptr) {
     return false;
   }
-  ReturnMissions(params, options->GetGameOptions(), HasLearnedNewKeys(classEntry, student));
+  ReturnMissions(
+      params, MissionsOf(options->GetGameOptions(), HasLearnedNewKeys(app, classEntry, student)));
   params.vocabLevel = options->VocabLevel.value;
   return true;
 }
 
 }  // namespace
 
-bool StudentProgress(SGeneralParams& params) {
-  if (!SelectTeacherByIndex(params)) {
+bool StudentProgress(SGeneralCall& call, SGeneralParams& params) {
+  if (!SelectTeacherByIndex(call, params)) {
     return false;
   }
   SLoginList classes;
-  LoadClassList(classes.Array(), true);
+  ListClasses(call, classes);
   const SLoginNameObj* const classEntry = EntryAt(classes, params.classIndex);
   if (classEntry == nullptr) {
     return false;
   }
   SLoginList students;
-  LoadStudentList(students.Array(), *classEntry, true, true);
+  ListStudents(call, students, *classEntry);
   const SLoginNameObj* const student = EntryNumber(students, params.studentListIndex);
-  return student != nullptr && ReportStudent(params, *classEntry, *student);
+  return student != nullptr && ReportStudent(*call.GetApp(), params, *classEntry, *student);
 }
 
 }  // namespace kivstore::commands

@@ -1,32 +1,31 @@
 // The plain chain: every command reads the lists it needs.
 #include "app/commands.h"
-#include "foundation/site_mode.h"
+#include "store/change/default_entries.h"
 #include "store/list/listing.h"
 
 namespace kivstore::commands {
+namespace {
 
-bool SelectTeacherByIndex(const SGeneralParams& params) {
-  if (!IsNetworked(params)) {
-    return true;
-  }
-  SLoginList teachers;
-  LoadTeacherList(teachers.Array());
-  const SLoginNameObj* const teacher = EntryNumber(teachers, params.teacherIndex);
-  if (teacher == nullptr) {
-    return false;
-  }
-  SelectTeacher(teacher);
-  return true;
+int32_t CountTopList(SGeneralCall& call) {
+  PrepareTeacherList(call.GetSite());
+  return kivstore::CountTeachers(call.GetSite());
 }
 
-bool CountTeachers(SGeneralParams& params) {
-  params.topCount = kivstore::CountTeachers();
+int32_t CountClassList(SGeneralCall& call) {
+  PrepareClassList(call.GetSite());
+  return CountEntries(call.GetSite(), nullptr);
+}
+
+}  // namespace
+
+bool CountTeachers(SGeneralCall& call, SGeneralParams& params) {
+  params.topCount = CountTopList(call);
   return params.topCount != 0;
 }
 
-bool TeacherName(SGeneralParams& params) {
+bool TeacherName(SGeneralCall& call, SGeneralParams& params) {
   SLoginList teachers;
-  LoadTeacherList(teachers.Array());
+  ListTeachers(call, teachers);
   const SLoginNameObj* const teacher = EntryNumber(teachers, params.teacherListIndex);
   if (teacher == nullptr) {
     return false;
@@ -35,20 +34,20 @@ bool TeacherName(SGeneralParams& params) {
   return true;
 }
 
-bool CountClasses(SGeneralParams& params) {
-  if (!SelectTeacherByIndex(params)) {
+bool CountClasses(SGeneralCall& call, SGeneralParams& params) {
+  if (!SelectTeacherByIndex(call, params)) {
     return false;
   }
-  params.classCount = CountEntries(nullptr, false);
+  params.classCount = CountClassList(call);
   return params.classCount != 0;
 }
 
-bool ClassName(SGeneralParams& params) {
-  if (!SelectTeacherByIndex(params)) {
+bool ClassName(SGeneralCall& call, SGeneralParams& params) {
+  if (!SelectTeacherByIndex(call, params)) {
     return false;
   }
   SLoginList classes;
-  LoadClassList(classes.Array(), true);
+  ListClasses(call, classes);
   const SLoginNameObj* const entry = EntryNumber(classes, params.classListIndex);
   if (entry == nullptr) {
     return false;
@@ -58,24 +57,22 @@ bool ClassName(SGeneralParams& params) {
   return true;
 }
 
-bool CountStudents(SGeneralParams& params) {
-  if (!SelectTeacherByIndex(params)) {
+bool CountStudents(SGeneralCall& call, SGeneralParams& params) {
+  if (!SelectTeacherByIndex(call, params)) {
     return false;
   }
   SLoginList classes;
-  LoadClassList(classes.Array(), true);
+  ListClasses(call, classes);
   const SLoginNameObj* const entry = EntryAt(classes, params.classIndex);
   if (entry == nullptr) {
     return false;
   }
-  params.studentCount = CountEntries(entry, false);
+  params.studentCount = CountEntries(call.GetSite(), entry);
   return true;
 }
 
-bool AnyEntries(SGeneralParams& params) {
-  const int32_t count =
-      IsNetworked(params) ? kivstore::CountTeachers() : CountEntries(nullptr, false);
-  return count != 0;
+bool AnyEntries(SGeneralCall& call, SGeneralParams& params) {
+  return (IsNetworked(params) ? CountTopList(call) : CountClassList(call)) != 0;
 }
 
 }  // namespace kivstore::commands

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "app/commands.h"
-#include "store/list/name_derivation.h"
+#include "store/place/display_name.h"
 
 namespace kivstore::commands {
 namespace {

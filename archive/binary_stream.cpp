@@ -15,12 +15,12 @@ SBinaryStream::~SBinaryStream() {
 }
 
 bool SBinaryStream::Store(const void* number, int32_t size) {
-  return Take(holder->Write(number, size, Swaps()));
+  return Take(holder->Write(number, size, true));
 }
 
 bool SBinaryStream::Fetch(void* number, int32_t size) {
   uint8_t read[8];
-  if (!Take(holder->Read(read, size, Swaps()))) {
+  if (!Take(holder->Read(read, size, true))) {
     return false;
   }
   std::memcpy(number, read, static_cast<size_t>(size));
@@ -29,10 +29,7 @@ bool SBinaryStream::Fetch(void* number, int32_t size) {
 
 bool SBinaryStream::WriteDateTime(SDateTime value) {
   const uint32_t words[2] = {value.Raw(), value.IsFresh() ? SDateTime::kFresh : 0};
-  if (Swaps()) {
-    return !error && Take(holder->Write(words, sizeof words, true));
-  }
-  return !error && Put(words[1]) && Put(words[0]);
+  return !error && Take(holder->Write(words, sizeof words, true));
 }
 
 bool SBinaryStream::WriteRect(const SRect& rect) {

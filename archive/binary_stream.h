@@ -33,9 +33,13 @@ class SBinaryStream {
   // Each answers whether the stream has no error after it; on a stream with an error it does
   // nothing. Of two numbers in one operation the error is that of the last.
   bool WriteByte(uint8_t value) { return !error && Take(holder->WriteByte(value)); }
-  bool WriteShort(int16_t value) { return !error && Put(value); }
-  bool WriteLong(int32_t value) { return !error && Put(value); }
-  bool WriteDouble(double value) { return !error && Put(value); }
+  template <class Number>
+  bool WriteNumber(Number value) {
+    return !error && Put(value);
+  }
+  bool WriteShort(int16_t value) { return WriteNumber(value); }
+  bool WriteLong(int32_t value) { return WriteNumber(value); }
+  bool WriteDouble(double value) { return WriteNumber(value); }
   bool WriteRaw(const void* data, int16_t length) { return WriteBlock(data, length); }
   bool WriteBlock(const void* data, int32_t length) {
     return !error && Take(holder->Write(data, length, false));
@@ -49,10 +53,14 @@ class SBinaryStream {
   bool WriteSize(const SSize& size);
 
   // A failed read leaves the variable as it was, but for a text: that holds what there was of it.
-  bool ReadByte(uint8_t& value) { return !error && Get(value); }
-  bool ReadShort(int16_t& value) { return !error && Get(value); }
-  bool ReadLong(int32_t& value) { return !error && Get(value); }
-  bool ReadDouble(double& value) { return !error && Get(value); }
+  template <class Number>
+  bool ReadNumber(Number& value) {
+    return !error && Get(value);
+  }
+  bool ReadByte(uint8_t& value) { return ReadNumber(value); }
+  bool ReadShort(int16_t& value) { return ReadNumber(value); }
+  bool ReadLong(int32_t& value) { return ReadNumber(value); }
+  bool ReadDouble(double& value) { return ReadNumber(value); }
   bool ReadBlock(void* data, int32_t length) {
     return !error && Take(holder->Read(data, length, false));
   }
@@ -73,7 +81,7 @@ class SBinaryStream {
     if (error || !Get(words)) {
       return false;
     }
-    value.SetRaw(static_cast<uint32_t>(Swaps() ? words : words >> 32));  // the high word is dropped
+    value.SetRaw(static_cast<uint32_t>(words));  // the high word is dropped
     return true;
   }
   bool ReadRect(SRect& rect);
@@ -84,10 +92,8 @@ class SBinaryStream {
   bool ReadAndCompareRaw(const void* data, int16_t length);
 
   bool Skip(int32_t count);
-  // The next bytes as they stand, consumed, if the stream swaps its numbers and they lie ready.
-  const uint8_t* TakeReady(int32_t count) {
-    return error || !Swaps() ? nullptr : holder->TakeReady(count);
-  }
+  // The next bytes as they stand, consumed, if they lie ready in a buffer; else null.
+  const uint8_t* TakeReady(int32_t count) { return error ? nullptr : holder->TakeReady(count); }
 
   // Receives blocks; the stream's bytes without a copy.
   class Sink {
@@ -106,7 +112,6 @@ class SBinaryStream {
     error = !succeeded;
     return succeeded;
   }
-  bool Swaps() const { return byteOrder != 1; }
   template <class Number>
   bool Put(Number value) {
     return Store(&value, sizeof value);
@@ -117,7 +122,7 @@ class SBinaryStream {
     if (ready == nullptr) {
       return Fetch(&value, sizeof value);
     }
-    CopyNumber(&value, ready, sizeof value, Swaps());
+    CopySwapped(&value, ready, sizeof value);
     return true;
   }
   // A number through the stream's own operations.
@@ -126,7 +131,6 @@ class SBinaryStream {
 
   int32_t mode;
   bool error = false;
-  int32_t byteOrder = 0;  // 1 would keep the machine's own order; nothing sets it
   SStreamHolder holder;
 };
 

@@ -8,6 +8,9 @@
 // A stored record does not say what class it is; the reader must know. CreateNew is the only way to
 // a sibling object, and a class token, good for comparing and nothing else, the only run-time type.
 //
+// The virtual operations stand in an order that programs built apart from this one call them by: it
+// is never changed, and a new one goes behind the last.
+//
 // A record file ("options.kiv"):
 //
 //   0   4   the bytes 42 49 4E 01, "BIN" and a byte of 1
@@ -35,7 +38,6 @@ class SDob {
   virtual ~SDob() = default;
   SDob& operator=(const SDob&) = delete;
 
-  // Virtual operations stand in slot order.
   virtual void Clear() {}  // every field to its default, then SetDirty(true)
   virtual void Serialize(IDobArchive& archive);
   // With false also: false to all children, all stamps to 0.
@@ -66,15 +68,21 @@ class SDob {
   //   return IsOneOf(other, {StaticClassId(), SDob::StaticClassId()});
   static ClassId StaticClassId();
 
-  // Whole files. SaveToFile makes the file if it can; see IFileServices for where it cannot.
+  // Whole files; false if the file could not be opened, is of another kind or version, or was not
+  // moved to its end. A failed load leaves the fields that it did not reach at their defaults; a
+  // failed save may leave part of the new file. Neither changes whether the record is dirty but a
+  // load that got behind the head, which makes it clean: after a save its owner says so. SaveToFile
+  // makes a missing file if it can; see IFileServices for where it cannot. Nothing here takes a
+  // lock: on a shared store the caller holds that of the file.
   bool SaveToFile(SFileSpec& spec);
   bool LoadFromFile(const SFileSpec& spec);
-  bool SaveToStream(SBinaryStream& stream, bool flag = false);
+  bool SaveToStream(SBinaryStream& stream);
   bool LoadFromStream(SBinaryStream& stream);
   bool WriteToArchive(IDobArchive& archive);
   bool ReadFromArchive(IDobArchive& archive);
 
-  // Stores only what changed here since the last store over what the file holds now.
+  // Stores only what changed here since the last store over what the file holds now. The record
+  // itself stays as it is.
   bool SaveMergedToFile(SFileSpec& spec);
   // Merges the file's record into this one; false if it did not load. Does not touch the file.
   bool MergeFromFile(const SFileSpec& spec);
@@ -89,16 +97,16 @@ class SDob {
   static constexpr int32_t kFileNewer = 6;
   static bool CheckFileVersion(int32_t& status, const SFileSpec& spec, uint32_t version);
 
-  // The same in a section of a preference file; the record may hold no blob. `flag` has no effect.
-  // Loading fails if the section lacks a key, with the rest read all the same.
-  bool SaveToPref(const SFileSpec& spec, const char* section, bool flag = false);
-  bool LoadFromPref(const SFileSpec& spec, const char* section, bool flag = false);
-  bool DeleteFromPref(const SFileSpec& spec, const char* section, bool flag = false);
-  bool SaveMergedToPref(const SFileSpec& spec, const char* section, bool flag = false);
-  bool MergeFromPref(const SFileSpec& spec, const char* section, bool flag = false);
+  // The same in a section of a preference file; the record may hold no blob. Loading fails if the
+  // section lacks a key, with the rest read all the same. Deleting leaves the section's header.
+  bool SaveToPref(const SFileSpec& spec, const char* section);
+  bool LoadFromPref(const SFileSpec& spec, const char* section);
+  bool DeleteFromPref(const SFileSpec& spec, const char* section);
+  bool SaveMergedToPref(const SFileSpec& spec, const char* section);
+  bool MergeFromPref(const SFileSpec& spec, const char* section);
   // From a record file, or if it is none, from a preference file.
-  bool LoadAny(const SFileSpec& spec, const char* section, bool flag = false);
-  bool MergeFromAny(const SFileSpec& spec, const char* section, bool flag = false);
+  bool LoadAny(const SFileSpec& spec, const char* section);
+  bool MergeFromAny(const SFileSpec& spec, const char* section);
 
  protected:
   SDob(const SDob& other) = default;

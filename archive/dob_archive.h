@@ -6,6 +6,10 @@
 // becomes the key, below the section and key levels that were pushed. A null name adds nothing to
 // the key.
 //
+// The first failure stays: the transfers that follow do nothing, and whoever serializes looks once,
+// at the end. The virtual operations stand in an order that programs built apart from this one call
+// them by, like those of SDob.
+//
 // An array is no type of its own: a record transfers a count and then the elements.
 #pragma once
 
@@ -20,15 +24,18 @@ namespace kivstore {
 
 class IDobArchive {
  public:
-  // Virtual operations stand in slot order.
   virtual bool IsReading() const = 0;
   virtual bool IsWriting() const = 0;
   virtual bool IsDeleting() const = 0;  // removes keys; the text form only
   virtual bool HasError() const = 0;
+  // The head of a file, which only the binary form has: the text form answers true. The checks
+  // consume what they compare.
   virtual bool WriteBytes(const void* data, int16_t length) = 0;
   virtual bool WriteTag(uint32_t tag) = 0;
   virtual bool CheckBytes(const void* data, int16_t length) = 0;
   virtual bool CheckTag(uint32_t tag) = 0;
+  // The levels that a name stands under. The binary form has none and answers null for them. Each
+  // push has its pop, also after an error.
   virtual void PushSectionNumber(uint16_t n) = 0;
   virtual void PushSection(const char* name) = 0;
   virtual void PopSection() = 0;
@@ -37,6 +44,7 @@ class IDobArchive {
   virtual void PushKey(const char* name) = 0;
   virtual void PopKey() = 0;
   virtual const char* GetKey() const = 0;
+  // Writes out what is pending; nothing may be transferred behind it.
   virtual void Finish() = 0;
   // On reading the handle receives a new block, the caller's, or null for a length of 0.
   virtual bool TransferBlob(const char* name, MemoryHandle& handle, int32_t& length) = 0;

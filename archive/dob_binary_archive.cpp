@@ -13,10 +13,67 @@ SDateTime TimeOfCreation(int32_t mode) {
   return mode == SDobBinaryArchive::kWrite ? SDateTime() : SDateTime::None();
 }
 
+// One field in the stream. Numbers, the signed and the unsigned of a width alike, go as their
+// bytes.
+template <class Number>
+bool Write(SBinaryStream& stream, Number value) {
+  if constexpr (sizeof value == 1) {
+    return stream.WriteByte(static_cast<uint8_t>(value));
+  } else {
+    return stream.WriteNumber(value);
+  }
+}
+bool Write(SBinaryStream& stream, SDateTime value) {
+  return stream.WriteDateTime(value);
+}
+bool Write(SBinaryStream& stream, const SRect& value) {
+  return stream.WriteRect(value);
+}
+bool Write(SBinaryStream& stream, const SSize& value) {
+  return stream.WriteSize(value);
+}
+bool Write(SBinaryStream& stream, const SPoint& value) {
+  return stream.WritePoint(value);
+}
+bool Write(SBinaryStream& stream, const SString& value) {
+  return stream.WriteText(value);
+}
+
+template <class Number>
+bool Read(SBinaryStream& stream, Number& value) {
+  return stream.ReadNumber(value);
+}
+bool Read(SBinaryStream& stream, bool& value) {
+  uint8_t byte = value ? 1 : 0;
+  const bool read = stream.ReadByte(byte);
+  value = byte != 0;
+  return read;
+}
+bool Read(SBinaryStream& stream, SDateTime& value) {
+  return stream.ReadDateTime(value);
+}
+bool Read(SBinaryStream& stream, SRect& value) {
+  return stream.ReadRect(value);
+}
+bool Read(SBinaryStream& stream, SSize& value) {
+  return stream.ReadSize(value);
+}
+bool Read(SBinaryStream& stream, SPoint& value) {
+  return stream.ReadPoint(value);
+}
+// A memory stream takes a text without its NUL and only its position tells.
+bool Read(SBinaryStream& stream, SString& value) {
+  SStreamSource& source = stream.Source();
+  if (stream.ReadText(value) && source.GetPosition() > source.GetLength()) {
+    stream.SetError(true);
+  }
+  return !stream.HasError();
+}
+
 }  // namespace
 
 SDobBinaryArchive::SDobBinaryArchive(int32_t mode, const SFileSpec& spec)
-    : mode(mode), now(TimeOfCreation(mode)), stream(nullptr), ownsStream(true) {
+    : SDobTransfers(TimeOfCreation(mode)), mode(mode), stream(nullptr), ownsStream(true) {
   auto* const source = new (std::nothrow) SStreamSrcFile(spec);
   const int32_t streamMode = IsWriting() ? SBinaryStream::kWrite : SBinaryStream::kRead;
   stream = new (std::nothrow) SBinaryStream(streamMode, source, true);
@@ -26,7 +83,7 @@ SDobBinaryArchive::SDobBinaryArchive(int32_t mode, const SFileSpec& spec)
 }
 
 SDobBinaryArchive::SDobBinaryArchive(int32_t mode, SBinaryStream* stream)
-    : mode(mode), now(TimeOfCreation(mode)), stream(stream), ownsStream(false) {}
+    : SDobTransfers(TimeOfCreation(mode)), mode(mode), stream(stream), ownsStream(false) {}
 
 SDobBinaryArchive::~SDobBinaryArchive() {
   if (ownsStream) {
@@ -102,106 +159,12 @@ bool SDobBinaryArchive::ReadBlob(MemoryHandle& handle, int32_t& length) {
   return read;
 }
 
-bool SDobBinaryArchive::TransferDateTime(const char*, SDateTime& value) {
+template <class T>
+bool SDobBinaryArchive::TransferField(const char*, T& value) {
   if (stream == nullptr) {
     return false;
   }
-  return IsWriting() ? stream->WriteDateTime(value) : stream->ReadDateTime(value);
-}
-
-bool SDobBinaryArchive::TransferRect(const char*, SRect& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  return IsWriting() ? stream->WriteRect(value) : stream->ReadRect(value);
-}
-
-bool SDobBinaryArchive::TransferSize(const char*, SSize& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  return IsWriting() ? stream->WriteSize(value) : stream->ReadSize(value);
-}
-
-bool SDobBinaryArchive::TransferPoint(const char*, SPoint& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  return IsWriting() ? stream->WritePoint(value) : stream->ReadPoint(value);
-}
-
-bool SDobBinaryArchive::TransferString(const char*, SString& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  if (IsWriting()) {
-    return stream->WriteText(value);
-  }
-  // A memory stream takes a text without its NUL and only its position tells.
-  SStreamSource& source = stream->Source();
-  if (stream->ReadText(value) && source.GetPosition() > source.GetLength()) {
-    stream->SetError(true);
-  }
-  return !stream->HasError();
-}
-
-bool SDobBinaryArchive::TransferDouble(const char*, double& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  return IsWriting() ? stream->WriteDouble(value) : stream->ReadDouble(value);
-}
-
-// The signed and the unsigned number of a width have the same bytes.
-bool SDobBinaryArchive::TransferULong(const char* name, uint32_t& value) {
-  return TransferLong(name, reinterpret_cast<int32_t&>(value));
-}
-
-bool SDobBinaryArchive::TransferLong(const char*, int32_t& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  return IsWriting() ? stream->WriteLong(value) : stream->ReadLong(value);
-}
-
-bool SDobBinaryArchive::TransferUShort(const char* name, uint16_t& value) {
-  return TransferShort(name, reinterpret_cast<int16_t&>(value));
-}
-
-bool SDobBinaryArchive::TransferShort(const char*, int16_t& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  return IsWriting() ? stream->WriteShort(value) : stream->ReadShort(value);
-}
-
-bool SDobBinaryArchive::TransferUChar(const char*, uint8_t& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  return IsWriting() ? stream->WriteByte(value) : stream->ReadByte(value);
-}
-
-bool SDobBinaryArchive::TransferChar(const char* name, char& value) {
-  return TransferUChar(name, reinterpret_cast<uint8_t&>(value));
-}
-
-bool SDobBinaryArchive::TransferBool(const char*, bool& value) {
-  if (stream == nullptr) {
-    return false;
-  }
-  if (IsWriting()) {
-    return stream->WriteByte(value ? 1 : 0);
-  }
-  uint8_t byte = value ? 1 : 0;
-  const bool read = stream->ReadByte(byte);
-  value = byte != 0;
-  return read;
-}
-
-// Reading into a stamp that holds the fresh mark leaves it: what the file says was overtaken here.
-bool SDobBinaryArchive::TransferTimeStamp(const char*, SDateTime& stamp) {
-  return TransferDateTime(nullptr, stamp.IsFresh() ? now : stamp);
+  return IsWriting() ? Write(*stream, value) : Read(*stream, value);
 }
 
 const uint8_t* SDobBinaryArchive::TakeRowBytes(int32_t count, int32_t width) {
@@ -219,5 +182,21 @@ bool SDobBinaryArchive::TakeRow(bool* row, int32_t count) {
   std::transform(bytes, bytes + count, row, [](uint8_t byte) { return byte != 0; });
   return true;
 }
+
+template class SDobTransfers<SDobBinaryArchive>;
+// Another form in another program may hand its fields on to this one.
+template bool SDobBinaryArchive::TransferField(const char*, SDateTime&);
+template bool SDobBinaryArchive::TransferField(const char*, SRect&);
+template bool SDobBinaryArchive::TransferField(const char*, SSize&);
+template bool SDobBinaryArchive::TransferField(const char*, SPoint&);
+template bool SDobBinaryArchive::TransferField(const char*, SString&);
+template bool SDobBinaryArchive::TransferField(const char*, double&);
+template bool SDobBinaryArchive::TransferField(const char*, uint32_t&);
+template bool SDobBinaryArchive::TransferField(const char*, int32_t&);
+template bool SDobBinaryArchive::TransferField(const char*, uint16_t&);
+template bool SDobBinaryArchive::TransferField(const char*, int16_t&);
+template bool SDobBinaryArchive::TransferField(const char*, uint8_t&);
+template bool SDobBinaryArchive::TransferField(const char*, char&);
+template bool SDobBinaryArchive::TransferField(const char*, bool&);
 
 }  // namespace kivstore

@@ -14,12 +14,12 @@
 #pragma once
 
 #include "archive/binary_stream.h"
-#include "archive/dob_archive.h"
+#include "archive/dob_transfers.h"
 #include "foundation/files/file_spec.h"
 
 namespace kivstore {
 
-class SDobBinaryArchive final : public IDobArchive {
+class SDobBinaryArchive final : public SDobTransfers<SDobBinaryArchive> {
  public:
   static constexpr int32_t kRead = 0;
   static constexpr int32_t kWrite = 1;
@@ -48,20 +48,6 @@ class SDobBinaryArchive final : public IDobArchive {
   const char* GetKey() const override { return nullptr; }
   void Finish() override;
   bool TransferBlob(const char* name, MemoryHandle& handle, int32_t& length) override;
-  bool TransferDateTime(const char* name, SDateTime& value) override;
-  bool TransferRect(const char* name, SRect& value) override;
-  bool TransferSize(const char* name, SSize& value) override;
-  bool TransferPoint(const char* name, SPoint& value) override;
-  bool TransferString(const char* name, SString& value) override;
-  bool TransferDouble(const char* name, double& value) override;
-  bool TransferULong(const char* name, uint32_t& value) override;
-  bool TransferLong(const char* name, int32_t& value) override;
-  bool TransferUShort(const char* name, uint16_t& value) override;
-  bool TransferShort(const char* name, int16_t& value) override;
-  bool TransferUChar(const char* name, uint8_t& value) override;
-  bool TransferChar(const char* name, char& value) override;
-  bool TransferBool(const char* name, bool& value) override;
-  bool TransferTimeStamp(const char* name, SDateTime& stamp) override;
 
   // When reading, a row of elements at once, as if one by one. False, and nothing has happened, if
   // they do not lie ready in the stream's buffer to the last.
@@ -76,14 +62,18 @@ class SDobBinaryArchive final : public IDobArchive {
   }
 
  private:
+  friend SDobTransfers;
+  template <class T>
+  bool TransferField(const char* name, T& value);
   const uint8_t* TakeRowBytes(int32_t count, int32_t width);
   bool WriteBlob(MemoryHandle handle, int32_t length);
   bool ReadBlob(MemoryHandle& handle, int32_t& length);
 
   int32_t mode;
-  SDateTime now;  // goes out in place of the fresh mark
   SBinaryStream* stream;
   bool ownsStream;
 };
+
+extern template class SDobTransfers<SDobBinaryArchive>;
 
 }  // namespace kivstore

@@ -39,7 +39,7 @@ bool SDob::LoadFromFile(const SFileSpec& spec) {
   return ReadFromArchive(archive);
 }
 
-bool SDob::SaveToStream(SBinaryStream& stream, bool) {
+bool SDob::SaveToStream(SBinaryStream& stream) {
   SDobBinaryArchive archive(SDobBinaryArchive::kWrite, &stream);
   return WriteToArchive(archive);
 }

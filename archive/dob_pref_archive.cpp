@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <limits>
+#include <type_traits>
 
 namespace kivstore {
 namespace {
@@ -15,10 +16,77 @@ struct NumberName {
   char text[8];
 };
 
+SString TextOf(const SString& value) {
+  return value;
+}
+SString TextOf(double value) {
+  SString text;
+  text.FromDouble(value, kDecimals);
+  return text;
+}
+SString TextOf(bool value) {
+  return SString(value ? "1" : "0");
+}
+SString TextOf(char value) {
+  SString text;
+  text = value;
+  return text;
+}
+template <class Number>
+SString TextOf(Number value) {
+  SString text;
+  if constexpr (std::is_signed_v<Number>) {
+    text.FromLong(value);
+  } else {
+    text.FromULong(value);
+  }
+  return text;
+}
+
+// Each answers whether the text fits; the value stays as it was if it does not.
+bool Parse(const SString& text, SString& value) {
+  value = text;
+  return true;
+}
+bool Parse(const SString& text, double& value) {
+  double parsed = 0;
+  const bool fits = text.ToDouble(parsed);
+  value = fits ? parsed : value;
+  return fits;
+}
+bool Parse(const SString& text, bool& value) {
+  value = text.IsEmpty() ? value : text == "1";
+  return !text.IsEmpty();
+}
+bool Parse(const SString& text, char& value) {
+  value = text.IsEmpty() ? value : text.GetAt(0);
+  return !text.IsEmpty();
+}
+// A value that is no number counts as success, with what digits it has.
+bool Parse(const SString& text, int32_t& value) {
+  if (!text.IsEmpty()) {
+    text.ToLong(value);
+  }
+  return !text.IsEmpty();
+}
+template <class Number>
+bool Parse(const SString& text, Number& value) {
+  using Limits = std::numeric_limits<Number>;
+  std::conditional_t<Limits::is_signed, int32_t, uint32_t> parsed = 0;
+  bool fits = false;
+  if constexpr (Limits::is_signed) {
+    fits = text.ToLong(parsed) && parsed >= Limits::min() && parsed <= Limits::max();
+  } else {
+    fits = text.ToULong(parsed) && parsed <= Limits::max();
+  }
+  value = fits ? static_cast<Number>(parsed) : value;
+  return fits;
+}
+
 }  // namespace
 
 SDobPrefArchive::SDobPrefArchive(int32_t mode, const SFileSpec& spec)
-    : SPrefFile(spec), mode(mode) {
+    : SDobTransfers(SDateTime()), SPrefFile(spec), mode(mode) {
   UseDefaultSection();
   error = !Open(IsReading() ? SPrefFile::kRead : SPrefFile::kWrite);
 }
@@ -61,10 +129,11 @@ void SDobPrefArchive::PopKey() {
   }
 }
 
-template <class Format, class Parse>
-bool SDobPrefArchive::TransferText(const char* name, Format format, Parse parse) {
+// The frame of every scalar.
+template <class T>
+bool SDobPrefArchive::TransferField(const char* name, T& value) {
   PushKey(name);
-  const bool transferred = TransferHere(format, parse);
+  const bool transferred = TransferHere(value);
   PopKey();
   if (!transferred) {
     error = true;
@@ -72,137 +141,52 @@ bool SDobPrefArchive::TransferText(const char* name, Format format, Parse parse)
   return transferred;
 }
 
-template <class Format, class Parse>
-bool SDobPrefArchive::TransferHere(Format format, Parse parse) {
-  SString text;
+template <class T>
+bool SDobPrefArchive::TransferHere(T& value) {
   if (IsWriting()) {
-    format(text);
-    return SetValue(GetSection(), GetKey(), text);
+    return SetValue(GetSection(), GetKey(), TextOf(value));
   }
   if (IsDeleting()) {
     DeleteKey(GetSection(), GetKey());
     return true;
   }
-  return GetValue(GetSection(), GetKey(), text) && parse(text);
+  SString text;
+  return GetValue(GetSection(), GetKey(), text) && Parse(text, value);
 }
 
-bool SDobPrefArchive::TransferString(const char* name, SString& value) {
-  return TransferText(
-      name, [&](SString& text) { text = value; },
-      [&](const SString& text) {
-        value = text;
-        return true;
-      });
-}
-
-bool SDobPrefArchive::TransferDouble(const char* name, double& value) {
-  return TransferText(
-      name, [&](SString& text) { text.FromDouble(value, kDecimals); },
-      [&](const SString& text) {
-        double parsed = 0;
-        const bool fits = text.ToDouble(parsed);
-        value = fits ? parsed : value;
-        return fits;
-      });
-}
-
-template <class Number>
-bool SDobPrefArchive::TransferUnsigned(const char* name, Number& value) {
-  return TransferText(
-      name, [&](SString& text) { text.FromULong(value); },
-      [&](const SString& text) {
-        uint32_t parsed = 0;
-        const bool fits = text.ToULong(parsed) && parsed <= std::numeric_limits<Number>::max();
-        value = fits ? static_cast<Number>(parsed) : value;
-        return fits;
-      });
-}
-
-bool SDobPrefArchive::TransferULong(const char* name, uint32_t& value) {
-  return TransferUnsigned(name, value);
-}
-
-// A value that is no number counts as success, with what digits it has.
-bool SDobPrefArchive::TransferLong(const char* name, int32_t& value) {
-  return TransferText(
-      name, [&](SString& text) { text.FromLong(value); },
-      [&](const SString& text) {
-        if (!text.IsEmpty()) {
-          text.ToLong(value);
-        }
-        return !text.IsEmpty();
-      });
-}
-
-bool SDobPrefArchive::TransferUShort(const char* name, uint16_t& value) {
-  return TransferUnsigned(name, value);
-}
-
-bool SDobPrefArchive::TransferShort(const char* name, int16_t& value) {
-  return TransferText(
-      name, [&](SString& text) { text.FromLong(value); },
-      [&](const SString& text) {
-        int32_t parsed = 0;
-        const bool fits = text.ToLong(parsed) && parsed >= INT16_MIN && parsed <= INT16_MAX;
-        value = fits ? static_cast<int16_t>(parsed) : value;
-        return fits;
-      });
-}
-
-bool SDobPrefArchive::TransferUChar(const char* name, uint8_t& value) {
-  return TransferUnsigned(name, value);
-}
-
-bool SDobPrefArchive::TransferChar(const char* name, char& value) {
-  return TransferText(
-      name, [&](SString& text) { text = value; },
-      [&](const SString& text) {
-        value = text.IsEmpty() ? value : text.GetAt(0);
-        return !text.IsEmpty();
-      });
-}
-
-bool SDobPrefArchive::TransferBool(const char* name, bool& value) {
-  return TransferText(
-      name, [&](SString& text) { text = value ? '1' : '0'; },
-      [&](const SString& text) {
-        value = text.IsEmpty() ? value : text == "1";
-        return !text.IsEmpty();
-      });
-}
-
-bool SDobPrefArchive::TransferPoint(const char* name, SPoint& value) {
+bool SDobPrefArchive::TransferParts(const char* name, std::initializer_list<Part> parts) {
   PushKey(name);
-  TransferLong("x", value.x);
-  TransferLong("y", value.y);
+  for (const Part& part : parts) {
+    TransferField(part.name, part.value);
+  }
   PopKey();
   return !error;
 }
 
-bool SDobPrefArchive::TransferSize(const char* name, SSize& value) {
-  PushKey(name);
-  TransferLong("cx", value.cx);
-  TransferLong("cy", value.cy);
-  PopKey();
-  return !error;
+template <>
+bool SDobPrefArchive::TransferField(const char* name, SPoint& value) {
+  return TransferParts(name, {{"x", value.x}, {"y", value.y}});
 }
 
-bool SDobPrefArchive::TransferRect(const char* name, SRect& value) {
-  PushKey(name);
-  TransferLong("left", value.left);
-  TransferLong("top", value.top);
-  TransferLong("right", value.right);
-  TransferLong("bottom", value.bottom);
-  PopKey();
-  return !error;
+template <>
+bool SDobPrefArchive::TransferField(const char* name, SSize& value) {
+  return TransferParts(name, {{"cx", value.cx}, {"cy", value.cy}});
 }
 
-bool SDobPrefArchive::TransferDateTime(const char* name, SDateTime& value) {
+template <>
+bool SDobPrefArchive::TransferField(const char* name, SRect& value) {
+  return TransferParts(
+      name,
+      {{"left", value.left}, {"top", value.top}, {"right", value.right}, {"bottom", value.bottom}});
+}
+
+template <>
+bool SDobPrefArchive::TransferField(const char* name, SDateTime& value) {
   uint32_t high = value.IsFresh() ? SDateTime::kFresh : 0;  // dropped on reading
   uint32_t low = value.Raw();
   PushKey(name);
-  TransferULong("high", high);
-  TransferULong("low", low);
+  TransferField("high", high);
+  TransferField("low", low);
   PopKey();
   if (IsReading()) {
     value.SetRaw(low);
@@ -210,16 +194,6 @@ bool SDobPrefArchive::TransferDateTime(const char* name, SDateTime& value) {
   return !error;
 }
 
-// Reading into a stamp that holds the fresh mark leaves it: what the file says was overtaken here.
-bool SDobPrefArchive::TransferTimeStamp(const char* name, SDateTime& stamp) {
-  if (name != nullptr) {
-    PushKey(name);
-  }
-  const bool transferred = TransferDateTime("ts", stamp.IsFresh() ? now : stamp);
-  if (name != nullptr) {
-    PopKey();
-  }
-  return transferred;
-}
+template class SDobTransfers<SDobPrefArchive>;
 
 }  // namespace kivstore

@@ -16,13 +16,15 @@
 // Blobs have no text form.
 #pragma once
 
-#include "archive/dob_archive.h"
+#include <initializer_list>
+
+#include "archive/dob_transfers.h"
 #include "archive/pref_file.h"
 #include "archive/pref_path.h"
 
 namespace kivstore {
 
-class SDobPrefArchive final : public IDobArchive, public SPrefFile {
+class SDobPrefArchive final : public SDobTransfers<SDobPrefArchive>, public SPrefFile {
  public:
   static constexpr int32_t kRead = 0;
   static constexpr int32_t kWrite = 1;
@@ -49,36 +51,26 @@ class SDobPrefArchive final : public IDobArchive, public SPrefFile {
   const char* GetKey() const override { return key.text; }
   void Finish() override { Close(); }
   bool TransferBlob(const char*, MemoryHandle&, int32_t&) override { return false; }
-  bool TransferDateTime(const char* name, SDateTime& value) override;
-  bool TransferRect(const char* name, SRect& value) override;
-  bool TransferSize(const char* name, SSize& value) override;
-  bool TransferPoint(const char* name, SPoint& value) override;
-  bool TransferString(const char* name, SString& value) override;
-  bool TransferDouble(const char* name, double& value) override;
-  bool TransferULong(const char* name, uint32_t& value) override;
-  bool TransferLong(const char* name, int32_t& value) override;
-  bool TransferUShort(const char* name, uint16_t& value) override;
-  bool TransferShort(const char* name, int16_t& value) override;
-  bool TransferUChar(const char* name, uint8_t& value) override;
-  bool TransferChar(const char* name, char& value) override;
-  bool TransferBool(const char* name, bool& value) override;
-  bool TransferTimeStamp(const char* name, SDateTime& stamp) override;
 
  private:
-  // The frame of every scalar: `format` fills the text to write, `parse` takes the text read.
-  template <class Format, class Parse>
-  bool TransferText(const char* name, Format format, Parse parse);
-  template <class Format, class Parse>
-  bool TransferHere(Format format, Parse parse);
-  template <class Number>
-  bool TransferUnsigned(const char* name, Number& value);
+  friend SDobTransfers;
+  template <class T>
+  bool TransferField(const char* name, T& value);
+  template <class T>
+  bool TransferHere(T& value);
+  struct Part {
+    const char* name;
+    int32_t& value;
+  };
+  bool TransferParts(const char* name, std::initializer_list<Part> parts);
   void UseDefaultSection();
 
   int32_t mode;
   SPrefPath<32> section;
   SPrefPath<16> key;
-  SDateTime now;  // goes out in place of the fresh mark
   bool error;
 };
+
+extern template class SDobTransfers<SDobPrefArchive>;
 
 }  // namespace kivstore

@@ -28,37 +28,36 @@ std::unique_ptr<SDob> NewCleared(const SDob& record) {
 
 }  // namespace
 
-bool SDob::SaveToPref(const SFileSpec& spec, const char* section, bool) {
+bool SDob::SaveToPref(const SFileSpec& spec, const char* section) {
   return TransferSection(*this, SDobPrefArchive::kWrite, spec, section);
 }
 
-bool SDob::LoadFromPref(const SFileSpec& spec, const char* section, bool) {
+bool SDob::LoadFromPref(const SFileSpec& spec, const char* section) {
   return TransferSection(*this, SDobPrefArchive::kRead, spec, section);
 }
 
-bool SDob::DeleteFromPref(const SFileSpec& spec, const char* section, bool) {
+bool SDob::DeleteFromPref(const SFileSpec& spec, const char* section) {
   return TransferSection(*this, SDobPrefArchive::kDelete, spec, section);
 }
 
-bool SDob::LoadAny(const SFileSpec& spec, const char* section, bool flag) {
-  return LoadFromFile(spec) || LoadFromPref(spec, section, flag);
+bool SDob::LoadAny(const SFileSpec& spec, const char* section) {
+  return LoadFromFile(spec) || LoadFromPref(spec, section);
 }
 
-bool SDob::SaveMergedToPref(const SFileSpec& spec, const char* section, bool flag) {
+bool SDob::SaveMergedToPref(const SFileSpec& spec, const char* section) {
   return SaveMerged(
-      *this, NewCleared(*this),
-      [&](SDob& record) { return record.LoadFromPref(spec, section, flag); },
-      [&](SDob& record) { return record.SaveToPref(spec, section, flag); });
+      *this, NewCleared(*this), [&](SDob& record) { return record.LoadFromPref(spec, section); },
+      [&](SDob& record) { return record.SaveToPref(spec, section); });
 }
 
-bool SDob::MergeFromPref(const SFileSpec& spec, const char* section, bool flag) {
+bool SDob::MergeFromPref(const SFileSpec& spec, const char* section) {
   return MergeStored(*this, NewCleared(*this),
-                     [&](SDob& record) { return record.LoadFromPref(spec, section, flag); });
+                     [&](SDob& record) { return record.LoadFromPref(spec, section); });
 }
 
-bool SDob::MergeFromAny(const SFileSpec& spec, const char* section, bool flag) {
+bool SDob::MergeFromAny(const SFileSpec& spec, const char* section) {
   return MergeStored(*this, NewCleared(*this),
-                     [&](SDob& record) { return record.LoadAny(spec, section, flag); });
+                     [&](SDob& record) { return record.LoadAny(spec, section); });
 }
 
 }  // namespace kivstore

@@ -2,7 +2,12 @@
 // and edited in place: nothing is parsed into a table, so all other lines, their order, their case
 // and whatever is no section or key stay as they are.
 //
-// Every failure is a false result. What was changed goes back to the file on Close.
+// Every failure is a false result, after which the text is as it was. What was changed goes back to
+// the file on Close; a file that could not be written to its end keeps its old length, and only
+// the last file failure tells of it. While it is open the file is held: shared for reading, alone
+// for writing.
+//
+// The virtual operations stand in an order that programs built apart from this one call them by.
 #pragma once
 
 #include <cstdint>
@@ -28,7 +33,6 @@ class SPrefFile {
   SPrefFile(const SPrefFile&) = delete;
   SPrefFile& operator=(const SPrefFile&) = delete;
 
-  // Virtual operations stand in slot order.
   virtual ~SPrefFile() { SPrefFile::Close(); }
   virtual void SetFile(const SFileSpec& newSpec);  // ignored while open
   // False if it is open already. Writing makes a missing file, where that can be.

@@ -47,7 +47,7 @@ bool SStreamSrcFile::OpenFile() {
     return false;
   }
   const int32_t fileMode = mode == kWrite ? SFile::kWrite : SFile::kRead;
-  if (!file->IsOpen() && !file->Open(fileMode, spec, 0, &openError)) {
+  if (!file->IsOpen() && !file->Open(fileMode, spec, &openError)) {
     return false;
   }
   // The size first: the file services read a small file along with it, from where it stands.
@@ -161,17 +161,13 @@ bool SStreamSrcFile::Skip(int32_t n) {
     Advance(n);
     return true;
   }
-  int64_t distance = n;
+  int32_t distance = n;
   if (mode != kWrite) {
     distance -= std::max(Held(), 0);
-  } else if (bufferIndex > 0) {
-    const int32_t waiting = bufferIndex;
-    if (!FlushBuffer()) {
-      return false;
-    }
-    n -= waiting;
+  } else if (bufferIndex > 0 && !FlushBuffer()) {
+    return false;
   }
-  CountMoved(n);
+  CountMoved(distance);
   return SeekBy(distance);
 }
 

@@ -1,5 +1,4 @@
-// Streams over memory: a block that grows as it is written, a caller's buffer of fixed size, and a
-// read-only view of a string.
+// The stream over memory: a block that grows as it is written, or a caller's buffer of fixed size.
 #pragma once
 
 #include "archive/stream_source.h"
@@ -54,16 +53,6 @@ class SStreamSrcMemory : public SStreamSource {
  private:
   bool AllocateOwned();
   bool Grow(int32_t n);
-};
-
-// The text without a terminator; opening it for writing fails.
-class SStreamSrcString : public SStreamSrcMemory {
- public:
-  explicit SStreamSrcString(const SString& source);
-  bool Open(int32_t openMode) override;
-
- private:
-  SString text;
 };
 
 }  // namespace kivstore

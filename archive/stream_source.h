@@ -5,6 +5,8 @@
 // seek). There is no seek: a stream moves by Rewind, Skip and UnreadByte alone. A stream object
 // opens once.
 //
+// The virtual operations stand in an order that programs built apart from this one call them by.
+//
 // `swap` reverses the bytes between stream and memory: with it, the first byte of the stream lands
 // in dest[count - 1], and on writing the last byte of the source goes first. That is how numbers
 // are big-endian in every file; plain bytes go without.
@@ -24,7 +26,6 @@ class SStreamSource {
 
   virtual ~SStreamSource() = default;
 
-  // Virtual operations stand in slot order.
   virtual bool Open(int32_t openMode);
   virtual bool Rewind() = 0;
   virtual int32_t GetPosition() = 0;

@@ -48,12 +48,4 @@ inline void CopySwapped(void* to, const void* from, int32_t count) {
   }
 }
 
-inline void CopyNumber(void* to, const void* from, int32_t count, bool swap) {
-  if (swap) {
-    CopySwapped(to, from, count);
-  } else {
-    std::memcpy(to, from, static_cast<size_t>(count));
-  }
-}
-
 }  // namespace kivstore

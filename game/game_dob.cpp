@@ -3,8 +3,19 @@
 #include "records/screens.h"
 
 namespace kivstore {
+namespace {
 
-SGameDob::SGameDob() {
+// The per-game record of the options in force; null if there is none of the tutor's kind.
+const STeacherOptionsGameDob* ProgressInForce(const IGameHost* host) {
+  const SKivTeacherOptionsDob* const options = host != nullptr ? host->GetOptions() : nullptr;
+  return options != nullptr && options->gameOptions != nullptr
+             ? AsRecord<STeacherOptionsGameDob>(*options->gameOptions)
+             : nullptr;
+}
+
+}  // namespace
+
+SGameDob::SGameDob(IGameHost* host) : SFieldRecord(host) {
   InitGraphData();
   SetDirty(false);
 }
@@ -15,7 +26,7 @@ const SString& SGameDob::GetStartScreen() const {
 
 void SGameDob::ResetProgress() {
   errorDob.Clear();
-  lessonDob.ResetKeepingKeys();
+  lessonDob.ResetKeepingKeys(ProgressInForce(GetHost()));
 }
 
 void SGameDob::InitGraphData() {

@@ -20,11 +20,10 @@ namespace kivstore {
 
 class SGameDob : public SFieldRecord<SGameDob, SKivGameDob> {
  public:
-  SGameDob();
+  explicit SGameDob(IGameHost* host = nullptr);
 
   uint32_t GetVersion() const override { return gFileVersion; }
   const SString& GetStartScreen() const override;
-  // Slot 38.
   virtual uint32_t GetFileKey() const { return kFileTypeGame; }
 
   void SetFileSpec(const SFileSpec& spec) { fileSpec = spec; }

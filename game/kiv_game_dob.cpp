@@ -2,9 +2,18 @@
 
 namespace kivstore {
 
-SKivGameDob::SKivGameDob() : options(MakeGameOptions()) {}
+namespace {
 
-SKivGameDob::SKivGameDob(const SKivGameDob& other) : SDob(other), options(MakeGameOptions()) {
+SKivTeacherOptionsGameDob* MakeGameOptions(IGameHost* host) {
+  return host != nullptr ? host->CreateGameOptions() : new (std::nothrow) STeacherOptionsGameDob;
+}
+
+}  // namespace
+
+SKivGameDob::SKivGameDob(IGameHost* host) : options(MakeGameOptions(host)), host(host) {}
+
+SKivGameDob::SKivGameDob(const SKivGameDob& other)
+    : SDob(other), options(MakeGameOptions(other.host)), host(other.host) {
   CopyFields(other);
 }
 

@@ -12,14 +12,18 @@
 //
 // No trailer, length or checksum; where it lies is not stored. A default game is 957 bytes long.
 //
-// The record and its file stand in records/; the flows need the store and stand in app/.
+// A game has a host, the application. One without stands alone: it is loaded, transferred and
+// compared, with options of the tutor's own kind, and its flows answer false. The host only ever
+// asks LoadGame for the progress of a student; the flows are a playing tutor's.
 #pragma once
 
 #include <memory>
 
 #include "archive/dob.h"
+#include "archive/file_version.h"
 #include "foundation/files/file_spec.h"
 #include "foundation/text/string.h"
+#include "game/game_host.h"
 #include "records/game_options_dob.h"
 
 namespace kivstore {
@@ -29,8 +33,8 @@ class SLockFile;
 
 class SKivGameDob : public SDob {
  public:
-  // The application's factory makes the options.
-  SKivGameDob();
+  // The host's factory makes the options.
+  explicit SKivGameDob(IGameHost* host = nullptr);
   SKivGameDob(const SKivGameDob& other);
   ~SKivGameDob() override;
 
@@ -106,7 +110,7 @@ class SKivGameDob : public SDob {
   // unless the fault lies behind the header.
   bool LoadGame(const SFileSpec& spec);
   static bool IsGameFile(const SFileSpec& spec);
-  static bool IsSharedGameFile(const SFileSpec& spec);
+  bool IsSharedGameFile(const SFileSpec& spec) const;
   // Where a game goes that has no place yet.
   void DefaultGameFolder(SFileSpec& spec) const;
 
@@ -128,6 +132,8 @@ class SKivGameDob : public SDob {
   static constexpr int kAskFailed = -1;
   static constexpr int kCancelClose = 2;
   static constexpr int kSaveFirst = 3;
+
+  IGameHost* GetHost() const { return host; }
 
  protected:
   void ResetFields();
@@ -152,9 +158,12 @@ class SKivGameDob : public SDob {
   bool TakeOwnership(SKivGameDob& game, const SFileSpec& spec, const SString& longName,
                      void* parent);
   void MakeOurs(SKivGameDob& game, const SString& longName) const;
-  static bool LockFolder(SLockFile& lock, const SFileSpec& spec);
+  bool LockFolder(SLockFile& lock, const SFileSpec& spec) const;
   bool WriteGame(SFileSpec& spec, const SString& longName, SLockFile& lock);
   void NoteSaved(const SFileSpec& spec, const SString& longName);
+  OwnedGame CreateGame() const;
+
+  IGameHost* host;  // null: none
 };
 
 }  // namespace kivstore

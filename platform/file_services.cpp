@@ -38,6 +38,10 @@ bool SForwardingFileServices::Flush(FileHandle file) {
   return inner.Flush(file);
 }
 
+SystemError SForwardingFileServices::TransferError() {
+  return inner.TransferError();
+}
+
 bool SForwardingFileServices::Attributes(const char* path, FileAttributes& attributes,
                                          SystemError& error) {
   return inner.Attributes(path, attributes, error);

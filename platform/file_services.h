@@ -30,8 +30,10 @@ enum class SystemError : uint32_t {
   kAccessDenied = 5,
   kInvalidHandle = 6,
   kNotSameDevice = 17,
+  kWriteProtected = 19,  // a medium or file system that takes no changes at all
   kSharingViolation = 32,
-  kDiskFull = 112,
+  kDeviceGone = 55,  // the disk, server or connection no longer answers
+  kDiskFull = 112,   // or the user's share of it
   kInvalidName = 123,
   kFolderNotEmpty = 145,
   kAlreadyExists = 183,
@@ -86,6 +88,9 @@ class IFileServices {
   // Cuts or extends the file to the position.
   virtual bool SetEnd(FileHandle file) = 0;
   virtual bool Flush(FileHandle file) = 0;
+  // Why the last Read, Write, SetEnd or Flush that moved less than asked or answered false did so:
+  // kNone for a reading that met the end of the file. Services that cannot tell say kOther.
+  virtual SystemError TransferError() { return SystemError::kOther; }
 
   // One look. Where the system keeps the hidden mark apart from the rest, `hidden` tells only what
   // the name says; FullAttributes looks for the mark too.
@@ -134,6 +139,7 @@ class SForwardingFileServices : public IFileServices {
   int64_t Size(FileHandle file) override;
   bool SetEnd(FileHandle file) override;
   bool Flush(FileHandle file) override;
+  SystemError TransferError() override;
   bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
   bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;
   bool SetAttributes(const char* path, const FileAttributes& attributes,

@@ -1,12 +1,6 @@
 #include "records/game_options_dob.h"
 
-#include "foundation/application.h"
-
 namespace kivstore {
-
-SKivTeacherOptionsGameDob* MakeGameOptions() {
-  return gApp != nullptr ? gApp->CreateGameOptions() : new (std::nothrow) STeacherOptionsGameDob;
-}
 
 STeacherOptionsGameDob::STeacherOptionsGameDob() {
   ResetFields();

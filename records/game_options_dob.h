@@ -10,7 +10,7 @@
 //   1           AllMissionsCompleted
 #pragma once
 
-#include "foundation/site_mode.h"
+#include "archive/file_version.h"
 #include "records/activity.h"
 #include "records/field_record.h"
 
@@ -23,10 +23,6 @@ class SKivTeacherOptionsGameDob : public SFieldRecord<SKivTeacherOptionsGameDob,
 
   static constexpr auto Fields() { return std::tuple<>(); }
 };
-
-// A new record by the application's choice, or without an application the product's own. Null if
-// out of memory.
-SKivTeacherOptionsGameDob* MakeGameOptions();
 
 class STeacherOptionsGameDob
     : public SFieldRecord<STeacherOptionsGameDob, SKivTeacherOptionsGameDob> {

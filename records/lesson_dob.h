@@ -8,6 +8,7 @@
 #pragma once
 
 #include "records/field_record.h"
+#include "records/game_options_dob.h"
 #include "records/key_index.h"
 
 namespace kivstore {
@@ -18,8 +19,8 @@ class SLessonDob : public SFieldRecord<SLessonDob, SDob> {
 
   bool HasLearnedNewKeys() const { return learnedNewKeys; }
   // For a new attempt: everything to its default but learnedNewKeys; the lesson's number follows
-  // the mission of the application's options.
-  void ResetKeepingKeys();
+  // the mission of `progress`, if there is one.
+  void ResetKeepingKeys(const STeacherOptionsGameDob* progress);
 
   int16_t lesnExStage;      // stage reached within the exercises
   int16_t currentExString;  // exercise string in progress; -1: none

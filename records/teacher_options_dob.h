@@ -11,7 +11,7 @@
 //   1, 8        StudentsHavePassword and its stamp
 #pragma once
 
-#include "foundation/site_mode.h"
+#include "archive/file_version.h"
 #include "records/field_record.h"
 #include "records/game_options_dob.h"
 
@@ -44,7 +44,7 @@ class SKivTeacherOptionsDob : public SFieldRecord<SKivTeacherOptionsDob, SDob> {
   ~SKivTeacherOptionsDob() override;
 
   uint32_t GetVersion() const override { return gFileVersion; }
-  // Slot 17: a new per-game record, null if out of memory.
+  // A new per-game record of the kind that these options hold; null if out of memory.
   virtual SKivTeacherOptionsGameDob* CreateGameOptions() const;
 
   SStamped<int16_t> SoundOn;
@@ -96,7 +96,7 @@ class SKivTeacherOptionsDob : public SFieldRecord<SKivTeacherOptionsDob, SDob> {
   }
 
  protected:
-  // For a derived class, whose own constructor clears: only then is slot 17 its own.
+  // For a derived class, whose own constructor clears: only then does the record make its own kind.
   struct Uncleared {};
   explicit SKivTeacherOptionsDob(Uncleared) {}
 };

@@ -19,8 +19,9 @@ class STeacherOptionsDob : public SFieldRecord<STeacherOptionsDob, SKivTeacherOp
   // Lays down the standard course, and turns AutoGameSaving and SeparateLastName on, both with the
   // fresh mark: this product decides them.
   void Clear() override;
-  // The application's choice.
-  SKivTeacherOptionsGameDob* CreateGameOptions() const override { return MakeGameOptions(); }
+  SKivTeacherOptionsGameDob* CreateGameOptions() const override {
+    return new (std::nothrow) STeacherOptionsGameDob;
+  }
   // The per-game record as the tutor's own; null if there is none or it is of another class.
   STeacherOptionsGameDob* GetGameOptions() const;
 

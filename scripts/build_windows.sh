@@ -1,7 +1,9 @@
 #!/bin/sh
-# Builds the DLL and the hosts for Windows, for 64 and for 32 bits, installing what is missing, and
-# looks at what came out: GeneralProc alone is exported, under its plain name, and nothing is needed
-# beside them but what every Windows has.
+# Builds the DLL and the hosts for Windows, installing what is missing, and looks at what came out:
+# GeneralProc alone is exported, under its plain name, and nothing is needed beside them but what every
+# Windows has.
+#
+#   scripts/build_windows.sh [BITS ...]     64 and 32
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/common.sh
@@ -15,21 +17,30 @@ check() {
   for file in kivstore.dll kivreport.exe kivadmin.exe; do
     others=$(imports_of "$1" "$2/$file" | grep -vxiE "($system)\\.dll|kivstore.dll" || true)
     [ -z "$others" ] || {
-      echo "$2/$file needs more than Windows has:" $others >&2
+      echo "$2/$file needs more than Windows has: $others" >&2
       return 1
     }
   done
   exports=$(exports_of "$1" "$2/kivstore.dll")
   [ "$exports" = GeneralProc ] || {
-    echo "$2/kivstore.dll exports:" $exports >&2
+    echo "$2/kivstore.dll exports: $exports" >&2
     return 1
   }
 }
 
 need_build_tools
 need_windows_tools
-for bits in 64 32; do
-  case $bits in 64) kind=x86_64 ;; *) kind=i686 ;; esac
+build_options="$build_options -DKIVSTORE_TESTS=OFF"
+[ $# -gt 0 ] || set -- 64 32
+for bits; do
+  case $bits in
+    64) kind=x86_64 ;;
+    32) kind=i686 ;;
+    *)
+      echo "usage: scripts/build_windows.sh [64] [32]" >&2
+      exit 2
+      ;;
+  esac
   echo "building windows$bits"
   build "windows$bits" kivstore kivreport kivadmin
   check "$kind" "build/windows$bits/bin"

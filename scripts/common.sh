@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # What demo.sh, test.sh and .ci/run share: installing what is missing, and building a preset.
 # To be sourced from the project's root.
 
@@ -44,7 +45,9 @@ need_test_tools() {
   need /usr/src/googletest/CMakeLists.txt googletest nm binutils python3 python3 strace strace
 }
 
-# build PRESET [TARGET ...]: configures and builds, quietly unless something is wrong.
+# build PRESET [TARGET ...]: configures, as `build_options` tells besides the preset, and builds, quietly
+# unless something is wrong.
+build_options=${build_options-}
 build() {
   preset=$1
   shift
@@ -53,7 +56,7 @@ build() {
   mkdir -p "build/$preset"
   log="build/$preset/build.log"
   # shellcheck disable=SC2086
-  if ! { cmake --preset "$preset" $generator &&
+  if ! { cmake --preset "$preset" $generator $build_options &&
          cmake --build --preset "$preset" -j "$(nproc)" ${1:+--target "$@"}; } >"$log" 2>&1; then
     tail -n 60 "$log" >&2
     echo "building $preset failed; all of it is in $log" >&2
@@ -75,20 +78,21 @@ fetch_libcsv() {
   echo "fetching the source of libcsv"
   rm -rf build/libcsv.apt build/libcsv
   mkdir -p build/libcsv.apt/lists/partial build/libcsv
-  ( cd build/libcsv.apt
+  if ( cd build/libcsv.apt
     # shellcheck disable=SC2016
     apt-get indextargets 'Created-By: Packages' 'Label: Debian' \
       --format 'deb-src $(REPO_URI) $(CODENAME) $(COMPONENT)' | sort -u >sources.list
     set -- -qq -o Dir::Etc::SourceList="$PWD/sources.list" -o Dir::Etc::SourceParts=/dev/null \
       -o Dir::State::Lists="$PWD/lists" -o APT::Sandbox::User=root
     apt-get "$@" update && apt-get "$@" source --download-only libcsv
-  ) >build/libcsv.apt.log 2>&1 && tar xf build/libcsv.apt/libcsv_*.orig.tar.* -C build/libcsv \
-      --strip-components=1 || {
-    cat build/libcsv.apt.log >&2
-    rm -rf build/libcsv
-    echo "could not fetch the source of libcsv" >&2
-    return 1
-  }
+  ) >build/libcsv.apt.log 2>&1 &&
+    tar xf build/libcsv.apt/libcsv_*.orig.tar.* -C build/libcsv --strip-components=1; then
+    return 0
+  fi
+  cat build/libcsv.apt.log >&2
+  rm -rf build/libcsv
+  echo "could not fetch the source of libcsv" >&2
+  return 1
 }
 
 # Runs Windows programs: sets `wine` to the loader, which is not on the PATH, and a prefix of the
@@ -100,12 +104,8 @@ need_wine() {
     echo "wine64 is installed, but its loader is not where its package says" >&2
     return 1
   }
-  mkdir -p "$1"
-  WINEPREFIX=$(cd "$1" && pwd)
+  mkdir -p build/windows64/wine
+  WINEPREFIX=$PWD/build/windows64/wine
   WINEDEBUG=-all
   export WINEPREFIX WINEDEBUG
-  "$wine" cmd /c ver >/dev/null 2>&1 || {
-    echo "Wine does not start; nothing of Windows was run" >&2
-    return 1
-  }
 }

@@ -3,15 +3,15 @@
 # UndefinedBehaviorSanitizer, installing what is missing. Fails on any finding and says where the
 # input is that led to it.
 #
-#   scripts/fuzz.sh [SECONDS] [TARGET ...]     20 seconds for each of: index longname last options
-#                                              game pref store
+#   scripts/fuzz.sh [SECONDS] [TARGET ...]     20 seconds for each of: format pref store
 #
-# What was found to lead somewhere new is kept in build/fuzz/corpus for the next run.
+# Begins with the inputs in tests/fuzz/corpus; what is found to lead somewhere new is kept in
+# build/fuzz/corpus for the next run.
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/common.sh
 
-all_targets="index longname last options game pref store"
+all_targets="format pref store"
 usage() {
   echo "usage: scripts/fuzz.sh [SECONDS] [TARGET ...]; targets: $all_targets" >&2
   exit 2
@@ -43,9 +43,7 @@ build fuzz
 folder=build/fuzz
 findings=$folder/findings
 logs=$folder/fuzz-logs
-rm -rf "$folder/seeds"
 mkdir -p "$findings" "$logs"
-"$folder/bin/write_seeds" "$folder/seeds"
 export UBSAN_OPTIONS=print_stacktrace=1
 
 # Long enough for every format's own size, short enough to be fast.
@@ -64,7 +62,7 @@ run_target() {
   status=0
   "$folder/bin/fuzz_$1" -max_total_time="$seconds" -max_len="$(longest_input "$1")" -timeout=10 \
     -rss_limit_mb=2048 -malloc_limit_mb=256 -print_final_stats=1 \
-    -artifact_prefix="$findings/$1-" "$corpus" "$folder/seeds/fuzz_$1" >"$log" 2>&1 || status=$?
+    -artifact_prefix="$findings/$1-" "$corpus" "tests/fuzz/corpus/$1" >"$log" 2>&1 || status=$?
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
   covered=$(sed -n 's/.* cov: \([0-9]*\) .*/\1/p' "$log" | tail -n 1)
   if [ "$status" = 0 ]; then

@@ -1,7 +1,7 @@
 // The array family: growable arrays.
 //
 //   SUInt32Array  SShortArray  SLongArray  SDoubleArray  SPtrArray  SBoolArray
-//   SStringArray  (foundation/string_array.h)
+//   SStringArray  (foundation/containers/string_array.h)
 //
 // Plain values lie in one movable block that stays locked for the array's whole life, so Data() is
 // usable directly. SPtrArray never owns what its pointers point at. An array that cannot grow stays
@@ -39,6 +39,9 @@ class SArray {
   int32_t Append(const SArray& other);  // returns the old size
   void Copy(const SArray& other);
   void FreeExtra();
+  // Room for `count` elements in all, with the size as it is; false if there is no memory.
+  bool Reserve(int32_t count);
+  void Swap(SArray& other);
   void RemoveAll() { SetSize(0); }
   void Add(T value) { SetAtGrow(size, std::move(value)); }
   void SetAtGrow(int32_t index, T value) {

@@ -5,6 +5,7 @@
 #include <compare>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "foundation/containers/array.h"
 #include "foundation/time/random.h"
@@ -103,6 +104,26 @@ void SArray<T>::FreeExtra() {
   } else if (size < capacity && storage.Reserve(size, size)) {
     capacity = size;
   }
+}
+
+template <class T>
+bool SArray<T>::Reserve(int32_t count) {
+  if (count <= capacity) {
+    return true;
+  }
+  if (!storage.Reserve(count, size)) {
+    return false;
+  }
+  capacity = count;
+  return true;
+}
+
+template <class T>
+void SArray<T>::Swap(SArray& other) {
+  std::swap(storage, other.storage);
+  std::swap(size, other.size);
+  std::swap(capacity, other.capacity);
+  std::swap(growBy, other.growBy);
 }
 
 template <class T>

@@ -31,7 +31,7 @@ IFileServices& Files() {
 
 }  // namespace
 
-bool SFile::Open(int32_t newMode, const SFileSpec& spec, int32_t, int32_t* error) {
+bool SFile::Open(int32_t newMode, const SFileSpec& spec, int32_t* error) {
   Close();
   SystemError failure = SystemError::kFileNotFound;
   if (spec.IsValid() && spec.Exists()) {
@@ -42,8 +42,8 @@ bool SFile::Open(int32_t newMode, const SFileSpec& spec, int32_t, int32_t* error
     *error = ToOpenError(handle != nullptr ? SystemError::kNone : failure);
   }
   isOpen = handle != nullptr;
-  mode = newMode;
-  return isOpen;
+  path = spec.GetPath();
+  return isOpen || NoteFileFailure(path, failure);
 }
 
 bool SFile::Close() {
@@ -56,12 +56,27 @@ bool SFile::Close() {
   return true;
 }
 
+bool SFile::Note(bool succeeded) const {
+  if (!succeeded && Files().TransferError() != SystemError::kNone) {
+    NoteFileFailure(path, Files().TransferError());
+  }
+  return succeeded;
+}
+
 int32_t SFile::Read(int32_t count, void* buffer) {
-  return isOpen && count > 0 ? Files().Read(handle, buffer, count) : 0;
+  const int32_t moved = isOpen && count > 0 ? Files().Read(handle, buffer, count) : 0;
+  if (isOpen && moved < count) {
+    Note(false);
+  }
+  return moved;
 }
 
 int32_t SFile::Write(int32_t count, const void* buffer) {
-  return isOpen && count > 0 ? Files().Write(handle, buffer, count) : 0;
+  const int32_t moved = isOpen && count > 0 ? Files().Write(handle, buffer, count) : 0;
+  if (isOpen && moved < count) {
+    Note(false);
+  }
+  return moved;
 }
 
 bool SFile::Seek(int32_t origin, int32_t offset) {
@@ -89,16 +104,16 @@ bool SFile::SetSize(int32_t size) {
   if (!Files().Seek(handle, SeekOrigin::kStart, size)) {
     return false;
   }
-  const bool set = Files().SetEnd(handle);
+  const bool set = Note(Files().SetEnd(handle));
   return Files().Seek(handle, SeekOrigin::kStart, position) && set;
 }
 
 bool SFile::Truncate() {
-  return isOpen && Files().SetEnd(handle);
+  return isOpen && Note(Files().SetEnd(handle));
 }
 
 bool SFile::Flush() {
-  return isOpen && Files().Flush(handle);
+  return isOpen && Note(Files().Flush(handle));
 }
 
 }  // namespace kivstore

@@ -25,12 +25,13 @@ class SFile {
   SFile(const SFile&) = delete;
   SFile& operator=(const SFile&) = delete;
 
-  // False without a system call for a spec that is not valid and existing. `reserved` is not used.
-  bool Open(int32_t mode, const SFileSpec& spec, int32_t reserved = 0, int32_t* error = nullptr);
+  // Closes what was open. False without a system call for a spec that is not valid and existing.
+  bool Open(int32_t mode, const SFileSpec& spec, int32_t* error = nullptr);
   bool Close();  // true if it was open
   bool IsOpen() const { return isOpen; }
 
-  // Bytes moved; 0 if closed or if count is below 1.
+  // Bytes moved; 0 if closed or if count is below 1. Fewer than asked: at the end of the file, or
+  // for a reason that is noted as the last file failure.
   int32_t Read(int32_t count, void* buffer);
   int32_t Write(int32_t count, const void* buffer);
   // Origin 0 from the start, 1 from the end, 2 from the current place.
@@ -45,8 +46,11 @@ class SFile {
   bool Flush();
 
  private:
+  // Whether all went well; if not, why not is noted.
+  bool Note(bool succeeded) const;
+
   FileHandle handle = nullptr;
-  int32_t mode = kRead;
+  SString path;
   bool isOpen = false;
 };
 

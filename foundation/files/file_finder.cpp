@@ -42,22 +42,25 @@ bool SFileFinder::NextEntry(FolderEntry& entry) {
   if (walk != nullptr) {
     failed = walk->HasFailed();
     walk.reset();
+    if (failed) {
+      NoteFileFailure(spec.GetPath(), SystemError::kOther);
+    }
   }
   return false;
 }
 
 bool SFileFinder::Start() {
   started = true;
+  SystemError error = SystemError::kPathNotFound;
   if (spec.IsExistingFolder()) {
     const std::string_view ending(pattern[0] != '\0' ? pattern : ".*");
     char search[sizeof pattern + 1] = "*";
     search[1 + ending.copy(search + 1, sizeof search - 2)] = '\0';
-    SystemError error;
     walk = Platform().files->Walk(spec.GetPathText(), search, error);
   }
   active = walk != nullptr;
   failed = !active;
-  return active;
+  return active || NoteFileFailure(spec.GetPath(), error);
 }
 
 bool SFileFinder::Accepts(const FolderEntry& entry) const {

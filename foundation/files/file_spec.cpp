@@ -11,6 +11,10 @@ namespace {
 
 constexpr size_t kNone = std::string_view::npos;
 
+constexpr int16_t kOtherError = 1;
+constexpr int16_t kNotFound = 2;
+constexpr int16_t kSharingViolation = 3;
+
 int16_t gLastError = 0;
 
 int16_t ToLastError(SystemError error) {
@@ -19,11 +23,11 @@ int16_t ToLastError(SystemError error) {
       return 0;
     case SystemError::kFileNotFound:
     case SystemError::kPathNotFound:
-      return 2;
+      return kNotFound;
     case SystemError::kSharingViolation:
-      return 3;
+      return kSharingViolation;
     default:
-      return 1;
+      return kOtherError;
   }
 }
 
@@ -72,14 +76,6 @@ int16_t SFileSpec::GetLastError() {
   return gLastError;
 }
 
-SString SFileSpec::GetPath() const {
-  return valid ? path : SString();
-}
-
-SString SFileSpec::GetFileName() const {
-  return valid ? fileName : SString();
-}
-
 bool SFileSpec::IsEqual(const SFileSpec& other) const {
   return valid == other.valid && exists == other.exists && isFolder == other.isFolder &&
          path == other.path && fileName == other.fileName;
@@ -109,8 +105,8 @@ bool SFileSpec::SetJoined(std::string_view folder, std::string_view rest) {
   char* const text = StartPath(asked, length);
   if (text == nullptr) {
     Reset();
-    gLastError = ToLastError(SystemError::kInvalidName);
-    return false;
+    gLastError = kOtherError;
+    return NoteFileFailure(SString(), SystemError::kInvalidName);
   }
   AddForeignPart(AddPart(text, folder), rest);
   if (length > 1 && text[length - 1] == '\\') {
@@ -126,6 +122,9 @@ bool SFileSpec::TakeAttributes(SString& asked) {
   SystemError error = SystemError::kNone;
   exists = Platform().files->Attributes(asked.GetText(), attributes, error);
   gLastError = exists ? int16_t{0} : ToLastError(error);
+  if (gLastError == kOtherError || gLastError == kSharingViolation) {
+    NoteFileFailure(asked, error);
+  }
   valid = exists || HoldFolderOf(asked, error);
   isFolder = exists && attributes.folder;
   if (!valid) {

@@ -13,6 +13,7 @@
 #include <initializer_list>
 #include <string_view>
 
+#include "foundation/files/file_failure.h"
 #include "foundation/files/file_type.h"
 #include "foundation/text/string.h"
 #include "platform/file_services.h"
@@ -30,8 +31,8 @@ class SFileSpec {
   bool IsExistingFolder() const { return valid && exists && isFolder; }
   bool IsExistingFile() const { return valid && exists && !isFolder; }
   // Empty on an invalid spec.
-  SString GetPath() const;
-  SString GetFileName() const;
+  const SString& GetPath() const { return path; }
+  const SString& GetFileName() const { return fileName; }
   // The path itself, empty on an invalid spec; holds until the spec changes.
   const char* GetPathText() const { return path.GetText(); }
   // Same object, not same path.
@@ -103,6 +104,8 @@ class SFileSpec {
 
   // What the last Set met: 0 none, 1 other, 2 not found, 3 sharing violation.
   static int16_t GetLastError();
+  // Where and why the last file operation failed; see file_failure.h.
+  static const SFileFailure& LastFailure() { return LastFileFailure(); }
 
  private:
   bool SetJoined(std::string_view folder, std::string_view rest);
@@ -118,10 +121,12 @@ class SFileSpec {
   bool DeleteFolder(bool recursive, int depth);
   bool DeleteEntries(bool recursive, int depth) const;
   bool RenameOnDisk(const SString& newName) const;
+  static bool NoteRefusedMove(const SString& bare, SystemError error);
   bool CopyFolders(SFileSpec& target, int depth) const;
   bool CopyFiles(const SFileSpec& target, int depth) const;
   bool FullAttributesOfFile(FileAttributes& attributes) const;
   bool ChangeReadOnly(bool readOnly);
+  bool PutAttributes(const FileAttributes& attributes) const;
 
   bool valid = false;
   bool exists = false;

@@ -61,8 +61,7 @@ bool SFileSpec::SetHidden(bool hidden) {
     return false;
   }
   attributes.hidden = hidden;
-  SystemError error;
-  return Files().SetAttributes(path.GetText(), attributes, error);
+  return PutAttributes(attributes);
 }
 
 bool SFileSpec::IsReadOnly() const {
@@ -89,8 +88,12 @@ bool SFileSpec::ChangeReadOnly(bool readOnly) {
     return true;
   }
   attributes.readOnly = readOnly;
+  return PutAttributes(attributes);
+}
+
+bool SFileSpec::PutAttributes(const FileAttributes& attributes) const {
   SystemError error;
-  return Files().SetAttributes(path.GetText(), attributes, error);
+  return Files().SetAttributes(path.GetText(), attributes, error) || NoteFileFailure(path, error);
 }
 
 }  // namespace kivstore

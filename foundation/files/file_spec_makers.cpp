@@ -2,6 +2,14 @@
 #include "platform/platform.h"
 
 namespace kivstore {
+namespace {
+
+bool IsOfTarget(SystemError error) {
+  return error == SystemError::kDiskFull || error == SystemError::kWriteProtected ||
+         error == SystemError::kAlreadyExists;
+}
+
+}  // namespace
 
 bool SFileSpec::CreateFile(const SFileType&, int32_t a, int32_t b, int32_t c) {
   return CreateFile(a, b, c);
@@ -9,18 +17,18 @@ bool SFileSpec::CreateFile(const SFileType&, int32_t a, int32_t b, int32_t c) {
 
 // The maker's answer is the look at the disk.
 bool SFileSpec::CreateFile(int32_t, int32_t, int32_t) {
-  SystemError error;
+  SystemError error = SystemError::kPathNotFound;
   if (!valid || !Platform().files->MakeFile(path.GetText(), error)) {
-    return false;
+    return NoteFileFailure(path, error);
   }
   exists = true;
   return true;
 }
 
 bool SFileSpec::CreateFolder(uint32_t mode) {
-  SystemError error;
+  SystemError error = SystemError::kPathNotFound;
   if (!valid || !Platform().files->MakeFolder(path.GetText(), mode, error)) {
-    return false;
+    return NoteFileFailure(path, error);
   }
   exists = true;
   if (!isFolder) {
@@ -37,8 +45,10 @@ bool SFileSpec::CopyTo(const SFileSpec& destination, const SString& name) const 
   if (exists && destination.IsExistingFolder()) {
     target = destination.path + name;
   }
+  const SString source = WithoutBackslash();
   SystemError error;
-  return Platform().files->CopyFileTo(WithoutBackslash().GetText(), target.GetText(), error);
+  return Platform().files->CopyFileTo(source.GetText(), target.GetText(), error) ||
+         NoteFileFailure(IsOfTarget(error) ? target : source, error);
 }
 
 bool SFileSpec::CopyToFolder(const SFileSpec& destination, const SString& name) const {

@@ -54,7 +54,7 @@ bool SFileSpec::Delete(bool recursive) {
 
 bool SFileSpec::DeleteStep(bool recursive, int depth) {
   if (!valid) {
-    return false;
+    return NoteFileFailure(path, SystemError::kPathNotFound);
   }
   if (!exists) {
     return true;
@@ -65,7 +65,7 @@ bool SFileSpec::DeleteStep(bool recursive, int depth) {
 bool SFileSpec::DeleteFile() {
   SystemError error;
   if (!Files().Delete(path.GetText(), error)) {
-    return false;
+    return NoteFileFailure(path, error);
   }
   exists = false;
   return true;
@@ -74,13 +74,15 @@ bool SFileSpec::DeleteFile() {
 // What a link leads to is no part of this tree: the link goes, its target stays.
 bool SFileSpec::DeleteFolder(bool recursive, int depth) {
   const SString bare = WithoutBackslash();
+  const uint32_t known = LastFailure().number;
   if (bare.IsEmpty() || (!IsLink(bare) && !DeleteEntries(recursive, depth))) {
     return false;
   }
   LeaveCurrentFolder();
   SystemError error;
   if (!Files().RemoveFolder(bare.GetText(), error)) {
-    return false;
+    // That it is not empty is known already, by what stayed in it.
+    return LastFailure().number != known ? false : NoteFileFailure(bare, error);
   }
   path = bare;
   exists = isFolder = false;
@@ -91,7 +93,7 @@ bool SFileSpec::DeleteFolder(bool recursive, int depth) {
 // removal fail.
 bool SFileSpec::DeleteEntries(bool recursive, int depth) const {
   if (depth >= kMaxDepth) {
-    return false;
+    return NoteFileFailure(path, SystemError::kOther);
   }
   SFileFinder finder(*this, SFileFinder::kEverything);
   SFileSpec child;
@@ -122,31 +124,46 @@ bool SFileSpec::Rename(const SString& newName) {
 
 bool SFileSpec::RenameOnDisk(const SString& newName) const {
   SFileSpec target(*this);
-  if (!target.Up() || !target.Down(newName) || target.exists) {
-    return false;
+  if (!target.Up() || !target.Down(newName)) {
+    return NoteFileFailure(path, SystemError::kPathNotFound);
+  }
+  if (target.exists) {
+    return NoteFileFailure(target.path, SystemError::kAlreadyExists);
   }
   if (isFolder) {
     LeaveCurrentFolder();
   }
+  const SString bare = WithoutBackslash();
   SystemError error;
-  return Files().Move(WithoutBackslash().GetText(), target.GetPathText(), error);
+  return Files().Move(bare.GetText(), target.GetPathText(), error) || NoteFileFailure(bare, error);
+}
+
+// What stopped the copying tells more only if it is the same refusal further in, or if moving was
+// not possible anyway.
+bool SFileSpec::NoteRefusedMove(const SString& bare, SystemError error) {
+  const bool toldWithin = error == SystemError::kNotSameDevice || error == LastFailure().error;
+  return toldWithin ? false : NoteFileFailure(bare, error);
 }
 
 bool SFileSpec::MoveTo(const SFileSpec& target) {
   if (!target.IsExistingFolder() || !valid) {
-    return false;
+    return NoteFileFailure(valid ? target.path : path, SystemError::kPathNotFound);
   }
   SFileSpec place(target);
-  if (!place.Down(fileName) || place.exists) {
-    return false;
+  if (!place.Down(fileName)) {
+    return NoteFileFailure(target.path, SystemError::kPathNotFound);
+  }
+  if (place.exists) {
+    return NoteFileFailure(place.path, SystemError::kAlreadyExists);
   }
   if (!exists) {
     *this = target;
     return true;
   }
+  const SString bare = WithoutBackslash();
   SystemError error;
-  if (!Files().Move(WithoutBackslash().GetText(), place.GetPathText(), error)) {
-    return MoveTree(place);
+  if (!Files().Move(bare.GetText(), place.GetPathText(), error)) {
+    return MoveTree(place) || NoteRefusedMove(bare, error);
   }
   Set(place.path);
   return true;
@@ -159,19 +176,24 @@ bool SFileSpec::MoveTree(const SFileSpec& target) {
   SFileSpec place(target);
   if (!isFolder) {
     SystemError error;
-    return Files().Move(path.GetText(), place.GetPathText(), error) && Set(place.path);
+    return Files().Move(path.GetText(), place.GetPathText(), error) ? Set(place.path)
+                                                                    : NoteFileFailure(path, error);
   }
   if (CopyFolders(place, 0) && CopyFiles(place, 0)) {
     Delete(true);
     return true;
   }
+  const SFileFailure failure = LastFailure();
   place.Delete(true);  // as far as it was made here
-  return false;
+  return NoteFileFailure(failure.path, failure.error);
 }
 
 // A tree that holds a link to a folder is not copied: what the link leads to is no part of it.
 bool SFileSpec::CopyFolders(SFileSpec& target, int depth) const {
-  if (depth >= kMaxDepth || IsLink(WithoutBackslash()) || !target.CreateFolder(kFolderMode)) {
+  if (depth >= kMaxDepth || IsLink(WithoutBackslash())) {
+    return NoteFileFailure(path, SystemError::kOther);
+  }
+  if (!target.CreateFolder(kFolderMode)) {
     return false;
   }
   SFileFinder finder(*this, kAllFolders);

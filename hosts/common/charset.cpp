@@ -2,7 +2,17 @@
 
 #include <algorithm>
 
+#include "hosts/common/host_error.h"
+
 namespace kivhost {
+
+std::unique_ptr<Charset> NeedCharset(const std::string& name) {
+  auto charset = Charset::Open(name);
+  if (charset == nullptr) {
+    throw HostError(kWrongUsage, "--charset " + name + ": no such character set");
+  }
+  return charset;
+}
 
 size_t CountCharacters(std::string_view utf8) {
   return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {

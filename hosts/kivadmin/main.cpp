@@ -7,23 +7,14 @@
 namespace kivadmin {
 namespace {
 
-void AddCommands(CLI::App& app, CommonOptions& common) {
-  AddInitCommand(app, common);
-  AddAddCommands(app, common);
-  AddRenameCommands(app, common);
-  AddMoveCommands(app, common);
-  AddDeleteCommands(app, common);
-  AddImportCommand(app, common);
-  AddExportCommand(app, common);
-  AddCheckCommand(app, common);
-  AddOptionsCommands(app, common);
-  AddProgressCommand(app, common);
-  AddDumpCommand(app, common);
-  AddAboutCommand(app);
-}
+using AddCommand = void (*)(CLI::App& app, CommonOptions& common);
+
+constexpr AddCommand kCommands[] = {AddInitCommand,     AddAddCommands,    AddRenameCommands,
+                                    AddMoveCommands,    AddDeleteCommands, AddImportCommand,
+                                    AddExportCommand,   AddCheckCommand,   AddOptionsCommands,
+                                    AddProgressCommand, AddDumpCommand,    AddAboutCommand};
 
 int Run(int argc, char** argv) {
-  kivhost::Console console(argc, argv);
   CommonOptions common;
   CLI::App app("Lays out a store and runs it.", "kivadmin");
   app.set_version_flag("--version", "kivadmin " KIVSTORE_VERSION);
@@ -36,15 +27,13 @@ int Run(int argc, char** argv) {
       "  1  the store refused: full, locked, in use, name taken or unknown\n"
       "  2  wrong usage\n"
       "  3  no store there, or it cannot be read or written");
-  AddCommands(app, common);
+  for (const AddCommand add : kCommands) {
+    add(app, common);
+  }
   try {
-    app.parse(console.GetCount(), console.GetArguments());
+    app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kWrongUsage;
-  } catch (const AdminError& error) {
-    std::cout << std::flush;
-    std::cerr << "kivadmin: " << error.message << '\n';
-    return error.exitCode;
   }
   std::cout << std::flush;
   return std::cout ? kDone : kNoStore;
@@ -54,5 +43,8 @@ int Run(int argc, char** argv) {
 }  // namespace kivadmin
 
 int main(int argc, char** argv) {
-  return kivadmin::Run(argc, argv);
+  return kivhost::RunHost("kivadmin", [&] {
+    kivhost::Console console(argc, argv);
+    return kivadmin::Run(console.GetCount(), console.GetArguments());
+  });
 }

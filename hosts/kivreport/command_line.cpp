@@ -3,9 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
+#include "hosts/common/host_error.h"
+
 namespace kivreport {
 
-std::optional<CommandLine> ParseCommandLine(int argc, char** argv, const std::string& version,
+std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
+                                            const std::function<std::string()>& version,
                                             int& exitCode) {
   CommandLine line;
   CLI::App app("Prints the rosters of a store and how far each student has come.", "kivreport");
@@ -43,11 +46,11 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv, const std::st
       "  0  good\n"
       "  1  the store has nothing of what was asked for\n"
       "  2  wrong usage\n"
-      "  3  no store there, or it cannot be read");
+      "  3  no store there, or it cannot be read, or not all of it");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    exitCode = app.exit(error) == 0 ? kGood : kWrongUsage;
+    exitCode = app.exit(error) == 0 ? kivhost::kDone : kivhost::kWrongUsage;
     return std::nullopt;
   }
   return line;

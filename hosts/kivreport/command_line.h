@@ -1,14 +1,13 @@
 // The command line of kivreport.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
 #include "hosts/kivreport/report_writer.h"
 
 namespace kivreport {
-
-enum ExitCode { kGood = 0, kNothing = 1, kWrongUsage = 2, kNoStore = 3 };
 
 enum class Mode { kAuto, kLocal, kNetwork };
 
@@ -25,8 +24,9 @@ struct CommandLine {
   bool quiet = false;
 };
 
-// Nothing if the program is to end at once, with `exitCode`.
-std::optional<CommandLine> ParseCommandLine(int argc, char** argv, const std::string& version,
+// Nothing if the program is to end at once, with `exitCode`. `version` is asked only for --version.
+std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
+                                            const std::function<std::string()>& version,
                                             int& exitCode);
 
 }  // namespace kivreport

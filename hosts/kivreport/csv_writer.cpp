@@ -19,6 +19,16 @@ std::string Field(const std::string& text) {
   return quoted;
 }
 
+// Empty fields for what is not known.
+void WriteProgress(std::ostream& out, const std::optional<Progress>& progress) {
+  if (progress) {
+    out << ',' << progress->currentMission << ',' << progress->previousMission << ','
+        << progress->vocabLevel;
+  } else {
+    out << ",,,";
+  }
+}
+
 }  // namespace
 
 void WriteCsv(std::ostream& out, const Report& report) {
@@ -32,8 +42,7 @@ void WriteCsv(std::ostream& out, const Report& report) {
       for (const Student& student : group.students) {
         out << Field(teacher.name) << ',' << Field(group.name) << ',' << Field(student.name);
         if (report.progress) {
-          out << ',' << student.currentMission << ',' << student.previousMission << ','
-              << student.vocabLevel;
+          WriteProgress(out, student.progress);
         }
         out << kLineEnd;
       }

@@ -7,44 +7,76 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// Null is what is not known.
+Json Known(bool isKnown, Json value) {
+  return isKnown ? std::move(value) : Json();
+}
+
 Json StudentJson(const Student& student, bool progress) {
   Json json{{"name", student.name}};
   if (progress) {
-    json["current_mission"] = student.currentMission;
-    json["previous_mission"] = student.previousMission;
-    json["vocab_level"] = student.vocabLevel;
+    const bool isKnown = student.progress.has_value();
+    const Progress values = student.progress.value_or(Progress());
+    json["current_mission"] = Known(isKnown, values.currentMission);
+    json["previous_mission"] = Known(isKnown, values.previousMission);
+    json["vocab_level"] = Known(isKnown, values.vocabLevel);
   }
   return json;
+}
+
+Json StudentsJson(const Class& group, bool progress) {
+  Json students = Json::array();
+  for (const Student& student : group.students) {
+    students.push_back(StudentJson(student, progress));
+  }
+  return students;
 }
 
 Json ClassesJson(const Teacher& teacher, bool progress) {
   Json classes = Json::array();
   for (const Class& group : teacher.classes) {
-    Json students = Json::array();
-    for (const Student& student : group.students) {
-      students.push_back(StudentJson(student, progress));
-    }
     Json entry{{"name", group.name}};
     if (!progress) {
-      entry["student_count"] = group.students.size();
+      entry["student_count"] = Known(!group.unread, group.students.size());
     }
-    entry["students"] = std::move(students);
+    entry["students"] = Known(group.IsKnown(), StudentsJson(group, progress));
     classes.push_back(std::move(entry));
   }
   return classes;
 }
 
-Json TeachersJson(const Report& report) {
+// A teacher, or a store without teachers.
+void AddClasses(Json& json, const Teacher& teacher, bool progress) {
+  if (!progress) {
+    json["class_count"] = Known(!teacher.unread, teacher.classes.size());
+  }
+  json["classes"] = Known(teacher.IsKnown(), ClassesJson(teacher, progress));
+}
+
+void AddTeachers(Json& json, const Report& report) {
+  if (!report.progress) {
+    json["teacher_count"] = Known(!report.unread, report.teachers.size());
+  }
   Json teachers = Json::array();
   for (const Teacher& teacher : report.teachers) {
     Json entry{{"name", teacher.name}};
-    if (!report.progress) {
-      entry["class_count"] = teacher.classes.size();
-    }
-    entry["classes"] = ClassesJson(teacher, report.progress);
+    AddClasses(entry, teacher, report.progress);
     teachers.push_back(std::move(entry));
   }
-  return teachers;
+  json["teachers"] = Known(report.IsKnown(), std::move(teachers));
+}
+
+Json UnreadJson(const Report& report) {
+  Json unread = Json::array();
+  for (const UnreadPlace& place : ListUnread(report)) {
+    const auto name = [](const std::string& text) { return Known(!text.empty(), text); };
+    unread.push_back({{"teacher", name(place.teacher)},
+                      {"class", name(place.group)},
+                      {"student", name(place.student)},
+                      {"path", place.unread->path},
+                      {"reason", place.unread->what}});
+  }
+  return unread;
 }
 
 }  // namespace
@@ -52,19 +84,17 @@ Json TeachersJson(const Report& report) {
 void WriteJson(std::ostream& out, const Report& report) {
   Json json{{"mode", report.network ? "network" : "local"}};
   if (report.network) {
-    if (!report.progress) {
-      json["teacher_count"] = report.teachers.size();
-    }
-    json["teachers"] = TeachersJson(report);
+    AddTeachers(json, report);
   } else {
-    const Teacher none;
-    const Teacher& store = report.teachers.empty() ? none : report.teachers.front();
-    if (!report.progress) {
-      json["class_count"] = store.classes.size();
-    }
-    json["classes"] = ClassesJson(store, report.progress);
+    AddClasses(json, report.teachers.front(), report.progress);
   }
-  out << json.dump(2) << '\n';
+  Json unread = UnreadJson(report);
+  json["complete"] = unread.empty();
+  if (!unread.empty()) {
+    json["unread"] = std::move(unread);
+  }
+  constexpr auto kReplace = Json::error_handler_t::replace;  // a path is what bytes it is
+  out << json.dump(2, ' ', false, kReplace) << '\n';
 }
 
 }  // namespace kivreport

@@ -1,99 +1,90 @@
-// kivreport: prints the rosters and the progress of a store. It knows the system through the public
-// header and the shared library and nothing else.
-#include <filesystem>
-#include <fstream>
+// kivreport: prints the rosters and the progress of a store. It stands on the store's classes with
+// the file services that make nothing.
 #include <iostream>
 #include <sstream>
 
-#include "hosts/common/charset.h"
 #include "hosts/common/console.h"
+#include "hosts/common/host_error.h"
+#include "hosts/common/whole_file.h"
 #include "hosts/kivreport/command_line.h"
 #include "hosts/kivreport/report_reader.h"
 #include "hosts/kivreport/report_writer.h"
-#include "hosts/kivreport/store_look.h"
+#include "kivstore/general_proc.h"
 
 namespace kivreport {
 namespace {
 
-int Fail(ExitCode code, const std::string& message) {
-  std::cerr << "kivreport: " << message << '\n';
-  return code;
-}
+using kivhost::HostError;
+using enum kivhost::ExitCode;
 
 std::string VersionText() {
-  const Product product = StoreHost("", false).GetProduct();
-  return "kivreport " KIVSTORE_VERSION ", product " + product.id + ", generation " +
-         std::to_string(product.generation);
+  SGeneralParams params{};
+  params.command = KIV_PRODUCT_ID;
+  params.productIdSize = sizeof params.productId;
+  GeneralProc(&params);
+  return std::string("kivreport " KIVSTORE_VERSION ", product ") + params.productId +
+         ", generation " + std::to_string(params.productGeneration);
 }
 
-// The library takes a path that ends in the classes folder only with a separator behind it.
-std::string WithSeparator(const std::string& root) {
-  return root.empty() || root.back() == '/' || root.back() == '\\' ? root : root + '/';
-}
-
-int WriteOut(const CommandLine& line, const Report& report) {
+void WriteOut(const CommandLine& line, const Report& report) {
   std::ostringstream text;
   if (line.byteOrderMark) {
     text << "\xEF\xBB\xBF";
   }
   WriteReport(text, report, line.format);
-  if (line.output.empty()) {
-    std::cout << text.str() << std::flush;
-    return std::cout ? kGood : Fail(kWrongUsage, "standard output could not be written");
+  if (!line.output.empty()) {
+    kivhost::WriteWholeFile(line.output, text.str());
+  } else if (!(std::cout << text.str() << std::flush)) {
+    throw HostError(kWrongUsage, "standard output could not be written");
   }
-  std::ofstream file(std::filesystem::path(line.output), std::ios::binary);
-  file << text.str() << std::flush;
-  return file ? kGood : Fail(kWrongUsage, line.output + ": could not be written");
+}
+
+// What could be read has been reported all the same.
+void RequireAll(const Report& report) {
+  const std::vector<std::string> reasons = ReasonsOf(report);
+  if (reasons.empty()) {
+    return;
+  }
+  const size_t more = reasons.size() - 1;
+  throw HostError(kNoStore,
+                  "incomplete: " + reasons[0] +
+                      (more > 0 ? ", and " + std::to_string(more) + " more reasons" : ""));
+}
+
+std::optional<kivhost::SiteKind> KindOf(Mode mode) {
+  if (mode == Mode::kAuto) {
+    return std::nullopt;
+  }
+  return mode == Mode::kLocal ? kivhost::SiteKind::kLocal : kivhost::SiteKind::kTeachers;
 }
 
 int Run(const CommandLine& line) {
-  const auto charset = kivhost::Charset::Open(line.charset);
-  if (!charset) {
-    return Fail(kWrongUsage, "--charset " + line.charset + ": no such character set");
+  const auto charset = kivhost::NeedCharset(line.charset);
+  const Request request{Selector(line.teacher), Selector(line.group), !line.roster, line.quiet};
+  const kivhost::OpenStore store(line.root, KindOf(line.mode));
+  if (!store.HasTeachers() && !line.teacher.empty()) {
+    throw HostError(kWrongUsage, "--teacher: " + line.root + " is a store without teachers");
   }
-  const auto teacher = Selector::Parse(line.teacher);
-  const auto group = Selector::Parse(line.group);
-  if (!teacher || !group) {
-    return Fail(kWrongUsage, "a place in a list is # and a number from 1, as in #2");
+  const Report report = ReadReport(store, request, *charset);
+  if (report.CountClasses() == 0 && ListUnread(report).empty()) {
+    throw HostError(kRefused, line.root + ": the store has nothing of what was asked for");
   }
+  WriteOut(line, report);
+  RequireAll(report);
+  return kDone;
+}
 
-  const StoreLook look = LookAtStore(line.root);
-  if (!look.trouble.empty()) {
-    return Fail(kNoStore, look.trouble);
-  }
-  const bool network = line.mode == Mode::kAuto ? look.network : line.mode == Mode::kNetwork;
-  if (!network && !line.teacher.empty()) {
-    return Fail(kWrongUsage, "--teacher: " + line.root + " is a local store, without teachers");
-  }
-
-  StoreHost host(kivhost::ToLibraryPath(WithSeparator(line.root)), network);
-  const Request request{*teacher, *group, network, !line.roster, line.quiet};
-  const Reading reading = ReadReport(host, request, *charset);
-  const auto trouble =
-      reading.emptyList || reading.failed ? FindTrouble(line.root, network) : std::nullopt;
-  if (reading.failed) {
-    return Fail(kNoStore,
-                trouble.value_or(line.root + ": the store changed while it was read, or a "
-                                             "list was locked; try again"));
-  }
-  if (trouble && reading.report.CountStudents() == 0) {
-    return Fail(kNoStore, *trouble);
-  }
-  if (reading.report.CountClasses() == 0) {
-    return Fail(kNothing, line.root + ": the store has nothing of what was asked for");
-  }
-  const int written = WriteOut(line, reading.report);
-  // What could be read is reported all the same.
-  return trouble && written == kGood ? Fail(kNoStore, *trouble) : written;
+int Main(int argc, char** argv) {
+  kivhost::Console console(argc, argv);
+  int exitCode = kDone;
+  const auto line =
+      ParseCommandLine(console.GetCount(), console.GetArguments(), VersionText, exitCode);
+  return line ? Run(*line) : exitCode;
 }
 
 }  // namespace
 }  // namespace kivreport
 
 int main(int argc, char** argv) {
-  kivhost::Console console(argc, argv);
-  int exitCode = kivreport::kGood;
-  const auto line = kivreport::ParseCommandLine(console.GetCount(), console.GetArguments(),
-                                                kivreport::VersionText(), exitCode);
-  return line ? kivreport::Run(*line) : exitCode;
+  return kivhost::RunHost("kivreport", [&] { return kivreport::Main(argc, argv); });
 }

@@ -1,132 +1,151 @@
 #include "hosts/kivreport/report_reader.h"
 
+#include <algorithm>
 #include <charconv>
+#include <utility>
+#include <vector>
 
+#include "app/class_reader.h"
+#include "hosts/common/console.h"
+#include "hosts/common/failure_text.h"
 #include "hosts/common/progress_bar.h"
+#include "store/place/display_name.h"
 
 namespace kivreport {
 namespace {
 
-// Where a student stands in the store's lists.
-struct Place {
-  int teacher;
-  int classIndex;
-  int student;
-};
+using kivstore::SFailure;
+using kivstore::SLoginList;
+using kivstore::SLoginNameObj;
+
+std::optional<Unread> UnreadOf(const SFailure& failure) {
+  if (!failure) {
+    return std::nullopt;
+  }
+  return Unread{kivhost::FromLibraryPath(failure.path.GetText()), kivhost::WhatText(failure),
+                kivhost::ReasonText(failure)};
+}
 
 class Reader {
  public:
-  Reader(StoreHost& host, const Request& request, const kivhost::Charset& charset)
-      : host(host), request(request), charset(charset) {}
+  Reader(const kivhost::OpenStore& store, const Request& request, const kivhost::Charset& charset)
+      : store(store), request(request), charset(charset), reader(store.App()) {}
 
-  Reading Run() {
-    ReadRoster();
-    // Without a student a second reading would only wait again for a list that is locked.
-    if (request.progress && !places.empty()) {
-      // A listing that had to repair an index shows it in display order once and in folder order
-      // from then on. The places that the progress query takes are those of the second reading.
-      ReadRoster();
-      ReadProgress();
+  Report Run() {
+    report.network = store.HasTeachers();
+    report.progress = request.progress;
+    report.network ? ReadTeachers() : ReadClasses("", nullptr);
+    kivhost::ProgressBar bar("classes", report.CountClasses(), request.quiet);
+    for (size_t i = 0; i < chosen.size(); ++i) {
+      store.Site().SelectTeacher(chosen[i].teacher ? &*chosen[i].teacher : nullptr);
+      for (size_t j = 0; j < chosen[i].classes.size(); ++j) {
+        ReadClass(report.teachers[i].classes[j], chosen[i].classes[j]);
+        bar.Advance();
+      }
     }
-    return std::move(reading);
+    return std::move(report);
   }
 
  private:
-  void ReadRoster() {
-    reading = {};
-    places.clear();
-    reading.report.network = request.network;
-    reading.report.progress = request.progress;
-    if (!request.network) {
-      ReadTeacher(1, "");
-      return;
-    }
-    const int count = host.CacheTeachers().value_or(0);
-    if (count == 0) {
-      reading.emptyList = true;
-    }
-    for (int i = 1; i <= count; ++i) {
-      const std::string name = charset.ToUtf8(host.TeacherName(i));
-      if (request.teacher.Takes(name, i)) {
-        ReadTeacher(i, name);
+  // The entries that stand behind a teacher of the model.
+  struct ChosenTeacher {
+    std::optional<SLoginNameObj> teacher;
+    std::vector<SLoginNameObj> classes;
+  };
+
+  std::string Show(const SLoginNameObj& entry) const {
+    return charset.ToUtf8(kivstore::DisplayName(entry).View());
+  }
+
+  // A listing that had to repair an index shows it in display order once, and in folder order from
+  // then on. A report is always in folder order.
+  void ReadTeachers() {
+    SLoginList teachers;
+    report.unread = UnreadOf(reader.ReadTeachers(teachers));
+    kivstore::SortByFolder(teachers);
+    for (int32_t i = 0; i < teachers.GetSize(); ++i) {
+      const std::string name = Show(teachers[i]);
+      if (request.teacher.Takes(name, i + 1)) {
+        ReadClasses(name, &teachers[i]);
       }
     }
   }
 
-  void ReadTeacher(int teacher, const std::string& name) {
-    Teacher& entry = reading.report.teachers.emplace_back(Teacher{name, {}});
-    const int count = host.CacheClasses(teacher).value_or(0);
-    if (count == 0) {
-      reading.emptyList = true;
+  void ReadClasses(const std::string& name, const SLoginNameObj* teacher) {
+    store.Site().SelectTeacher(teacher);
+    SLoginList classes;
+    Teacher& entry = report.teachers.emplace_back();
+    entry.name = name;
+    entry.unread = UnreadOf(reader.ReadClasses(classes));
+    kivstore::SortByFolder(classes);
+    ChosenTeacher& own = chosen.emplace_back();
+    if (teacher != nullptr) {
+      own.teacher = *teacher;
     }
-    for (int i = 1; i <= count; ++i) {
-      const std::string className = charset.ToUtf8(host.ClassName(teacher, i));
-      if (request.group.Takes(className, i)) {
-        entry.classes.push_back(ReadClass(teacher, i, className));
+    for (int32_t i = 0; i < classes.GetSize(); ++i) {
+      const std::string className = Show(classes[i]);
+      if (request.group.Takes(className, i + 1)) {
+        entry.classes.push_back({className, {}, {}});
+        own.classes.push_back(classes[i]);
       }
     }
   }
 
-  Class ReadClass(int teacher, int number, const std::string& name) {
-    Class group{name, {}};
-    const int count = host.CacheStudents(teacher, number - 1).value_or(0);
-    if (count == 0) {
-      reading.emptyList = true;
+  using Students = std::vector<std::pair<SLoginNameObj, Student>>;
+
+  void ReadClass(Class& group, const SLoginNameObj& entry) {
+    Students students;
+    group.unread = UnreadOf(
+        (this->*(request.progress ? &Reader::ReadProgress : &Reader::ReadNames))(entry, students));
+    std::stable_sort(students.begin(), students.end(), [](const auto& a, const auto& b) {
+      return kivstore::CompareByFolder(a.first, b.first) < 0;
+    });
+    for (auto& student : students) {
+      group.students.push_back(std::move(student.second));
     }
-    for (int i = 1; i <= count; ++i) {
-      group.students.push_back({charset.ToUtf8(host.StudentName(teacher, number - 1, i)), 0, 0, 0});
-      places.push_back({teacher, number - 1, i});
-    }
-    return group;
   }
 
-  // The places were noted in the order of the model.
-  void ReadProgress() {
-    kivhost::ProgressBar bar("students", places.size(), request.quiet);
-    auto place = places.begin();
-    for (Teacher& teacher : reading.report.teachers) {
-      for (Class& group : teacher.classes) {
-        for (Student& student : group.students) {
-          if (!ReadStudent(*place++, student)) {
-            return;
-          }
-          bar.Advance();
-        }
+  SFailure ReadProgress(const SLoginNameObj& entry, Students& students) {
+    return reader.ReadProgress(entry, [&](const kivstore::SStudentReading& reading) {
+      Student student{Show(reading.student), {}, UnreadOf(reading.why)};
+      if (!reading.why) {
+        student.progress = {reading.missions.current, reading.missions.previous,
+                            reading.vocabLevel};
       }
-    }
+      students.emplace_back(reading.student, std::move(student));
+    });
   }
 
-  bool ReadStudent(const Place& place, Student& student) {
-    const auto progress = host.StudentProgress(place.teacher, place.classIndex, place.student);
-    reading.failed = !progress;
-    if (progress) {
-      student = {charset.ToUtf8(progress->name), progress->currentMission,
-                 progress->previousMission, progress->vocabLevel};
+  SFailure ReadNames(const SLoginNameObj& entry, Students& students) {
+    SLoginList list;
+    const SFailure failure = reader.ReadStudents(entry, list);
+    for (const SLoginNameObj& student : list) {
+      students.emplace_back(student, Student{Show(student), {}, {}});
     }
-    return progress.has_value();
+    return failure;
   }
 
-  StoreHost& host;
+  const kivhost::OpenStore& store;
   const Request& request;
   const kivhost::Charset& charset;
-  Reading reading;
-  std::vector<Place> places;
+  kivstore::SClassReader reader;
+  Report report;
+  std::vector<ChosenTeacher> chosen;  // one for each teacher of the report
 };
 
 }  // namespace
 
-std::optional<Selector> Selector::Parse(const std::string& text) {
-  Selector selector;
+Selector::Selector(const std::string& text) {
   if (text.empty() || text[0] != '#') {
-    selector.name = text;
-    return selector;
+    name = text;
+    return;
   }
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data() + 1, end, selector.place);
-  if (error != std::errc() || stop != end || selector.place < 1) {
-    return std::nullopt;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data() + 1, end, place);
+  if (error != std::errc() || stop != end || place < 1) {
+    throw kivhost::HostError(kivhost::kWrongUsage,
+                             text + ": a place in a list is # and a number from 1, as in #2");
   }
-  return selector;
 }
 
 bool Selector::Takes(const std::string& candidate, int number) const {
@@ -136,8 +155,9 @@ bool Selector::Takes(const std::string& candidate, int number) const {
   return name.empty() || kivhost::EqualNoCase(candidate, name);
 }
 
-Reading ReadReport(StoreHost& host, const Request& request, const kivhost::Charset& charset) {
-  return Reader(host, request, charset).Run();
+Report ReadReport(const kivhost::OpenStore& store, const Request& request,
+                  const kivhost::Charset& charset) {
+  return Reader(store, request, charset).Run();
 }
 
 }  // namespace kivreport

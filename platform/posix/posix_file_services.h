@@ -29,6 +29,7 @@ class SPosixFileServices : public SInertMakers {
   int64_t Size(FileHandle file) override;
   bool SetEnd(FileHandle file) override;
   bool Flush(FileHandle file) override;
+  SystemError TransferError() override { return transferError; }
 
   bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
   bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;
@@ -49,6 +50,11 @@ class SPosixFileServices : public SInertMakers {
   bool DiskSpace(const char* root, uint64_t& total, uint64_t& free, uint32_t& cluster) override;
   bool CurrentFolder(char* buffer, int size) override;
   bool SetCurrentFolder(const char* path) override;
+
+ private:
+  bool Succeeded(int result);
+
+  SystemError transferError = SystemError::kNone;
 };
 
 }  // namespace kivstore

@@ -137,9 +137,20 @@ SystemError ToSystemError(int systemError) {
       return SystemError::kPathNotFound;
     case EACCES:
     case EPERM:
-    case EROFS:
     case EISDIR:
       return SystemError::kAccessDenied;
+    case EROFS:
+      return SystemError::kWriteProtected;
+    case EIO:
+    case ENODEV:
+    case ENXIO:
+    case ENOTCONN:
+    case ESTALE:
+    case EHOSTDOWN:
+    case EHOSTUNREACH:
+    case ETIMEDOUT:
+    case ECONNRESET:
+      return SystemError::kDeviceGone;
     case EBADF:
       return SystemError::kInvalidHandle;
     case EXDEV:

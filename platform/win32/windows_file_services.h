@@ -16,6 +16,7 @@ class SWindowsFileServices : public SInertMakers {
   int64_t Size(FileHandle file) override;
   bool SetEnd(FileHandle file) override;
   bool Flush(FileHandle file) override;
+  SystemError TransferError() override { return transferError; }
 
   bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
   bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;
@@ -32,6 +33,9 @@ class SWindowsFileServices : public SInertMakers {
   bool DiskSpace(const char* root, uint64_t& total, uint64_t& free, uint32_t& cluster) override;
   bool CurrentFolder(char* buffer, int size) override;
   bool SetCurrentFolder(const char* path) override;
+
+ private:
+  SystemError transferError = SystemError::kNone;
 };
 
 }  // namespace kivstore

@@ -1,57 +1,63 @@
 #include "store/change/adding.h"
 
-#include "foundation/site_mode.h"
-#include "platform/text_numbers.h"
+#include "store/change/default_entries.h"
 #include "store/change/transaction.h"
-#include "store/list/entries.h"
+#include "store/list/index_lookup.h"
 #include "store/list/listing.h"
+#include "store/list/long_name.h"
 #include "store/list/name_derivation.h"
-#include "store/place/cached_text.h"
-#include "store/place/failure_report.h"
-#include "store/place/layout.h"
+#include "store/place/display_name.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
 
 // What differs between the levels; the numbers are those of the string table.
 struct AddLevel {
-  LockKind lockKind;
+  ListKind list;
   int16_t limit;
-  int word;
-  int listFullText;
-  int failureText;
+  TextNumber word;
+  TextNumber listFullText;
+  TextNumber failureText;
   bool listsStudents;
   bool endsInFolder;
 };
 
 constexpr AddLevel kTeacherLevel = {
-    LockKind::kTeachers,  kMaxTeachers, kTextTeacher, kTextTeacherListFull,
+    ListKind::kTeachers,  kMaxTeachers, kTextTeacher, kTextTeacherListFull,
     kTextTeacherNotAdded, false,        false};
-constexpr AddLevel kClassLevel = {LockKind::kClasses, kMaxClasses, kTextClass, kTextClassListFull,
+constexpr AddLevel kClassLevel = {ListKind::kClasses, kMaxClasses, kTextClass, kTextClassListFull,
                                   kTextClassNotAdded, true,        false};
 constexpr AddLevel kStudentLevel = {
-    LockKind::kStudents,  kMaxStudents, kTextStudent, kTextStudentListFull,
+    ListKind::kStudents,  kMaxStudents, kTextStudent, kTextStudentListFull,
     kTextStudentNotAdded, false,        true};
 
-bool FailPlainly(const AddLevel& level, const SString& display) {
-  SString message;
-  message.FormatResource(level.failureText, display.GetText());
-  DropMessage(message);
+bool FailPlainly(SSite& site, const AddLevel& level, const SString& display,
+                 const SFileSpec& list) {
+  site.NoteFailure(FailureKind::kMissing, list.GetPath(), level.list);
+  SString text;
+  text.FormatResource(level.failureText, display.GetText());
+  site.TellFailure(text);
   return false;
 }
 
-bool FailOnFullList(const AddLevel& level, const SString& display) {
-  SString message;
-  message.FormatResource(level.listFullText, display.GetText(), static_cast<long>(level.limit));
-  DropMessage(message);
+bool FailOnFullList(SSite& site, const AddLevel& level, const SString& display,
+                    const SFileSpec& list) {
+  site.NoteFailure(FailureKind::kFull, list.GetPath(), level.list);
+  SString text;
+  text.FormatResource(level.listFullText, display.GetText(), static_cast<long>(level.limit));
+  site.TellFailure(text);
   return false;
 }
 
-bool FailOnFolder(const AddLevel& level, const SString& display, const SFileSpec& list) {
-  SString message;
-  message.Substitute(SString::FromResource(kTextFolderNotMade), SString::FromResource(level.word),
-                     display, list.GetPath());
-  DropMessage(message);
+bool FailOnFolder(SSite& site, const AddLevel& level, const SString& display,
+                  const SFileSpec& list) {
+  site.NoteFileFailure(level.list);
+  SString text;
+  text.Substitute(SString::FromResource(kTextFolderNotMade), SString::FromResource(level.word),
+                  display, list.GetPath());
+  site.TellFailure(text);
   return false;
 }
 
@@ -78,21 +84,21 @@ bool MakeEntryFolder(SFileSpec& spec, const SString& folder, const SString& firs
   return true;
 }
 
-bool AddEntryAt(SFileSpec& spec, const SString& first, const SString& last, SString& folderOut,
-                const AddLevel& level) {
+bool AddEntryAt(SSite& site, SFileSpec& spec, const SString& first, const SString& last,
+                SString& folderOut, const AddLevel& level) {
   const SString display = DisplayName(first, last);
-  SLockFile lock;
-  if (!IsFolderThere(spec) || !LockIndex(lock, spec, level.lockKind, false)) {
-    return FailPlainly(level, display);
+  SLockFile lock(site);
+  if (!IsFolderThere(site, spec) || !LockIndex(lock, spec, level.list, false)) {
+    return FailPlainly(site, level, display, spec);
   }
   bool isThere = false;
   const SString folder = DeriveFolderName(spec, first, last, isThere);
   if (!isThere) {
     if (!EnsureEntry(spec, folder, first, last, level.limit)) {
-      return FailOnFullList(level, display);
+      return FailOnFullList(site, level, display, spec);
     }
     if (!MakeEntryFolder(spec, folder, first, last, level)) {
-      return FailOnFolder(level, display, spec);
+      return FailOnFolder(site, level, display, spec);
     }
   }
   folderOut = folder;
@@ -101,56 +107,30 @@ bool AddEntryAt(SFileSpec& spec, const SString& first, const SString& last, SStr
 
 }  // namespace
 
-bool AddTeacher(const SString& name, SString& folderOut) {
+bool AddTeacherAt(SSite& site, SFileSpec& spec, const SString& name, SString& folderOut) {
+  return site.IsShared() && AddEntryAt(site, spec, name, SString(), folderOut, kTeacherLevel);
+}
+
+bool AddClassAt(SSite& site, SFileSpec& spec, const SString& name, SString& folderOut) {
+  return AddEntryAt(site, spec, name, SString(), folderOut, kClassLevel);
+}
+
+bool AddStudentAt(SSite& site, SFileSpec& spec, const SString& first, const SString& last,
+                  SString& folderOut) {
+  return AddEntryAt(site, spec, first, last, folderOut, kStudentLevel);
+}
+
+bool CheckStudentName(SSite& site, const SLoginNameObj& classEntry, const SString& first,
+                      const SString& last, SString& folderOut, SLoginList* list) {
+  SLoginNameObj group(classEntry);
+  PrepareStudentList(site, group);
   SFileSpec spec;
-  TeachersFolder(spec);
-  return spec.IsExistingFolder() && AddTeacherAt(spec, name, folderOut);
-}
-
-bool AddTeacher(const SLoginNameObj& teacher) {
-  SString folder;
-  return AddTeacher(teacher.firstName, folder);
-}
-
-bool AddTeacherAt(SFileSpec& spec, const SString& name, SString& folderOut) {
-  return IsSharedSite() && AddEntryAt(spec, name, SString(), folderOut, kTeacherLevel);
-}
-
-bool AddClass(const SString& name, SString& folderOut) {
-  SFileSpec spec;
-  SString path;
-  ClassesFolder(spec, path, false);
-  return spec.IsExistingFolder() && AddClassAt(spec, name, folderOut);
-}
-
-bool AddClassAt(SFileSpec& spec, const SString& name, SString& folderOut) {
-  return AddEntryAt(spec, name, SString(), folderOut, kClassLevel);
-}
-
-bool AddStudent(const SLoginNameObj& classEntry, const SString& first, const SString& last,
-                SString& folderOut) {
-  SFileSpec spec;
-  StudentsFolder(spec, classEntry, false);
-  return spec.IsExistingFolder() && AddStudentAt(spec, first, last, folderOut);
-}
-
-bool AddStudentAt(SFileSpec& spec, const SString& first, const SString& last, SString& folderOut) {
-  return AddEntryAt(spec, first, last, folderOut, kStudentLevel);
-}
-
-bool CheckStudentName(const SLoginNameObj& classEntry, const SString& first, const SString& last,
-                      SString& folderOut, SPtrArray* list) {
-  SFileSpec spec;
-  StudentsFolder(spec, classEntry, false);
-  if (!IsFolderThere(spec)) {
+  StudentsFolder(site, spec, group);
+  if (!IsFolderThere(site, spec)) {
     return false;
   }
-  SFileSpec indexFile(spec);
-  if (!indexFile.Down(CachedText<kTextIndexFile>())) {
-    return true;
-  }
-  SLockFile lock;
-  if (!LockIndex(lock, spec, LockKind::kStudents, false)) {
+  SLockFile lock(site);
+  if (!LockIndex(lock, spec, ListKind::kStudents, false)) {
     return true;
   }
   bool isThere = false;
@@ -159,8 +139,7 @@ bool CheckStudentName(const SLoginNameObj& classEntry, const SString& first, con
     return true;
   }
   // Somebody has added this student since the list was read.
-  DeleteLogins(*list);
-  ReadLogins(*list, indexFile, true);
+  LoadLoginsAt(site, *list, spec, ListKind::kStudents, true, false);
   folderOut.Empty();
   return false;
 }

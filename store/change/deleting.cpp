@@ -1,23 +1,32 @@
 #include "store/change/deleting.h"
 
-#include "foundation/site_mode.h"
-#include "platform/text_numbers.h"
+#include "store/change/default_entries.h"
 #include "store/change/transaction.h"
-#include "store/list/entries.h"
 #include "store/list/listing.h"
-#include "store/list/name_derivation.h"
-#include "store/place/cached_text.h"
-#include "store/place/failure_report.h"
-#include "store/place/layout.h"
+#include "store/place/display_name.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
 
-bool FailOnFolder(int word, const SLoginNameObj& entry, const SFileSpec& spec) {
-  SString message;
-  message.Substitute(SString::FromResource(kTextFolderNotDeleted), SString::FromResource(word),
-                     DisplayName(entry), spec.GetPath());
-  DropMessage(message);
+bool FailOnFolder(SSite& site, ListKind list, TextNumber word, const SLoginNameObj& entry,
+                  const SFileSpec& spec) {
+  site.NoteFileFailure(list);
+  SString text;
+  text.Substitute(SString::FromResource(kTextFolderNotDeleted), SString::FromResource(word),
+                  DisplayName(entry), spec.GetPath());
+  site.TellFailure(text);
+  return false;
+}
+
+bool FailOnMissing(SSite& site, ListKind list, const SFileSpec& spec) {
+  site.NoteFailure(FailureKind::kMissing, spec.GetPath(), list);
+  return false;
+}
+
+bool FailOnEntry(SSite& site, ListKind list, const SFileSpec& spec) {
+  site.NoteFailure(FailureKind::kNoEntry, spec.GetPath(), list);
   return false;
 }
 
@@ -30,21 +39,14 @@ bool RemoveFolder(SFileSpec& spec, SLockFile& lock) {
   return spec.Delete(true);
 }
 
-bool LockMember(SLockFile& lock, const SFileSpec& folder, LockKind kind, bool standAlone,
-                bool& stop) {
-  lock.nested = !standAlone;
-  if (!LockIndex(lock, folder, kind, true)) {
-    stop = lock.cancelAll;
-    return false;
-  }
-  return true;
-}
-
 // Takes the deleted entry out of the list, and out of its index too where nobody else will.
-void Forget(const SFileSpec& listFolder, SPtrArray& list, const SLoginNameObj& entry,
+void Forget(SSite& site, const SFileSpec& listFolder, SLoginList& list, const SLoginNameObj& entry,
             bool writeIndex) {
   const SString folder(entry.folderName);
-  RemoveLoginAt(list, FindLogin(list, entry));
+  if (const int32_t index = FindLogin(list, entry); index >= 0) {
+    list.RemoveAt(index);
+  }
+  site.ForgetCountedClasses();
   if (writeIndex) {
     WriteLogins(listFolder, list, folder);
   }
@@ -53,12 +55,12 @@ void Forget(const SFileSpec& listFolder, SPtrArray& list, const SLoginNameObj& e
 // Deletes each entry of a list, going on past one that stays unless `stop` says otherwise. One that
 // was gone already is still listed.
 template <class DeleteOne>
-bool DeleteEach(SPtrArray& list, const bool& stop, DeleteOne deleteOne) {
+bool DeleteEach(SLoginList& list, const bool& stop, DeleteOne deleteOne) {
   bool deletedAll = true;
   int32_t i = 0;
   while (i < list.GetSize()) {
     const int32_t before = list.GetSize();
-    if (!deleteOne(*LoginIn(list, i))) {
+    if (!deleteOne(list[i])) {
       deletedAll = false;
       if (stop) {
         break;
@@ -69,25 +71,25 @@ bool DeleteEach(SPtrArray& list, const bool& stop, DeleteOne deleteOne) {
   return deletedAll;
 }
 
-bool DeleteClassesOf(const SLoginNameObj& teacher) {
-  SLoginNameObj* const selected = gCurrentTeacher;
-  SelectTeacher(&teacher);
+bool DeleteClassesOf(SSite& site, const SLoginNameObj& teacher) {
+  const SLoginNameObj* const selected = site.GetCurrentTeacher();
+  site.SelectTeacher(&teacher);
   SLoginList classes;
-  LoadClassList(classes.Array(), false);
+  LoadClassList(site, classes, false);
   bool stop = false;
-  const bool deleted = DeleteEach(classes.Array(), stop, [&](const SLoginNameObj& entry) {
-    return DeleteClass(&entry, &classes.Array(), false, stop);
+  const bool deleted = DeleteEach(classes, stop, [&](const SLoginNameObj& entry) {
+    return DeleteClass(site, entry, classes, false, stop);
   });
   // If a teacher was selected this is the object that has just been overwritten.
-  SelectTeacher(selected);
+  site.SelectTeacher(selected);
   return deleted;
 }
 
 // The spec stands on the teacher's classes folder.
-bool RemoveTeacherFolder(SFileSpec& spec, const SLoginNameObj& teacher) {
-  SLockFile lock;
+bool RemoveTeacherFolder(SSite& site, SFileSpec& spec, const SLoginNameObj& teacher) {
+  SLockFile lock(site);
   if (!IsKnownMissing(spec)) {
-    if (!LockIndex(lock, spec, LockKind::kClasses, true) || !DeleteClassesOf(teacher)) {
+    if (!LockIndex(lock, spec, ListKind::kClasses, true) || !DeleteClassesOf(site, teacher)) {
       return false;
     }
     RemoveFolder(spec, lock);
@@ -96,102 +98,106 @@ bool RemoveTeacherFolder(SFileSpec& spec, const SLoginNameObj& teacher) {
   return spec.Delete(true);
 }
 
-bool DeleteStudentsOf(const SLoginNameObj& classEntry, bool& stop) {
+bool DeleteStudentsOf(SSite& site, const SLoginNameObj& classEntry, bool& stop) {
   SLoginList students;
-  LoadStudentList(students.Array(), classEntry, true, false);
-  return DeleteEach(students.Array(), stop, [&](const SLoginNameObj& entry) {
-    return DeleteStudent(&classEntry, &entry, &students.Array(), false, stop);
+  LoadStudentList(site, students, classEntry, true, false);
+  return DeleteEach(students, stop, [&](const SLoginNameObj& entry) {
+    return DeleteStudent(site, classEntry, entry, students, false, stop);
   });
 }
 
 }  // namespace
 
-bool DeleteTeacher(const SLoginNameObj* teacher, SPtrArray* list) {
-  if (teacher == nullptr || list == nullptr || !IsSharedSite()) {
+bool DeleteTeacher(SSite& site, const SLoginNameObj& teacher, SLoginList& list) {
+  if (!site.IsShared()) {
     return false;
   }
+  PrepareTeacherList(site);
   SFileSpec spec;
-  TeachersFolder(spec);
-  SLockFile listLock;
-  if (!IsFolderThere(spec) || !LockIndex(listLock, spec, LockKind::kTeachers, true)) {
-    return false;
+  TeachersFolder(site, spec);
+  SLockFile listLock(site);
+  if (!IsFolderThere(site, spec) || !LockIndex(listLock, spec, ListKind::kTeachers, true)) {
+    return FailOnMissing(site, ListKind::kTeachers, spec);
   }
   const SFileSpec listFolder(spec);
-  if (!DownToEntry(spec, *teacher) || !spec.IsExistingFolder()) {
-    return false;
+  if (!DownToEntry(spec, teacher) || !spec.IsExistingFolder()) {
+    return FailOnEntry(site, ListKind::kTeachers, spec);
   }
-  if (!spec.Down(ClassesName())) {
+  if (!DownToClasses(spec)) {
     return true;
   }
-  if (!RemoveTeacherFolder(spec, *teacher)) {
-    return FailOnFolder(kTextTeacher, *teacher, spec);
+  if (!RemoveTeacherFolder(site, spec, teacher)) {
+    return FailOnFolder(site, ListKind::kTeachers, kTextTeacher, teacher, spec);
   }
-  Forget(listFolder, *list, *teacher, true);
+  Forget(site, listFolder, list, teacher, true);
   return true;
 }
 
-bool DeleteClass(const SLoginNameObj* classEntry, SPtrArray* list, bool standAlone, bool& stop) {
-  if (classEntry == nullptr || list == nullptr) {
-    return false;
+bool DeleteClass(SSite& site, const SLoginNameObj& classEntry, SLoginList& list, bool standAlone,
+                 bool& stop) {
+  if (standAlone) {
+    PrepareClassList(site);
   }
   SFileSpec spec;
-  SString path;
-  ClassesFolder(spec, path, false);
-  SLockFile listLock;
-  if (!IsFolderThere(spec) ||
-      (standAlone && !LockIndex(listLock, spec, LockKind::kClasses, true))) {
-    return false;
+  ClassesFolder(site, spec);
+  SLockFile listLock(site);
+  if (!IsFolderThere(site, spec) ||
+      (standAlone && !LockIndex(listLock, spec, ListKind::kClasses, true))) {
+    return FailOnMissing(site, ListKind::kClasses, spec);
   }
   const SFileSpec listFolder(spec);
-  if (!DownToEntry(spec, *classEntry) || !spec.IsExistingFolder() ||
-      !spec.Down(CachedText<kTextStudents>()) || !spec.IsExistingFolder()) {
-    return false;
+  if (!DownToEntry(spec, classEntry) || !spec.IsExistingFolder()) {
+    return FailOnEntry(site, ListKind::kClasses, spec);
   }
-  SLockFile studentsLock;
-  if (!LockMember(studentsLock, spec, LockKind::kClasses, standAlone, stop)) {
+  if (!spec.Down(CachedText<kTextStudents>()) || !spec.IsExistingFolder()) {
+    return FailOnMissing(site, ListKind::kClasses, spec);
+  }
+  SLockFile studentsLock(site);
+  if (!LockIndex(studentsLock, spec, ListKind::kClasses, true)) {
     return false;
   }
   spec.Up();
-  if (!DeleteStudentsOf(*classEntry, stop)) {
+  if (!DeleteStudentsOf(site, classEntry, stop)) {
     return false;
   }
   if (!RemoveFolder(spec, studentsLock)) {
     stop |= !standAlone;
-    return FailOnFolder(kTextClass, *classEntry, spec);
+    return FailOnFolder(site, ListKind::kClasses, kTextClass, classEntry, spec);
   }
-  Forget(listFolder, *list, *classEntry, standAlone);
+  Forget(site, listFolder, list, classEntry, standAlone);
   return true;
 }
 
-bool DeleteStudent(const SLoginNameObj* classEntry, const SLoginNameObj* student, SPtrArray* list,
-                   bool standAlone, bool& stop) {
+bool DeleteStudent(SSite& site, const SLoginNameObj& classEntry, const SLoginNameObj& student,
+                   SLoginList& list, bool standAlone, bool& stop) {
   stop = false;
-  if (classEntry == nullptr || student == nullptr || list == nullptr) {
-    return false;
+  SLoginNameObj group(classEntry);
+  if (standAlone) {
+    PrepareStudentList(site, group);
   }
   SFileSpec spec;
-  StudentsFolder(spec, *classEntry, false);
-  SLockFile listLock;
-  if (!IsFolderThere(spec) ||
-      (standAlone && !LockIndex(listLock, spec, LockKind::kClasses, true))) {
-    return false;
+  StudentsFolder(site, spec, group);
+  SLockFile listLock(site);
+  if (!IsFolderThere(site, spec) ||
+      (standAlone && !LockIndex(listLock, spec, ListKind::kClasses, true))) {
+    return FailOnMissing(site, ListKind::kStudents, spec);
   }
   const SFileSpec listFolder(spec);
-  if (!DownToEntry(spec, *student)) {
-    return false;
+  if (!DownToEntry(spec, student)) {
+    return FailOnEntry(site, ListKind::kStudents, spec);
   }
   if (!spec.IsExistingFolder()) {
     return spec.Exists() || IsKnownMissing(spec);
   }
-  SLockFile folderLock;
-  if (!LockMember(folderLock, spec, LockKind::kStudents, standAlone, stop)) {
+  SLockFile folderLock(site);
+  if (!LockIndex(folderLock, spec, ListKind::kStudents, true)) {
     return false;
   }
   if (!RemoveFolder(spec, folderLock)) {
     stop |= !standAlone;
-    return FailOnFolder(kTextStudent, *student, spec);
+    return FailOnFolder(site, ListKind::kStudents, kTextStudent, student, spec);
   }
-  Forget(listFolder, *list, *student, standAlone);
+  Forget(site, listFolder, list, student, standAlone);
   return true;
 }
 

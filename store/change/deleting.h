@@ -7,22 +7,22 @@
 // also where it is the very entry handed in.
 #pragma once
 
-#include "foundation/containers/array.h"
-#include "foundation/login_name.h"
+#include "store/list/entries.h"
+#include "store/place/site.h"
 
 namespace kivstore {
 
-// Only in shared site modes. When a teacher was selected, the one being deleted is selected
-// afterwards.
-bool DeleteTeacher(const SLoginNameObj* teacher, SPtrArray* list);
+// Only at shared sites. When a teacher was selected, the one being deleted is selected afterwards.
+bool DeleteTeacher(SSite& site, const SLoginNameObj& teacher, SLoginList& list);
 
 // `standAlone` takes the lock of the list and writes its index; without it the operation is a step
 // of the delete of the level above, whose caller holds that lock. `stop` comes back true when that
 // delete is to go no further: a folder could not be removed. A member that could not be locked does
 // not set it.
-bool DeleteClass(const SLoginNameObj* classEntry, SPtrArray* list, bool standAlone, bool& stop);
+bool DeleteClass(SSite& site, const SLoginNameObj& classEntry, SLoginList& list, bool standAlone,
+                 bool& stop);
 // True for a student whose folder is gone already; the list and its index then stay as they are.
-bool DeleteStudent(const SLoginNameObj* classEntry, const SLoginNameObj* student, SPtrArray* list,
-                   bool standAlone, bool& stop);
+bool DeleteStudent(SSite& site, const SLoginNameObj& classEntry, const SLoginNameObj& student,
+                   SLoginList& list, bool standAlone, bool& stop);
 
 }  // namespace kivstore

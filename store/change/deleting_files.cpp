@@ -1,12 +1,12 @@
 #include "store/change/deleting_files.h"
 
 #include "foundation/files/file_finder.h"
-#include "foundation/site_mode.h"
 #include "platform/base/bytes.h"
-#include "platform/text_numbers.h"
+#include "store/change/default_entries.h"
 #include "store/change/transaction.h"
 #include "store/place/failure_report.h"
-#include "store/place/layout.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
@@ -34,14 +34,15 @@ void ChooseFiles(const SFileSpec& folder, const SStringArray& suffixes, SStringA
   }
 }
 
-bool DeleteFiles(const SFileSpec& folder, const SStringArray& names) {
+bool DeleteFiles(SSite& site, const SFileSpec& folder, const SStringArray& names) {
   for (int32_t i = 0; i < names.GetSize(); ++i) {
     SFileSpec file(folder);
     file.Down(names[i]);
     if (!file.Delete(false)) {
-      SString message;
-      message.Substitute(SString::FromResource(kTextFileNotDeleted), file.GetPath());
-      DropMessage(message);
+      site.NoteFileFailure(ListKind::kFiles);
+      SString text;
+      text.Substitute(SString::FromResource(kTextFileNotDeleted), file.GetPath());
+      site.TellFailure(text);
       return false;
     }
   }
@@ -60,33 +61,46 @@ void ForgetFilesOf(const SFileSpec& folder, const SStringArray& extensions) {
 void ForgetFile(const SFileSpec& folder, const SString& fileName) {
   SIndexObj index;
   ReadWholeIndex(folder, index);
-  for (int32_t i = 0; index.files != nullptr && i < index.files->GetSize(); ++i) {
-    if (EqualBytesNoCase(index.FileAt(i)->fileName.View(), fileName.View())) {
-      delete index.FileAt(i);
-      index.files->RemoveAt(i);
-      break;
-    }
-  }
+  bool isFirst = true;
+  index.files->RemoveIf([&](const SOurFileObj& file) {
+    const bool goes = isFirst && EqualBytesNoCase(file.fileName.View(), fileName.View());
+    isFirst = isFirst && !goes;
+    return goes;
+  });
   WriteIndex(folder, index);
 }
 
-bool FailToDelete() {
-  ReportFileFailure(kFailDelete);
+// Whether nothing is there any more.
+bool RemoveFile(SSite& site, SFileSpec& spec) {
+  if (spec.IsExistingFolder()) {
+    site.NoteFailure(FailureKind::kOther, spec.GetPath(), ListKind::kFiles);
+    return false;
+  }
+  if (spec.Exists() && !spec.Delete(false)) {
+    site.NoteFileFailure(ListKind::kFiles);
+    return false;
+  }
+  return true;
+}
+
+bool FailToDelete(SSite& site) {
+  ReportFileFailure(site, kFailDelete);
   return false;
 }
 
 }  // namespace
 
-void DeleteFilesBySuffix(const SLoginNameObj* classEntry, const SLoginNameObj* student,
+void DeleteFilesBySuffix(SSite& site, const SLoginNameObj* classEntry, const SLoginNameObj* student,
                          const SStringArray& suffixes, const SString& subfolder) {
   if (suffixes.GetSize() == 0) {
     return;
   }
+  PrepareClassList(site);
   SFileSpec folder;
-  EntryFolder(folder, classEntry, student, false, false);
-  SLockFile lock;
-  const LockKind kind = student != nullptr ? LockKind::kStudents : LockKind::kClasses;
-  if (!IsFolderThere(folder) || !LockIndex(lock, folder, kind, false)) {
+  EntryFolder(site, folder, classEntry, student);
+  SLockFile lock(site);
+  const ListKind kind = student != nullptr ? ListKind::kStudents : ListKind::kClasses;
+  if (!IsFolderThere(site, folder) || !LockIndex(lock, folder, kind, false)) {
     return;
   }
   SFileSpec place(folder);
@@ -95,27 +109,28 @@ void DeleteFilesBySuffix(const SLoginNameObj* classEntry, const SLoginNameObj* s
   }
   SStringArray chosen;
   ChooseFiles(place, suffixes, chosen);
-  if (DeleteFiles(place, chosen)) {
+  if (DeleteFiles(site, place, chosen)) {
     ForgetFilesOf(folder, suffixes);
   }
 }
 
-bool DeleteUserFile(SFileSpec& spec, bool lockIt) {
+bool DeleteUserFile(SSite& site, SFileSpec& spec, bool lockIt) {
   SFileSpec folder(spec);
   if (!folder.IsExistingFolder()) {
     folder.Up();
   }
-  SLockFile lock;
-  if (!folder.IsExistingFolder() || (lockIt && !LockIndex(lock, folder, LockKind::kFiles, false))) {
-    return FailToDelete();
+  SLockFile lock(site);
+  if (!folder.IsExistingFolder() || (lockIt && !LockIndex(lock, folder, ListKind::kFiles, false))) {
+    site.NoteFailure(FailureKind::kMissing, folder.GetPath(), ListKind::kFiles);
+    return FailToDelete(site);
   }
   const SString name = spec.GetFileName();
-  if (IsSharedSite()) {
+  if (site.IsShared()) {
     spec.Refresh();
   }
-  if (spec.IsExistingFolder() || (spec.Exists() && !spec.Delete(false))) {
+  if (!RemoveFile(site, spec)) {
     lock.Unlock();
-    return FailToDelete();
+    return FailToDelete(site);
   }
   ForgetFile(folder, name);
   return true;

@@ -1,21 +1,22 @@
+#include "store/change/last_file.h"
+
 #include "archive/binary_stream.h"
 #include "archive/stream_file.h"
 #include "foundation/containers/string_array.h"
 #include "platform/base/bytes.h"
-#include "platform/text_numbers.h"
-#include "store/change/maintenance.h"
+#include "store/change/default_entries.h"
 #include "store/change/transaction.h"
-#include "store/place/cached_text.h"
-#include "store/place/file_extension.h"
-#include "store/place/layout.h"
+#include "store/list/file_extension.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
 
-constexpr int32_t kMostNames = 32767;
-
-bool PlaceLastFile(SFileSpec& spec, const SLoginNameObj* classEntry, const SLoginNameObj* student) {
-  EntryFolder(spec, classEntry, student, false, false);
+bool PlaceLastFile(SSite& site, SFileSpec& spec, const SLoginNameObj* classEntry,
+                   const SLoginNameObj* student) {
+  PrepareClassList(site);
+  EntryFolder(site, spec, classEntry, student);
   return spec.Down(CachedText<kTextLastFile>());
 }
 
@@ -32,7 +33,7 @@ bool ReadNames(const SFileSpec& file, const SString& extension, SStringArray& na
   }
   SString name;
   for (uint32_t i = 0; i < static_cast<uint32_t>(count) && stream.ReadText(name); ++i) {
-    if (name.GetLength() > extension.GetLength() && names.GetSize() < kMostNames) {
+    if (name.GetLength() > extension.GetLength() && names.GetSize() < kMostEntries) {
       names.Add(name);
     }
   }
@@ -79,11 +80,11 @@ void WriteNames(SFileSpec& spec, const SStringArray& names) {
 
 }  // namespace
 
-void RecordLastFile(const SLoginNameObj* classEntry, const SLoginNameObj* student,
+void RecordLastFile(SSite& site, const SLoginNameObj* classEntry, const SLoginNameObj* student,
                     const SString& fileName, const SString& extension) {
   SFileSpec spec;
   SStringArray names;
-  if (!PlaceLastFile(spec, classEntry, student)) {
+  if (!PlaceLastFile(site, spec, classEntry, student)) {
     return;
   }
   // A list that is there and cannot be read is not written over.
@@ -95,10 +96,10 @@ void RecordLastFile(const SLoginNameObj* classEntry, const SLoginNameObj* studen
   }
 }
 
-bool FindLastFile(SFileSpec& spec, const SLoginNameObj* classEntry, const SLoginNameObj* student,
-                  const SString& extension, bool removable) {
+bool FindLastFile(SSite& site, SFileSpec& spec, const SLoginNameObj* classEntry,
+                  const SLoginNameObj* student, const SString& extension, bool removable) {
   SStringArray names;
-  if (!PlaceLastFile(spec, classEntry, student) || !ReadNames(spec, extension, names)) {
+  if (!PlaceLastFile(site, spec, classEntry, student) || !ReadNames(spec, extension, names)) {
     return false;
   }
   const int32_t index = FindOfType(names, extension);
@@ -107,7 +108,7 @@ bool FindLastFile(SFileSpec& spec, const SLoginNameObj* classEntry, const SLogin
   }
   spec.Up();
   if (removable) {
-    EntryFolder(spec, classEntry, student, true, false);
+    EntryFolder(site, spec, classEntry, student, true);
   }
   spec.Down(names[index]);
   return true;

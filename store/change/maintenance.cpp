@@ -1,9 +1,9 @@
 #include "store/change/maintenance.h"
 
 #include "foundation/files/file_finder.h"
-#include "platform/text_numbers.h"
-#include "store/place/cached_text.h"
-#include "store/place/layout.h"
+#include "store/change/default_entries.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
@@ -26,10 +26,19 @@ void DeleteOptionsOfStudents(SFileSpec folder) {
 
 }  // namespace
 
-void DeleteStoreFiles() {
+void MakeTopScoreFile(SSite& site, SFileSpec& spec, const SLoginNameObj* classEntry,
+                      const SLoginNameObj* student) {
+  PrepareClassList(site);
+  TopScoreFile(site, spec, classEntry, student);
+  if (spec.IsValid() && !spec.Exists()) {
+    spec.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0);
+  }
+}
+
+void DeleteStoreFiles(SSite& site) {
+  PrepareClassList(site);
   SFileSpec spec;
-  SString path;
-  ClassesFolder(spec, path, false);
+  ClassesFolder(site, spec);
   if (!spec.IsExistingFolder()) {
     return;
   }

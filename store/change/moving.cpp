@@ -1,13 +1,12 @@
 #include "store/change/moving.h"
 
-#include "foundation/application.h"
-#include "foundation/site_mode.h"
+#include "store/change/default_entries.h"
 #include "store/change/transaction.h"
-#include "store/list/entries.h"
-#include "store/list/index_file.h"
+#include "store/list/index_lookup.h"
 #include "store/list/listing.h"
 #include "store/list/name_derivation.h"
-#include "store/place/layout.h"
+#include "store/place/display_name.h"
+#include "store/place/placing.h"
 
 namespace kivstore {
 namespace {
@@ -23,16 +22,16 @@ enum class Outcome { kFailed, kMoved, kDone };
 
 class EntryMove {
  public:
-  EntryMove(const MoveEnd& source, const MoveEnd& destination, SLoginNameObj& entry,
-            SPtrArray& list)
-      : source(source), destination(destination), entry(entry), list(list) {}
+  EntryMove(SSite& site, const MoveEnd& source, const MoveEnd& destination, SLoginNameObj& entry,
+            SLoginList& list)
+      : site(site), source(source), destination(destination), entry(entry), list(list) {}
 
   // Under the new names.
   Outcome Run(const SString& first, const SString& last);
 
  private:
   bool IsOfClass() const { return source.classEntry == nullptr; }
-  LockKind EntryLockKind() const { return IsOfClass() ? LockKind::kClasses : LockKind::kStudents; }
+  ListKind EntryListKind() const { return IsOfClass() ? ListKind::kClasses : ListKind::kStudents; }
   bool Prepare();
   bool AreStudentsFree() const;
   bool TakeLocks();
@@ -41,27 +40,32 @@ class EntryMove {
   bool CopyUnderNewName();
   bool LockMovedFolder();
 
+  bool Fail(FailureKind kind, const SFileSpec& spec) const;
+
+  SSite& site;
   const MoveEnd& source;
   const MoveEnd& destination;
   SLoginNameObj& entry;
-  SPtrArray& list;
+  SLoginList& list;
   int32_t index = -1;
 
   SFileSpec sourceFolder, destinationFolder, entryFolder;
   // Locks go in the reverse order of their taking.
-  SLockFile sourceLock, destinationLock, entryLock;
+  SLockFile sourceLock{site}, destinationLock{site}, entryLock{site};
 };
 
-void PlaceEnd(SFileSpec& spec, const MoveEnd& end) {
+void PlaceEnd(SSite& site, SFileSpec& spec, const MoveEnd& end) {
   if (end.teacher != nullptr) {
-    SelectTeacher(end.teacher);
+    site.SelectTeacher(end.teacher);
   }
-  if (end.classEntry != nullptr) {
-    StudentsFolder(spec, *end.classEntry, false);
+  if (end.classEntry == nullptr) {
+    PrepareClassList(site);
+    ClassesFolder(site, spec);
     return;
   }
-  SString path;
-  ClassesFolder(spec, path, false);
+  SLoginNameObj group(*end.classEntry);
+  PrepareStudentList(site, group);
+  StudentsFolder(site, spec, group);
 }
 
 Outcome EntryMove::Run(const SString& first, const SString& last) {
@@ -73,28 +77,34 @@ Outcome EntryMove::Run(const SString& first, const SString& last) {
     return Outcome::kMoved;
   }
   EnsureEntry(destinationFolder, entry.folderName, first, last, kNoLimit);
-  RemoveLoginAt(list, index);
+  list.RemoveAt(index);
+  site.ForgetCountedClasses();
   WriteLogins(sourceFolder, list, oldFolder);
   return Outcome::kDone;
 }
 
+bool EntryMove::Fail(FailureKind kind, const SFileSpec& spec) const {
+  site.NoteFailure(kind, spec.GetPath(), EntryListKind());
+  return false;
+}
+
 bool EntryMove::Prepare() {
   index = FindLogin(list, entry);
-  if (index < 0) {
-    return false;
+  PlaceEnd(site, sourceFolder, source);
+  PlaceEnd(site, destinationFolder, destination);
+  if (!IsFolderThere(site, sourceFolder)) {
+    return Fail(FailureKind::kMissing, sourceFolder);
   }
-  PlaceEnd(sourceFolder, source);
-  PlaceEnd(destinationFolder, destination);
-  if (!IsFolderThere(sourceFolder) || !IsFolderThere(destinationFolder)) {
-    return false;
+  if (!IsFolderThere(site, destinationFolder)) {
+    return Fail(FailureKind::kMissing, destinationFolder);
   }
-  AimAtIndex(sourceLock, sourceFolder, LockKind::kClasses, true);
-  AimAtIndex(destinationLock, destinationFolder, LockKind::kClasses, true);
+  AimAtIndex(sourceLock, sourceFolder, ListKind::kClasses, true);
+  AimAtIndex(destinationLock, destinationFolder, ListKind::kClasses, true);
   entryFolder = sourceFolder;
-  if (!DownToEntry(entryFolder, entry) || !entryFolder.IsExistingFolder()) {
-    return false;
+  if (index < 0 || !DownToEntry(entryFolder, entry) || !entryFolder.IsExistingFolder()) {
+    return Fail(FailureKind::kNoEntry, entryFolder);
   }
-  AimAtIndex(entryLock, entryFolder, EntryLockKind(), true);
+  AimAtIndex(entryLock, entryFolder, EntryListKind(), true);
   return true;
 }
 
@@ -103,16 +113,16 @@ bool EntryMove::AreStudentsFree() const {
   if (!IsOfClass()) {
     return true;
   }
-  SelectTeacher(source.teacher);
+  site.SelectTeacher(source.teacher);
   SLoginList students;
-  LoadStudentList(students.Array(), entry, true, true);
+  LoadStudentList(site, students, entry, true, true);
   SFileSpec studentsFolder;
-  StudentsFolder(studentsFolder, entry, false);
-  for (int32_t i = 0; i < students.GetSize(); ++i) {
+  StudentsFolder(site, studentsFolder, entry);
+  for (const SLoginNameObj& student : students) {
     SFileSpec folder(studentsFolder);
-    DownToEntry(folder, *students.At(i));
-    SLockFile lock;
-    if (!LockIndex(lock, folder, LockKind::kStudents, true)) {
+    DownToEntry(folder, student);
+    SLockFile lock(site);
+    if (!LockIndex(lock, folder, ListKind::kStudents, true)) {
       return false;
     }
   }
@@ -125,14 +135,18 @@ bool EntryMove::TakeLocks() {
 
 bool EntryMove::HasRoom() const {
   const int16_t limit = IsOfClass() ? kMaxClasses : kMaxStudents;
-  return limit < 0 || ReadIndexCount(destinationFolder) < limit;
+  return ReadIndexCount(destinationFolder) < limit || Fail(FailureKind::kFull, destinationFolder);
 }
 
 bool EntryMove::MoveFolder() {
   entryLock.Unlock();  // its file lies in the folder that is to go
   SFileSpec namesake(destinationFolder);
   DownToEntry(namesake, entry);
-  return namesake.Exists() ? CopyUnderNewName() : entryFolder.MoveTo(destinationFolder);
+  if (namesake.Exists() ? CopyUnderNewName() : entryFolder.MoveTo(destinationFolder)) {
+    return true;
+  }
+  site.NoteFileFailure(EntryListKind());
+  return false;
 }
 
 bool EntryMove::CopyUnderNewName() {
@@ -148,73 +162,62 @@ bool EntryMove::CopyUnderNewName() {
 
 bool EntryMove::LockMovedFolder() {
   SFileSpec moved(destinationFolder);
-  return DownToEntry(moved, entry) && LockIndex(entryLock, moved, EntryLockKind(), true);
-}
-
-bool IsMissing(const SLoginNameObj* a, const SLoginNameObj* b) {
-  return a == nullptr || b == nullptr;
+  return DownToEntry(moved, entry) && LockIndex(entryLock, moved, EntryListKind(), true);
 }
 
 }  // namespace
 
 // Entries and names are copied first: the caller's may be the selected teacher or the list's own.
-bool MoveClass(const SLoginNameObj* sourceTeacher, const SLoginNameObj* destinationTeacher,
-               SLoginNameObj* classEntry, SPtrArray* list, const SString& name) {
-  if (IsMissing(sourceTeacher, destinationTeacher) || classEntry == nullptr || list == nullptr) {
-    return false;
-  }
-  const SLoginNameObj from(*sourceTeacher);
-  const SLoginNameObj to(*destinationTeacher);
+bool MoveClass(SSite& site, const SLoginNameObj& sourceTeacher,
+               const SLoginNameObj& destinationTeacher, SLoginNameObj& classEntry, SLoginList& list,
+               const SString& name) {
+  const SLoginNameObj from(sourceTeacher);
+  const SLoginNameObj to(destinationTeacher);
   const SString newName(name);
   const MoveEnd source = {&from, nullptr};
   const MoveEnd destination = {&to, nullptr};
   const Outcome outcome =
-      EntryMove(source, destination, *classEntry, *list).Run(newName, SString());
-  if (outcome == Outcome::kDone && gApp != nullptr) {
-    gApp->OnClassMoved(DisplayName(from), DisplayName(to), newName);
+      EntryMove(site, source, destination, classEntry, list).Run(newName, SString());
+  if (outcome == Outcome::kDone && site.GetOwner() != nullptr) {
+    site.GetOwner()->OnClassMoved(DisplayName(from), DisplayName(to), newName);
   }
-  SelectTeacher(&from);
+  site.SelectTeacher(&from);
   return outcome != Outcome::kFailed;
 }
 
-bool MoveStudent(const SLoginNameObj* sourceClass, const SLoginNameObj* destinationClass,
-                 SLoginNameObj* student, SPtrArray* list, const SString& first,
-                 const SString& last) {
-  if (IsMissing(sourceClass, destinationClass) || student == nullptr || list == nullptr) {
-    return false;
-  }
+bool MoveStudent(SSite& site, const SLoginNameObj& sourceClass,
+                 const SLoginNameObj& destinationClass, SLoginNameObj& student, SLoginList& list,
+                 const SString& first, const SString& last) {
   const SString newFirst(first);
   const SString newLast(last);
-  const MoveEnd source = {nullptr, sourceClass};
-  const MoveEnd destination = {nullptr, destinationClass};
-  const Outcome outcome = EntryMove(source, destination, *student, *list).Run(newFirst, newLast);
-  if (outcome == Outcome::kDone && gApp != nullptr) {
-    gApp->OnStudentMoved(DisplayName(*sourceClass), DisplayName(*destinationClass), newLast,
-                         newFirst, kNoTeacherName, kNoTeacherName);
+  const MoveEnd source = {nullptr, &sourceClass};
+  const MoveEnd destination = {nullptr, &destinationClass};
+  const Outcome outcome =
+      EntryMove(site, source, destination, student, list).Run(newFirst, newLast);
+  if (outcome == Outcome::kDone && site.GetOwner() != nullptr) {
+    site.GetOwner()->OnStudentMoved(DisplayName(sourceClass), DisplayName(destinationClass),
+                                    newLast, newFirst, kNoTeacherName, kNoTeacherName);
   }
   return outcome != Outcome::kFailed;
 }
 
-bool MoveStudentAcross(const SLoginNameObj* sourceTeacher, const SLoginNameObj* destinationTeacher,
-                       const SLoginNameObj* sourceClass, const SLoginNameObj* destinationClass,
-                       SLoginNameObj* student, SPtrArray* list, const SString& first,
-                       const SString& last) {
-  if (IsMissing(sourceTeacher, destinationTeacher) || IsMissing(sourceClass, destinationClass) ||
-      student == nullptr || list == nullptr) {
-    return false;
-  }
-  const SLoginNameObj from(*sourceTeacher);
-  const SLoginNameObj to(*destinationTeacher);
+bool MoveStudentAcross(SSite& site, const SLoginNameObj& sourceTeacher,
+                       const SLoginNameObj& destinationTeacher, const SLoginNameObj& sourceClass,
+                       const SLoginNameObj& destinationClass, SLoginNameObj& student,
+                       SLoginList& list, const SString& first, const SString& last) {
+  const SLoginNameObj from(sourceTeacher);
+  const SLoginNameObj to(destinationTeacher);
   const SString newFirst(first);
   const SString newLast(last);
-  const MoveEnd source = {&from, sourceClass};
-  const MoveEnd destination = {&to, destinationClass};
-  const Outcome outcome = EntryMove(source, destination, *student, *list).Run(newFirst, newLast);
-  if (outcome == Outcome::kDone && gApp != nullptr) {
-    gApp->OnStudentMoved(DisplayName(*sourceClass), DisplayName(*destinationClass), newLast,
-                         newFirst, DisplayName(from), DisplayName(to));
+  const MoveEnd source = {&from, &sourceClass};
+  const MoveEnd destination = {&to, &destinationClass};
+  const Outcome outcome =
+      EntryMove(site, source, destination, student, list).Run(newFirst, newLast);
+  if (outcome == Outcome::kDone && site.GetOwner() != nullptr) {
+    site.GetOwner()->OnStudentMoved(DisplayName(sourceClass), DisplayName(destinationClass),
+                                    newLast, newFirst, DisplayName(from), DisplayName(to));
   }
-  SelectTeacher(&from);
+  site.SelectTeacher(&from);
   return outcome != Outcome::kFailed;
 }
 

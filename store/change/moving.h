@@ -9,23 +9,24 @@
 // next listing.
 #pragma once
 
-#include "foundation/containers/array.h"
-#include "foundation/login_name.h"
 #include "foundation/text/string.h"
+#include "store/list/entries.h"
+#include "store/place/site.h"
 
 namespace kivstore {
 
 // Ends with the source teacher selected.
-bool MoveClass(const SLoginNameObj* sourceTeacher, const SLoginNameObj* destinationTeacher,
-               SLoginNameObj* classEntry, SPtrArray* list, const SString& name);
+bool MoveClass(SSite& site, const SLoginNameObj& sourceTeacher,
+               const SLoginNameObj& destinationTeacher, SLoginNameObj& classEntry, SLoginList& list,
+               const SString& name);
 // Under the selected teacher.
-bool MoveStudent(const SLoginNameObj* sourceClass, const SLoginNameObj* destinationClass,
-                 SLoginNameObj* student, SPtrArray* list, const SString& first,
-                 const SString& last);
+bool MoveStudent(SSite& site, const SLoginNameObj& sourceClass,
+                 const SLoginNameObj& destinationClass, SLoginNameObj& student, SLoginList& list,
+                 const SString& first, const SString& last);
 // Ends with the source teacher selected.
-bool MoveStudentAcross(const SLoginNameObj* sourceTeacher, const SLoginNameObj* destinationTeacher,
-                       const SLoginNameObj* sourceClass, const SLoginNameObj* destinationClass,
-                       SLoginNameObj* student, SPtrArray* list, const SString& first,
-                       const SString& last);
+bool MoveStudentAcross(SSite& site, const SLoginNameObj& sourceTeacher,
+                       const SLoginNameObj& destinationTeacher, const SLoginNameObj& sourceClass,
+                       const SLoginNameObj& destinationClass, SLoginNameObj& student,
+                       SLoginList& list, const SString& first, const SString& last);
 
 }  // namespace kivstore

@@ -1,108 +1,122 @@
 #include "store/change/renaming.h"
 
-#include "foundation/application.h"
-#include "foundation/site_mode.h"
 #include "platform/base/bytes.h"
-#include "platform/text_numbers.h"
-#include "store/change/adding.h"
+#include "store/change/default_entries.h"
 #include "store/change/transaction.h"
-#include "store/list/entries.h"
-#include "store/list/name_derivation.h"
-#include "store/place/cached_text.h"
+#include "store/list/long_name.h"
+#include "store/place/display_name.h"
 #include "store/place/failure_report.h"
-#include "store/place/layout.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
 
-using StepDown = bool (*)(SFileSpec& spec, const SLoginNameObj& entry);
+using StepDown = bool (*)(SSite& site, SFileSpec& spec, const SLoginNameObj& entry);
 
 // What differs between the levels.
 struct RenameLevel {
-  LockKind listLock;
-  LockKind entryLock;
+  ListKind listLock;
+  ListKind entryLock;
   // From the entry's folder to the one whose index lock keeps others out; whether it is there.
   StepDown goInside;
   bool staysInFolder;
 };
 
 // A teacher needs a classes folder: without one the default class is added.
-bool GoToClasses(SFileSpec& spec, const SLoginNameObj& teacher) {
-  spec.Down(ClassesName());
+bool GoToClasses(SSite& site, SFileSpec& spec, const SLoginNameObj& teacher) {
+  DownToClasses(spec);
   if (IsKnownMissing(spec)) {
-    SLoginNameObj* const selected = gCurrentTeacher;
-    SelectTeacher(&teacher);
+    const SLoginNameObj* const selected = site.GetCurrentTeacher();
+    site.SelectTeacher(&teacher);
     SLoginNameObj defaultClass;
     MakeDefaultEntry(defaultClass);
     SString folder;
-    AddClass(DisplayName(defaultClass), folder);
+    AddClass(site, DisplayName(defaultClass), folder);
     // If a teacher was selected this is the object that has just been overwritten.
-    SelectTeacher(selected);
+    site.SelectTeacher(selected);
     spec.Refresh();
   }
   return spec.IsExistingFolder();
 }
 
-bool GoToStudents(SFileSpec& spec, const SLoginNameObj&) {
+bool GoToStudents(SSite&, SFileSpec& spec, const SLoginNameObj&) {
   return spec.Down(CachedText<kTextStudents>()) && spec.IsExistingFolder();
 }
 
-bool StayInFolder(SFileSpec& spec, const SLoginNameObj&) {
-  return spec.IsExistingFolder();
+bool StayInFolder(SSite&, SFileSpec&, const SLoginNameObj&) {
+  return true;
 }
 
-constexpr RenameLevel kTeacherLevel = {LockKind::kTeachers, LockKind::kClasses, GoToClasses, false};
-constexpr RenameLevel kClassLevel = {LockKind::kClasses, LockKind::kClasses, GoToStudents, false};
-constexpr RenameLevel kStudentLevel = {LockKind::kStudents, LockKind::kStudents, StayInFolder,
+constexpr RenameLevel kTeacherLevel = {ListKind::kTeachers, ListKind::kClasses, GoToClasses, false};
+constexpr RenameLevel kClassLevel = {ListKind::kClasses, ListKind::kClasses, GoToStudents, false};
+constexpr RenameLevel kStudentLevel = {ListKind::kStudents, ListKind::kStudents, StayInFolder,
                                        true};
 
+bool FailOnMissing(SSite& site, const RenameLevel& level, const SFileSpec& spec) {
+  site.NoteFailure(FailureKind::kMissing, spec.GetPath(), level.listLock);
+  return false;
+}
+
+bool FailOnEntry(SSite& site, const RenameLevel& level, const SFileSpec& spec) {
+  site.NoteFailure(FailureKind::kNoEntry, spec.GetPath(), level.listLock);
+  return false;
+}
+
 // From the list folder. The names are copies: the caller's may be the list's own.
-bool RenameEntry(SFileSpec& spec, const SLoginNameObj& entry, SPtrArray& list, SString first,
-                 SString last, const RenameLevel& level) {
+bool RenameEntry(SSite& site, SFileSpec& spec, const SLoginNameObj& entry, SLoginList& list,
+                 SString first, SString last, const RenameLevel& level) {
   const int32_t index = FindLogin(list, entry);
-  SLockFile listLock;
-  if (index < 0 || !IsFolderThere(spec) || !LockIndex(listLock, spec, level.listLock, false)) {
-    return false;
+  if (index < 0) {
+    return FailOnEntry(site, level, spec);
+  }
+  SLockFile listLock(site);
+  if (!IsFolderThere(site, spec) || !LockIndex(listLock, spec, level.listLock, false)) {
+    return FailOnMissing(site, level, spec);
   }
   SFileSpec inside(spec);
-  SLockFile entryLock;
-  if (!DownToEntry(inside, entry) || !level.goInside(inside, entry) ||
+  SLockFile entryLock(site);
+  if (!DownToEntry(inside, entry) || !inside.IsExistingFolder()) {
+    return FailOnEntry(site, level, inside);
+  }
+  if (!level.goInside(site, inside, entry) ||
       !LockIndex(entryLock, inside, level.entryLock, false)) {
-    return false;
+    return FailOnMissing(site, level, inside);
   }
   if (!level.staysInFolder) {
     inside.Up();
   }
   WriteLongName(inside, first, last);
-  SLoginNameObj& renamed = *LoginIn(list, index);
+  SLoginNameObj& renamed = list[index];
   renamed.firstName = first;
   renamed.lastName = last;
   WriteLogins(spec, list, renamed.folderName);
   return true;
 }
 
-SString TeacherForHook() {
-  const bool isNamed = gSiteMode == kSiteSharedTeachers && gCurrentTeacher != nullptr;
-  return isNamed ? DisplayName(*gCurrentTeacher) : SString(kNoTeacherName);
+SString TeacherForHook(const SSite& site) {
+  const SLoginNameObj* const teacher = site.GetCurrentTeacher();
+  const bool isNamed = site.GetSiteMode() == kSiteSharedTeachers && teacher != nullptr;
+  return isNamed ? DisplayName(*teacher) : SString(kNoTeacherName);
 }
 
-bool FailToRename() {
-  ReportFileFailure(kFailRename);
+bool FailToRename(SSite& site) {
+  ReportFileFailure(site, kFailRename);
   return false;
 }
 
-SOurFileObj* FindFile(const SPtrArray& files, const SString& longName) {
-  for (int32_t i = 0; i < files.GetSize(); ++i) {
-    if (FileIn(files, i)->longName == longName) {
-      return FileIn(files, i);
+SOurFileObj* FindFile(SFileList& files, const SString& longName) {
+  for (SOurFileObj& file : files) {
+    if (file.longName == longName) {
+      return &file;
     }
   }
   return nullptr;
 }
 
-bool IsLongNameTaken(const SPtrArray& files, const SString& longName) {
-  for (int32_t i = 0; i < files.GetSize(); ++i) {
-    if (EqualBytesNoCase(FileIn(files, i)->longName.View(), longName.View())) {
+bool IsLongNameTaken(const SFileList& files, const SString& longName) {
+  for (const SOurFileObj& file : files) {
+    if (EqualBytesNoCase(file.longName.View(), longName.View())) {
       return true;
     }
   }
@@ -111,86 +125,84 @@ bool IsLongNameTaken(const SPtrArray& files, const SString& longName) {
 
 }  // namespace
 
-bool RenameTeacher(const SLoginNameObj* teacher, SPtrArray* list, const SString& newName,
-                   SString& folderOut) {
+bool RenameTeacher(SSite& site, const SLoginNameObj& teacher, SLoginList& list,
+                   const SString& newName) {
+  if (!site.IsShared()) {
+    return false;
+  }
   const SString name(newName);
-  folderOut.Empty();
-  if (teacher == nullptr || list == nullptr || !IsSharedSite()) {
-    return false;
-  }
-  const SString oldDisplay = DisplayName(*teacher);
+  const SString oldDisplay = DisplayName(teacher);
+  PrepareTeacherList(site);
   SFileSpec spec;
-  TeachersFolder(spec);
-  if (!RenameEntry(spec, *teacher, *list, name, SString(), kTeacherLevel)) {
+  TeachersFolder(site, spec);
+  if (!RenameEntry(site, spec, teacher, list, name, SString(), kTeacherLevel)) {
     return false;
   }
-  if (gApp != nullptr) {
-    gApp->OnTeacherRenamed(oldDisplay, name);
+  if (site.GetOwner() != nullptr) {
+    site.GetOwner()->OnTeacherRenamed(oldDisplay, name);
   }
   return true;
 }
 
-bool RenameClass(const SLoginNameObj* classEntry, SPtrArray* list, const SString& newName,
-                 SString& folderOut) {
+bool RenameClass(SSite& site, const SLoginNameObj& classEntry, SLoginList& list,
+                 const SString& newName) {
   const SString name(newName);
-  folderOut.Empty();
-  if (classEntry == nullptr || list == nullptr) {
-    return false;
-  }
-  const SString oldDisplay = DisplayName(*classEntry);
+  const SString oldDisplay = DisplayName(classEntry);
+  PrepareClassList(site);
   SFileSpec spec;
-  SString path;
-  ClassesFolder(spec, path, false);
-  if (!RenameEntry(spec, *classEntry, *list, name, SString(), kClassLevel)) {
+  ClassesFolder(site, spec);
+  if (!RenameEntry(site, spec, classEntry, list, name, SString(), kClassLevel)) {
     return false;
   }
-  if (gApp != nullptr) {
-    gApp->OnClassRenamed(oldDisplay, name, TeacherForHook());
+  if (site.GetOwner() != nullptr) {
+    site.GetOwner()->OnClassRenamed(oldDisplay, name, TeacherForHook(site));
   }
   return true;
 }
 
-bool RenameStudent(const SLoginNameObj* classEntry, const SLoginNameObj* student, SPtrArray* list,
-                   const SString& newFirst, const SString& newLast) {
-  if (classEntry == nullptr || student == nullptr || list == nullptr) {
-    return false;
-  }
-  const SLoginNameObj before(*student);
+bool RenameStudent(SSite& site, const SLoginNameObj& classEntry, const SLoginNameObj& student,
+                   SLoginList& list, const SString& newFirst, const SString& newLast) {
+  const SLoginNameObj before(student);
   const SLoginNameObj after(newFirst, newLast, SString());
+  SLoginNameObj group(classEntry);
+  PrepareStudentList(site, group);
   SFileSpec spec;
-  StudentsFolder(spec, *classEntry, false);
-  if (!RenameEntry(spec, *student, *list, newFirst, newLast, kStudentLevel)) {
+  StudentsFolder(site, spec, group);
+  if (!RenameEntry(site, spec, student, list, newFirst, newLast, kStudentLevel)) {
     return false;
   }
-  if (gApp != nullptr) {
-    gApp->OnStudentRenamed(DisplayName(*classEntry), before.lastName, before.firstName,
-                           after.lastName, after.firstName, TeacherForHook());
+  if (site.GetOwner() != nullptr) {
+    site.GetOwner()->OnStudentRenamed(DisplayName(classEntry), before.lastName, before.firstName,
+                                      after.lastName, after.firstName, TeacherForHook(site));
   }
   return true;
 }
 
-bool RenameUserFile(const SFileSpec& spec, const SString& oldName, const SString& newName,
-                    bool lockIt) {
+bool RenameUserFile(SSite& site, const SFileSpec& spec, const SString& oldName,
+                    const SString& newName, bool lockIt) {
   SFileSpec folder(spec);
   if (!folder.IsExistingFolder()) {
     folder.Up();
   }
-  SLockFile lock;
-  if (!folder.IsExistingFolder() || (lockIt && !LockIndex(lock, folder, LockKind::kFiles, false))) {
-    return FailToRename();
+  SLockFile lock(site);
+  if (!folder.IsExistingFolder() || (lockIt && !LockIndex(lock, folder, ListKind::kFiles, false))) {
+    site.NoteFailure(FailureKind::kMissing, folder.GetPath(), ListKind::kFiles);
+    return FailToRename(site);
   }
   SIndexObj index;
   ReadWholeIndex(folder, index);
-  if (index.files == nullptr) {
-    return true;
-  }
   if (IsLongNameTaken(*index.files, newName)) {
+    site.NoteFailure(FailureKind::kNameTaken, folder.GetPath(), ListKind::kFiles);
     return false;
   }
   if (SOurFileObj* const file = FindFile(*index.files, oldName)) {
     file->longName = newName;
   }
-  return WriteIndex(folder, index) || FailToRename();
+  if (WriteIndex(folder, index)) {
+    return true;
+  }
+  site.NoteFileFailure(ListKind::kFiles);
+  return FailToRename(site);
 }
 
 }  // namespace kivstore

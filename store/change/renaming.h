@@ -6,26 +6,25 @@
 // not change the answer.
 #pragma once
 
-#include "foundation/containers/array.h"
 #include "foundation/files/file_spec.h"
-#include "foundation/login_name.h"
 #include "foundation/text/string.h"
+#include "store/list/entries.h"
+#include "store/place/site.h"
 
 namespace kivstore {
 
-// Only in shared site modes. A teacher without a classes folder is given the default class first,
-// and that leaves the teacher selected if one was selected before.
-bool RenameTeacher(const SLoginNameObj* teacher, SPtrArray* list, const SString& newName,
-                   SString& folderOut);
-// `folderOut` comes back empty: a rename makes no new folder name.
-bool RenameClass(const SLoginNameObj* classEntry, SPtrArray* list, const SString& newName,
-                 SString& folderOut);
-bool RenameStudent(const SLoginNameObj* classEntry, const SLoginNameObj* student, SPtrArray* list,
-                   const SString& newFirst, const SString& newLast);
+// Only at shared sites. A teacher without a classes folder is given the default class first, and
+// that leaves the teacher selected if one was selected before.
+bool RenameTeacher(SSite& site, const SLoginNameObj& teacher, SLoginList& list,
+                   const SString& newName);
+bool RenameClass(SSite& site, const SLoginNameObj& classEntry, SLoginList& list,
+                 const SString& newName);
+bool RenameStudent(SSite& site, const SLoginNameObj& classEntry, const SLoginNameObj& student,
+                   SLoginList& list, const SString& newFirst, const SString& newLast);
 
 // The long name of a file in the index of the spec's folder. False with no report if any file has
-// the new name already, letter case ignored.
-bool RenameUserFile(const SFileSpec& spec, const SString& oldName, const SString& newName,
-                    bool lockIt);
+// the new name already, letter case ignored. Only a playing tutor renames files.
+bool RenameUserFile(SSite& site, const SFileSpec& spec, const SString& oldName,
+                    const SString& newName, bool lockIt);
 
 }  // namespace kivstore

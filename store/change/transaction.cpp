@@ -1,44 +1,49 @@
 #include "store/change/transaction.h"
 
-#include "foundation/site_mode.h"
-#include "platform/base/bytes.h"
-#include "platform/text_numbers.h"
-#include "store/place/cached_text.h"
-#include "store/place/layout.h"
+#include <memory>
+#include <utility>
 
 namespace kivstore {
 namespace {
 
-bool IsIn(const SLoginNameObj& entry, const SString& folder) {
-  return EqualBytesNoCase(entry.folderName.View(), folder.View());
+bool AddCopy(SLoginList& list, const SLoginNameObj& entry) {
+  return list.Add(std::unique_ptr<SLoginNameObj>(new (std::nothrow) SLoginNameObj(entry)));
 }
 
-// What other workstations have made of the list since it was loaded.
-void TakeOthersChanges(SPtrArray& logins, const SPtrArray& stored, const SString& changed) {
-  SPtrArray known, storedByFolder;
-  known.Append(logins);
-  SortByFolder(known);
-  storedByFolder.Append(stored);
-  SortByFolder(storedByFolder);
-  for (int32_t i = 0; i < logins.GetSize(); ++i) {
-    const int32_t at = storedByFolder.FindSorted(logins[i], CompareByFolder);
-    if (at >= 0 && !IsIn(*LoginIn(logins, i), changed)) {
-      logins[i] = storedByFolder[at];
+bool CopySorted(SLoginList& sorted, const SLoginList& list) {
+  for (const SLoginNameObj& entry : list) {
+    if (!AddCopy(sorted, entry)) {
+      return false;
     }
   }
-  for (int32_t i = 0; i < stored.GetSize(); ++i) {
-    if (known.FindSorted(stored[i], CompareByFolder) < 0 && !IsIn(*LoginIn(stored, i), changed)) {
-      logins.Add(stored[i]);
+  SortByFolder(sorted);
+  return true;
+}
+
+// The list with what other workstations have made of it since it was loaded; false without memory.
+bool TakeOthersChanges(SLoginList& merged, const SLoginList& list, const SLoginList& stored,
+                       const SString& changed) {
+  SLoginList known, storedByFolder;
+  bool complete = CopySorted(known, list) && CopySorted(storedByFolder, stored);
+  for (const SLoginNameObj& entry : list) {
+    const int32_t at = storedByFolder.FindSorted(entry, CompareByFolder);
+    const bool isStored = at >= 0 && !IsInFolder(entry, changed);
+    complete = AddCopy(merged, isStored ? storedByFolder[at] : entry) && complete;
+  }
+  for (const SLoginNameObj& entry : stored) {
+    if (known.FindSorted(entry, CompareByFolder) < 0 && !IsInFolder(entry, changed)) {
+      complete = AddCopy(merged, entry) && complete;
     }
   }
+  return complete;
 }
 
 }  // namespace
 
 // A spec that was not placed on a folder stands somewhere on the way there: a look that now finds
 // something would find the wrong folder.
-bool IsFolderThere(SFileSpec& spec) {
-  if (spec.IsExistingFolder() && IsSharedSite()) {
+bool IsFolderThere(const SSite& site, SFileSpec& spec) {
+  if (spec.IsExistingFolder() && site.IsShared()) {
     spec.Refresh();
   }
   return spec.IsExistingFolder();
@@ -49,41 +54,15 @@ bool IsKnownMissing(const SFileSpec& spec) {
   return !spec.Exists() && SFileSpec::GetLastError() == kNotFound;
 }
 
-void AimAtIndex(SLockFile& lock, const SFileSpec& folder, LockKind kind, bool quiet) {
-  lock.Retarget(folder, CachedText<kTextIndexFile>());
-  SetLockMessages(lock, kind, quiet);
-}
-
-bool LockIndex(SLockFile& lock, const SFileSpec& folder, LockKind kind, bool quiet) {
-  AimAtIndex(lock, folder, kind, quiet);
-  return lock.Lock();
-}
-
-void ReadWholeIndex(SFileSpec folder, SIndexObj& index) {
-  index.NeedLogins();
-  index.NeedFiles();
-  if (folder.DownAssumed(CachedText<kTextIndexFile>().GetText())) {
-    ReadIndex(folder, &index);
+bool WriteLogins(const SFileSpec& folder, const SLoginList& list, const SString& changed) {
+  SIndexObj index;
+  ReadWholeIndex(folder, index);
+  SLoginList merged;
+  if (!TakeOthersChanges(merged, list, *index.logins, changed)) {
+    return false;
   }
-}
-
-void WriteLogins(const SFileSpec& folder, const SPtrArray& list, const SString& changed) {
-  SIndexObj stored;
-  ReadWholeIndex(folder, stored);
-  SIndexObj index(&list, stored.files);
-  index.ownsLogins = index.ownsFiles = false;
-  index.incomplete = stored.incomplete;
-  if (index.logins != nullptr && stored.logins != nullptr) {
-    TakeOthersChanges(*index.logins, *stored.logins, changed);
-  }
-  WriteIndex(folder, index);
-}
-
-void RemoveLoginAt(SPtrArray& list, int32_t index) {
-  if (index >= 0) {
-    delete LoginIn(list, index);
-    list.RemoveAt(index);
-  }
+  *index.logins = std::move(merged);
+  return WriteIndex(folder, index);
 }
 
 }  // namespace kivstore

@@ -1,13 +1,15 @@
 #include "store/list/duplicate_names.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
-#include "platform/text_numbers.h"
-#include "store/change/transaction.h"
-#include "store/list/entries.h"
+#include "store/list/long_name.h"
 #include "store/list/name_derivation.h"
-#include "store/place/cached_text.h"
-#include "store/place/layout.h"
+#include "store/lock/lock_file.h"
+#include "store/place/display_name.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
@@ -19,20 +21,20 @@ constexpr int64_t kEffortOfTry = 16;
 
 class NameVariation {
  public:
-  NameVariation(const SFileSpec& folder, SPtrArray& logins) : folder(folder), logins(logins) {}
+  NameVariation(SSite& site, const SFileSpec& folder, SLoginList& logins)
+      : site(site), folder(folder), logins(logins) {}
   void Run();
 
  private:
-  SLoginNameObj& At(int32_t index) const { return *LoginIn(logins, index); }
   bool IsDuplicate(int32_t index) const;
   int32_t Rename(int32_t index);
   void MakeUnique(SLoginNameObj& entry);
-  bool IsTaken(SLoginNameObj& entry);
+  bool IsTaken(const SLoginNameObj& entry);
   void WriteName(const SLoginNameObj& entry) const;
-  int32_t Insert(SLoginNameObj* entry);
 
+  SSite& site;
   const SFileSpec& folder;
-  SPtrArray& logins;
+  SLoginList& logins;
   int64_t effort = 0;
 };
 
@@ -51,17 +53,17 @@ void NameVariation::Run() {
 
 // In a sorted list an equal name stands beside it.
 bool NameVariation::IsDuplicate(int32_t index) const {
-  return CompareDisplayNames(At(index - 1), At(index)) == 0 ||
-         (index + 1 < logins.GetSize() && CompareDisplayNames(At(index), At(index + 1)) == 0);
+  return CompareDisplayNames(logins[index - 1], logins[index]) == 0 ||
+         (index + 1 < logins.GetSize() &&
+          CompareDisplayNames(logins[index], logins[index + 1]) == 0);
 }
 
 // Takes the entry out and answers the place of its new name.
 int32_t NameVariation::Rename(int32_t index) {
-  SLoginNameObj* const entry = &At(index);
-  logins.RemoveAt(index);
+  std::unique_ptr<SLoginNameObj> entry = logins.Take(index);
   MakeUnique(*entry);
   WriteName(*entry);
-  return Insert(entry);
+  return logins.InsertSorted(std::move(entry), CompareByDisplayName);
 }
 
 void NameVariation::MakeUnique(SLoginNameObj& entry) {
@@ -86,9 +88,9 @@ void NameVariation::MakeUnique(SLoginNameObj& entry) {
   }
 }
 
-bool NameVariation::IsTaken(SLoginNameObj& entry) {
+bool NameVariation::IsTaken(const SLoginNameObj& entry) {
   effort += entry.firstName.GetLength() + entry.lastName.GetLength() + kEffortOfTry;
-  return logins.FindSorted(&entry, CompareByDisplayName) >= 0;
+  return logins.FindSorted(entry, CompareByDisplayName) >= 0;
 }
 
 void NameVariation::WriteName(const SLoginNameObj& entry) const {
@@ -96,28 +98,16 @@ void NameVariation::WriteName(const SLoginNameObj& entry) const {
   if (!DownToEntry(spec, entry)) {
     return;
   }
-  SLockFile lock;
-  if (LockIndex(lock, spec, LockKind::kStudents, false)) {
+  SLockFile lock(site);
+  if (LockIndex(lock, spec, ListKind::kStudents, false)) {
     WriteLongName(spec, entry.firstName, entry.lastName);
   }
 }
 
-// InsertSorted without its walk: the first place whose entry is not before this one.
-int32_t NameVariation::Insert(SLoginNameObj* entry) {
-  void** const begin = logins.Data();
-  void* element = entry;
-  void** const place = std::partition_point(
-      begin, begin + logins.GetSize(),
-      [&element](void* const& other) { return CompareByDisplayName(&element, &other) > 0; });
-  const int32_t index = static_cast<int32_t>(place - begin);
-  logins.InsertAt(index, entry);
-  return index;
-}
-
 }  // namespace
 
-void VaryDuplicateNames(const SFileSpec& folder, SPtrArray& logins) {
-  NameVariation(folder, logins).Run();
+void VaryDuplicateNames(SSite& site, const SFileSpec& folder, SLoginList& logins) {
+  NameVariation(site, folder, logins).Run();
 }
 
 }  // namespace kivstore

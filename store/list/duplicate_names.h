@@ -2,13 +2,14 @@
 // that each can be told apart.
 #pragma once
 
-#include "foundation/containers/array.h"
 #include "foundation/files/file_spec.h"
+#include "store/list/entries.h"
+#include "store/place/site.h"
 
 namespace kivstore {
 
 // `logins` are sorted by CompareByDisplayName and stay so; `folder` is the list folder. The new
 // name goes into the entry's own longname.kiv, where its lock can be had.
-void VaryDuplicateNames(const SFileSpec& folder, SPtrArray& logins);
+void VaryDuplicateNames(SSite& site, const SFileSpec& folder, SLoginList& logins);
 
 }  // namespace kivstore

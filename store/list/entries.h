@@ -1,10 +1,9 @@
-// The entries of the store's lists and how they compare. See foundation/login_name.h for
-// SLoginNameObj.
+// The entries of the store's lists, the lists themselves, and how entries compare.
 #pragma once
 
-#include "foundation/containers/array.h"
-#include "foundation/login_name.h"
+#include "foundation/containers/owning_list.h"
 #include "foundation/text/string.h"
+#include "store/place/login_name.h"
 
 namespace kivstore {
 
@@ -20,48 +19,31 @@ struct SOurFileObj {
   SString extension;  // without the dot
 };
 
+// Lists own their entries.
+using SLoginList = SOwningList<SLoginNameObj>;
+using SFileList = SOwningList<SOurFileObj>;
+
 inline constexpr int16_t kMaxTeachers = 1000;
 inline constexpr int16_t kMaxClasses = 1000;
 inline constexpr int16_t kMaxStudents = 1000;
 inline constexpr int16_t kNoLimit = -1;
+// Lists are walked with 16-bit counters.
+inline constexpr int32_t kMostEntries = 32767;
 
-// Lists are SPtrArrays of entries; these are the typed ways in and out.
-inline SLoginNameObj* LoginIn(const SPtrArray& list, int32_t index) {
-  return static_cast<SLoginNameObj*>(list[index]);
-}
-inline SOurFileObj* FileIn(const SPtrArray& list, int32_t index) {
-  return static_cast<SOurFileObj*>(list[index]);
-}
-void DeleteLogins(SPtrArray& list);  // the entries, and empties the list
-void DeleteFiles(SPtrArray& list);
+// Orders, letter case ignored: below, equal to or above 0. Of equal display names the default entry
+// comes first.
+int CompareByFolder(const SLoginNameObj& a, const SLoginNameObj& b);
+int CompareByDisplayName(const SLoginNameObj& a, const SLoginNameObj& b);
+int CompareByFileName(const SOurFileObj& a, const SOurFileObj& b);
 
-// Owns the entries of a list for a scope.
-class SLoginList {
- public:
-  SLoginList() = default;
-  ~SLoginList() { DeleteLogins(list); }
-  SLoginList(const SLoginList&) = delete;
-  SLoginList& operator=(const SLoginList&) = delete;
-  SPtrArray& Array() { return list; }
-  int32_t GetSize() const { return list.GetSize(); }
-  SLoginNameObj* At(int32_t index) const { return LoginIn(list, index); }
-
- private:
-  SPtrArray list;
-};
-
-// Orders for SPtrArray's sort and searches, letter case ignored. Equal display names: the default
-// entry comes first.
-int CompareByFolder(void* const* a, void* const* b);
-int CompareByDisplayName(void* const* a, void* const* b);
-int CompareByFileName(void* const* a, void* const* b);
-
-// Sort(CompareByFolder) of a list of logins, at the cost of one pass if it is in order already.
-void SortByFolder(SPtrArray& list);
+// By CompareByFolder, at the cost of one pass if the list is in order already.
+void SortByFolder(SLoginList& list);
 
 // First entry whose display name and folder name equal the given one's, letter case ignored; -1.
-int32_t FindLogin(const SPtrArray& list, const SLoginNameObj& entry);
-// By display name; `exact` compares bytes.
-bool SameName(const SLoginNameObj& entry, const SString& first, const SString& last, bool exact);
+int32_t FindLogin(const SLoginList& list, const SLoginNameObj& entry);
+
+// Whether the entry lies in the folder of that name, letter case ignored.
+bool IsInFolder(const SLoginNameObj& entry, const SString& folder);
+bool HasExtension(const SOurFileObj& file, const SString& extension);
 
 }  // namespace kivstore

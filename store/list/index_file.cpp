@@ -1,20 +1,17 @@
 #include "store/list/index_file.h"
 
 #include <algorithm>
-#include <new>
+#include <memory>
 
 #include "archive/binary_stream.h"
 #include "archive/stream_file.h"
 #include "platform/base/bytes.h"
-#include "platform/text_numbers.h"
-#include "store/place/cached_text.h"
-#include "store/place/layout.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
 
-constexpr int32_t kMostEntries = 32767;  // lists are walked with 16-bit counters
-constexpr int32_t kLeastRecord = 3;      // three empty texts
+constexpr int32_t kLeastRecord = 3;  // three empty texts
 
 void ReadEntry(SBinaryStream& stream, SLoginNameObj& login) {
   stream.ReadText(login.folderName);
@@ -57,37 +54,36 @@ void SkipRecords(SBinaryStream& stream, int32_t count) {
 
 // False if not all of them found room.
 template <class Entry>
-bool ReadEntries(SBinaryStream& stream, int32_t count, SPtrArray& list) {
-  int32_t at = list.GetSize();
-  const int32_t end = at + std::min(count, std::max(kMostEntries - at, 0));
-  const bool fitsAll = end - at == count;
-  const int32_t skipped = count - (end - at);
-  list.SetSize(end);
-  for (; at < list.GetSize(); ++at) {
-    Entry* const entry = new (std::nothrow) Entry;
-    if (entry == nullptr) {
-      break;
+bool ReadEntries(SBinaryStream& stream, int32_t count, SOwningList<Entry>& list) {
+  const int32_t room = std::max(kMostEntries - list.GetSize(), 0);
+  const int32_t wanted = std::min(count, room);
+  int32_t taken = 0;
+  if (list.Reserve(list.GetSize() + wanted)) {
+    for (; taken < wanted; ++taken) {
+      std::unique_ptr<Entry> entry(new (std::nothrow) Entry);
+      if (entry == nullptr) {
+        break;
+      }
+      ReadEntry(stream, *entry);
+      list.Add(std::move(entry));
     }
-    list[at] = entry;
-    ReadEntry(stream, *entry);
   }
-  list.SetSize(at);
-  SkipRecords(stream, skipped);
-  return fitsAll && at == end;
+  SkipRecords(stream, count - taken);
+  return taken == count;
 }
 
 void ReadHalves(SBinaryStream& stream, SIndexObj& index) {
   const int32_t loginCount = stream.Source().GetLength() < 1 ? 0 : ReadCount(stream);
-  if (index.logins == nullptr || !index.readLogins) {
+  if (!index.logins || !index.readLogins) {
     SkipRecords(stream, loginCount);
-  } else if (!ReadEntries<SLoginNameObj>(stream, loginCount, *index.logins)) {
+  } else if (!ReadEntries(stream, loginCount, *index.logins)) {
     index.incomplete = true;
   }
-  if (index.files == nullptr || !index.readFiles) {
+  if (!index.files || !index.readFiles) {
     return;
   }
   const int32_t fileCount = ReadCount(stream);
-  if (!stream.HasError() && !ReadEntries<SOurFileObj>(stream, fileCount, *index.files)) {
+  if (!stream.HasError() && !ReadEntries(stream, fileCount, *index.files)) {
     index.incomplete = true;
   }
 }
@@ -109,29 +105,27 @@ bool ReadIndexFile(const SFileSpec& spec, SIndexObj& index) {
 
 // Reads the halves that the index lacks.
 void TakeMissingHalves(SFileSpec file, SIndexObj& index) {
-  const bool lacksLogins = index.logins == nullptr;
-  const bool lacksFiles = index.files == nullptr;
-  if (!lacksLogins && !lacksFiles) {
-    return;
-  }
-  if (lacksLogins) {
+  index.readLogins = !index.logins;
+  index.readFiles = !index.files;
+  if (index.readLogins) {
     index.NeedLogins();
   }
-  if (lacksFiles) {
+  if (index.readFiles) {
     index.NeedFiles();
   }
-  index.readLogins = lacksLogins;
-  index.readFiles = lacksFiles;
-  ReadIndex(file, &index);
+  if (index.readLogins || index.readFiles) {
+    ReadIndex(file, index);
+  }
   index.readLogins = index.readFiles = true;
 }
 
-template <class Entry>
-void WriteHalf(SBinaryStream& stream, const SPtrArray* half) {
-  const int32_t count = half != nullptr ? half->GetSize() : 0;
-  stream.WriteLong(count);
-  for (int32_t i = 0; i < count; ++i) {
-    WriteEntry(stream, *static_cast<const Entry*>((*half)[i]));
+template <class List>
+void WriteHalf(SBinaryStream& stream, const std::optional<List>& half) {
+  stream.WriteLong(half ? half->GetSize() : 0);
+  if (half) {
+    for (const auto& entry : *half) {
+      WriteEntry(stream, entry);
+    }
   }
 }
 
@@ -141,18 +135,26 @@ bool WriteIndexFile(const SFileSpec& file, const SIndexObj& index) {
   if (stream.HasError()) {
     return true;
   }
-  WriteHalf<SLoginNameObj>(stream, index.logins);
-  WriteHalf<SOurFileObj>(stream, index.files);
+  WriteHalf(stream, index.logins);
+  WriteHalf(stream, index.files);
   stream.FinishWriting(false);
   return !stream.HasError();
 }
 
 }  // namespace
 
-bool ReadIndex(SFileSpec& spec, SIndexObj* index) {
-  const bool read = index != nullptr && ReadIndexFile(spec, *index);
+bool ReadIndex(SFileSpec& spec, SIndexObj& index) {
+  const bool read = ReadIndexFile(spec, index);
   spec.Up();
   return read;
+}
+
+void ReadWholeIndex(SFileSpec folder, SIndexObj& index) {
+  index.NeedLogins();
+  index.NeedFiles();
+  if (folder.DownAssumed(CachedText<kTextIndexFile>().GetText())) {
+    ReadIndex(folder, index);
+  }
 }
 
 bool WriteIndex(const SFileSpec& spec, SIndexObj& index) {

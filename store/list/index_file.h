@@ -21,51 +21,16 @@
 
 #include <cstdint>
 
-#include "foundation/containers/array.h"
 #include "foundation/files/file_spec.h"
-#include "store/list/entries.h"
+#include "store/list/index_object.h"
 
 namespace kivstore {
 
-// The two halves of one index in memory. A half that is not wanted stays null.
-class SIndexObj {
- public:
-  SIndexObj() = default;
-  // New arrays with the same entry pointers; a null list leaves its half null.
-  SIndexObj(const SPtrArray* loginList, const SPtrArray* fileList);
-  virtual ~SIndexObj();
-  SIndexObj(const SIndexObj&) = delete;
-  SIndexObj& operator=(const SIndexObj&) = delete;
-
-  // Make the array, or empty it, deleting entries if owned.
-  void NeedLogins();
-  void NeedFiles();
-  SLoginNameObj* LoginAt(int32_t i) const { return logins ? LoginIn(*logins, i) : nullptr; }
-  SOurFileObj* FileAt(int32_t i) const { return files ? FileIn(*files, i) : nullptr; }
-  // Replace the list's entries (deleting them if owned) by the half's. The half keeps its pointers
-  // too, so `owns` must be false by then.
-  void MoveLoginsTo(SPtrArray* list);
-  void MoveFilesTo(SPtrArray* list);
-  // By extension, letter case ignored. To Copy and Move an empty one means all.
-  int32_t CountFilesOf(const SString& extension) const;
-  void CopyFilesOf(SPtrArray* list, const SString& extension) const;
-  void MoveFilesOf(SPtrArray* list, const SString& extension);  // deletes the others
-  void RemoveFilesOf(const SString& extension);                 // nothing for an empty one
-
-  SPtrArray* logins = nullptr;
-  SPtrArray* files = nullptr;
-  bool ownsLogins = true;
-  bool ownsFiles = true;
-  bool readLogins = true;  // ReadIndex fills `logins` if that list exists
-  bool readFiles = true;
-  // ReadIndex met a file that it could not open or not read to the end of what was asked for, so
-  // that writing this index would drop what the file holds: WriteIndex leaves the file alone.
-  bool incomplete = false;
-};
-
 // `spec` stands on the index.kiv; every way out leaves it on the folder. False if there is no file
 // or it cannot be opened. A spec that only assumes its file (DownAssumed) does as well.
-bool ReadIndex(SFileSpec& spec, SIndexObj* index);
+bool ReadIndex(SFileSpec& spec, SIndexObj& index);
+// Both halves of the folder's index; they are empty where it has none.
+void ReadWholeIndex(SFileSpec folder, SIndexObj& index);
 
 // `spec` stands on the folder. A half that `index` lacks is taken from the disk first. False only
 // for an error during writing: a file that cannot be opened stays as it was.
@@ -73,23 +38,5 @@ bool WriteIndex(const SFileSpec& spec, SIndexObj& index);
 
 // The first count of the folder's index, 0 without one.
 int32_t ReadIndexCount(const SFileSpec& spec);
-
-// Adds a login to the folder's index, unless one of that name and folder is there. False if the
-// index holds `limit` entries or more, also for an entry that is there; kNoLimit for no test.
-bool EnsureEntry(const SFileSpec& spec, const SString& folderName, const SString& first,
-                 const SString& last, int16_t limit);
-
-// File entries by their long name, byte for byte, in the folder `spec` or the folder of the file
-// `spec`. An empty extension takes any.
-bool FindEntryByLongName(const SFileSpec& spec, const SString& longName, const SString& extension);
-SString FindFileOfLongName(const SFileSpec& spec, const SString& longName,
-                           const SString& extension);
-SString FindLongNameOfFile(const SFileSpec& file, const SString& extension);
-// Appends without looking for an existing one.
-bool AddEntry(const SFileSpec& spec, const SString& longName, const SString& fileName,
-              const SString& extension);
-bool AddEntryFor(const SLoginNameObj* classEntry, const SLoginNameObj* student,
-                 const SString& longName, const SString& fileName, const SString& extension,
-                 bool removable);
 
 }  // namespace kivstore

@@ -1,11 +1,11 @@
-// What a folder's index says of one file, and new lines for it.
-#include <new>
+#include "store/list/index_lookup.h"
 
-#include "platform/base/bytes.h"
-#include "platform/text_numbers.h"
-#include "store/list/index_file.h"
-#include "store/place/cached_text.h"
-#include "store/place/layout.h"
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
@@ -18,84 +18,59 @@ SFileSpec FolderOf(const SFileSpec& spec) {
   return folder;
 }
 
-// The halves that `index` has, of the folder's index.
-void ReadIndexOf(const SFileSpec& folder, SIndexObj& index) {
-  SFileSpec file(folder);
-  if (file.DownAssumed(CachedText<kTextIndexFile>().GetText())) {
-    ReadIndex(file, &index);
-  }
-}
-
-void ReadWholeIndexOf(const SFileSpec& folder, SIndexObj& index) {
-  index.NeedLogins();
-  index.NeedFiles();
-  ReadIndexOf(folder, index);
-}
-
-// The index of the spec's folder, searched for one file.
-class FileSearch {
- public:
-  FileSearch(const SFileSpec& spec, const SString& extension) : extension(extension) {
-    index.NeedFiles();
-    ReadIndexOf(FolderOf(spec), index);
-  }
-
-  // The first file of the extension whose `field` is `wanted`, byte for byte, or null.
-  const SOurFileObj* Find(SString SOurFileObj::*field, const SString& wanted) const {
-    for (int32_t i = 0; index.files != nullptr && i < index.files->GetSize(); ++i) {
-      const SOurFileObj& file = *index.FileAt(i);
-      if (HasWantedExtension(file) && file.*field == wanted) {
-        return &file;
-      }
-    }
-    return nullptr;
-  }
-
- private:
-  bool HasWantedExtension(const SOurFileObj& file) const {
-    return extension.IsEmpty() || EqualBytesNoCase(file.extension.View(), extension.View());
-  }
-
+// Of the first file of the extension in the index of the spec's folder whose `field` is `wanted`,
+// byte for byte, what stands in `answer`.
+std::optional<SString> SearchFile(const SFileSpec& spec, const SString& extension,
+                                  SString SOurFileObj::*field, const SString& wanted,
+                                  SString SOurFileObj::*answer) {
+  SFileSpec file = FolderOf(spec);
   SIndexObj index;
-  const SString& extension;
-};
+  index.NeedFiles();
+  if (file.DownAssumed(CachedText<kTextIndexFile>().GetText())) {
+    ReadIndex(file, index);
+  }
+  for (const SOurFileObj& entry : *index.files) {
+    if ((extension.IsEmpty() || HasExtension(entry, extension)) && entry.*field == wanted) {
+      return entry.*answer;
+    }
+  }
+  return std::nullopt;
+}
 
 }  // namespace
 
 bool FindEntryByLongName(const SFileSpec& spec, const SString& longName, const SString& extension) {
-  return FileSearch(spec, extension).Find(&SOurFileObj::longName, longName) != nullptr;
+  return SearchFile(spec, extension, &SOurFileObj::longName, longName, &SOurFileObj::fileName)
+      .has_value();
 }
 
 SString FindFileOfLongName(const SFileSpec& spec, const SString& longName,
                            const SString& extension) {
-  const FileSearch search(spec, extension);
-  const SOurFileObj* const file = search.Find(&SOurFileObj::longName, longName);
-  return file != nullptr ? file->fileName : SString();
+  return SearchFile(spec, extension, &SOurFileObj::longName, longName, &SOurFileObj::fileName)
+      .value_or(SString());
 }
 
 SString FindLongNameOfFile(const SFileSpec& spec, const SString& extension) {
-  const FileSearch search(spec, extension);
-  const SOurFileObj* const file = search.Find(&SOurFileObj::fileName, spec.GetFileName());
-  return file != nullptr ? file->longName : SString();
+  return SearchFile(spec, extension, &SOurFileObj::fileName, spec.GetFileName(),
+                    &SOurFileObj::longName)
+      .value_or(SString());
 }
 
 bool EnsureEntry(const SFileSpec& spec, const SString& folderName, const SString& first,
                  const SString& last, int16_t limit) {
   SIndexObj index;
-  ReadWholeIndexOf(spec, index);
-  if (index.logins == nullptr || (limit >= 0 && index.logins->GetSize() >= limit)) {
+  ReadWholeIndex(spec, index);
+  if (limit >= 0 && index.logins->GetSize() >= limit) {
     return false;
   }
-  auto* const entry = new (std::nothrow) SLoginNameObj(first, last, folderName);
+  std::unique_ptr<SLoginNameObj> entry(new (std::nothrow) SLoginNameObj(first, last, folderName));
   if (entry == nullptr) {
     return false;
   }
-  if (FindLogin(*index.logins, *entry) >= 0) {
-    delete entry;
-    return true;
+  if (FindLogin(*index.logins, *entry) < 0) {
+    index.logins->Add(std::move(entry));
+    WriteIndex(spec, index);
   }
-  index.logins->Add(entry);
-  WriteIndex(spec, index);
   return true;
 }
 
@@ -103,21 +78,15 @@ bool AddEntry(const SFileSpec& spec, const SString& longName, const SString& fil
               const SString& extension) {
   const SFileSpec folder = FolderOf(spec);
   SIndexObj index;
-  ReadWholeIndexOf(folder, index);
-  SOurFileObj* const entry = new (std::nothrow) SOurFileObj(fileName, longName, extension);
-  if (index.files == nullptr || entry == nullptr) {
-    delete entry;
-    return false;
-  }
-  index.files->Add(entry);
-  return WriteIndex(folder, index);
+  ReadWholeIndex(folder, index);
+  std::unique_ptr<SOurFileObj> entry(new (std::nothrow) SOurFileObj(fileName, longName, extension));
+  return index.files->Add(std::move(entry)) && WriteIndex(folder, index);
 }
 
-bool AddEntryFor(const SLoginNameObj* classEntry, const SLoginNameObj* student,
-                 const SString& longName, const SString& fileName, const SString& extension,
-                 bool removable) {
+bool AddEntryFor(const SSite& site, const SLoginNameObj* classEntry, const SLoginNameObj* student,
+                 const SString& longName, const SString& fileName, const SString& extension) {
   SFileSpec spec;
-  EntryFolder(spec, classEntry, student, removable, true);
+  EntryFolder(site, spec, classEntry, student);
   if (classEntry != nullptr && student == nullptr) {
     spec.Down(CachedText<kTextStudents>());
   }

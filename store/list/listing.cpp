@@ -1,9 +1,10 @@
 #include "store/list/listing.h"
 
-#include "platform/text_numbers.h"
-#include "store/change/transaction.h"
-#include "store/place/cached_text.h"
-#include "store/place/layout.h"
+#include "store/list/index_file.h"
+#include "store/list/reconcile.h"
+#include "store/lock/lock_file.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
@@ -13,92 +14,114 @@ bool DownToIndex(SFileSpec& spec) {
   return spec.DownAssumed(CachedText<kTextIndexFile>().GetText());
 }
 
-// From the list folder.
-void LoadLogins(SPtrArray& list, SFileSpec& spec, LockKind kind, bool reconcile, bool lockIt) {
-  SLockFile lock;
-  if ((!lockIt || LockIndex(lock, spec, kind, false)) && DownToIndex(spec)) {
-    ReadLogins(list, spec, reconcile);
+bool ReadLogins(SFileSpec folder, SIndexObj& index) {
+  index.NeedLogins();
+  return DownToIndex(folder) && ReadIndex(folder, index);
+}
+
+void Repair(SSite& site, const SFileSpec& folder, SIndexObj& index, ListKind kind, bool reconcile) {
+  const bool isWhole = !reconcile || ReconcileLogins(site, folder, index);
+  if (!isWhole || index.incomplete) {
+    site.NoteFileFailure(kind);
   }
 }
 
-int32_t CountUnderLock(const SFileSpec& spec) {
-  SLockFile lock;
-  return LockIndex(lock, spec, LockKind::kClasses, false) ? ReadIndexCount(spec) : 0;
+int32_t CountUnderLock(SSite& site, const SFileSpec& spec) {
+  SLockFile lock(site);
+  return LockIndex(lock, spec, ListKind::kClasses, false) ? ReadIndexCount(spec) : 0;
 }
 
 }  // namespace
 
-void ReadLogins(SPtrArray& list, SFileSpec& indexFile, bool reconcile) {
-  SFileSpec& spec = indexFile;
-  SIndexObj index;
-  index.NeedLogins();
-  index.ownsLogins = false;
-  if (!ReadIndex(spec, &index) || reconcile) {
-    ReconcileLogins(spec, &index);
-  }
-  index.MoveLoginsTo(&list);
-}
-
-void LoadTeacherList(SPtrArray& list) {
+void LoadTeacherList(SSite& site, SLoginList& list) {
   SFileSpec spec;
-  TeachersFolder(spec);
-  LoadLogins(list, spec, LockKind::kTeachers, true, true);
+  TeachersFolder(site, spec);
+  LoadLoginsAt(site, list, spec, ListKind::kTeachers, true, true);
 }
 
-void LoadClassList(SPtrArray& list, bool lockIt) {
+void LoadClassList(SSite& site, SLoginList& list, bool lockIt) {
   SFileSpec spec;
-  SString path;
-  ClassesFolder(spec, path, false);
-  LoadLogins(list, spec, LockKind::kClasses, true, lockIt);
+  ClassesFolder(site, spec);
+  LoadLoginsAt(site, list, spec, ListKind::kClasses, true, lockIt);
 }
 
-void LoadStudentList(SPtrArray& list, const SLoginNameObj& classEntry, bool reconcile,
+void LoadStudentList(SSite& site, SLoginList& list, const SLoginNameObj& classEntry, bool reconcile,
                      bool lockIt) {
   SFileSpec spec;
-  StudentsFolder(spec, classEntry, false);
-  LoadLogins(list, spec, LockKind::kStudents, reconcile, lockIt);
+  StudentsFolder(site, spec, classEntry);
+  LoadLoginsAt(site, list, spec, ListKind::kStudents, reconcile, lockIt);
 }
 
-void LoadFileList(SPtrArray& list, const SLoginNameObj* classEntry, const SLoginNameObj* student,
-                  const SString& extension, bool removable) {
+void LoadLoginsAt(SSite& site, SLoginList& list, const SFileSpec& folder, ListKind kind,
+                  bool reconcile, bool lockIt) {
+  if (!folder.IsExistingFolder()) {
+    site.NoteFailure(FailureKind::kMissing, folder.GetPath(), kind);
+    return;
+  }
+  SLockFile lock(site);
+  if (lockIt && !LockIndex(lock, folder, kind, false)) {
+    return;
+  }
+  SIndexObj index;
+  const bool isTrusted = ReadLogins(folder, index) && !reconcile;
+  Repair(site, folder, index, kind, !isTrusted);
+  index.MoveLoginsTo(list);
+}
+
+bool LoadCountedLogins(SSite& site, SLoginList& list, const SFileSpec& folder, ListKind kind) {
+  SLockFile lock(site);
+  if (!folder.IsExistingFolder() || !LockIndex(lock, folder, kind, false)) {
+    return false;
+  }
+  SIndexObj index;
+  if (!ReadLogins(folder, index) || index.logins->IsEmpty()) {
+    return false;
+  }
+  Repair(site, folder, index, kind, true);
+  index.MoveLoginsTo(list);
+  return true;
+}
+
+void LoadFileList(SSite& site, SFileList& list, const SLoginNameObj* classEntry,
+                  const SLoginNameObj* student, const SString& extension) {
   SFileSpec spec;
-  EntryFolder(spec, classEntry, student, removable, true);
+  EntryFolder(site, spec, classEntry, student);
   if (classEntry != nullptr && student == nullptr) {
     spec.Down(CachedText<kTextStudents>());
   }
-  LoadFileListAt(list, spec, extension, false);
+  LoadFileListAt(site, list, spec, extension, false);
 }
 
-void LoadFileListAt(SPtrArray& list, SFileSpec spec, const SString& extension, bool lockIt) {
+void LoadFileListAt(SSite& site, SFileList& list, SFileSpec spec, const SString& extension,
+                    bool lockIt) {
   if (!spec.IsExistingFolder()) {
     spec.Up();
   }
-  SLockFile lock;
-  if ((lockIt && !LockIndex(lock, spec, LockKind::kFiles, false)) || !DownToIndex(spec)) {
+  SLockFile lock(site);
+  if ((lockIt && !LockIndex(lock, spec, ListKind::kFiles, false)) || !DownToIndex(spec)) {
     return;
   }
   SIndexObj index;
   index.NeedFiles();
-  index.ownsFiles = false;
-  ReadIndex(spec, &index);
-  ReconcileFiles(spec, &index, extension);
-  index.MoveFilesOf(&list, extension);
+  ReadIndex(spec, index);
+  ReconcileFiles(spec, index, extension);
+  index.MoveFilesOf(list, extension);
 }
 
-int32_t CountTeachers() {
+int32_t CountTeachers(SSite& site) {
   SFileSpec spec;
-  TeachersFolder(spec);
-  return CountUnderLock(spec);
+  TeachersFolder(site, spec);
+  return CountUnderLock(site, spec);
 }
 
-int32_t CountEntries(const SLoginNameObj* classEntry, bool siblings) {
+int32_t CountEntries(SSite& site, const SLoginNameObj* classEntry) {
   SFileSpec spec;
-  EntryFolder(spec, classEntry, nullptr, false, false);
-  if (classEntry == nullptr) {
-    return CountUnderLock(spec);
+  if (classEntry != nullptr) {
+    StudentsFolder(site, spec, *classEntry);
+  } else {
+    ClassesFolder(site, spec);
   }
-  const bool placed = siblings ? spec.Up() : spec.Down(CachedText<kTextStudents>());
-  return placed ? CountUnderLock(spec) : 0;
+  return CountUnderLock(site, spec);
 }
 
 }  // namespace kivstore

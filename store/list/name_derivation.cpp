@@ -1,14 +1,10 @@
 #include "store/list/name_derivation.h"
 
 #include <algorithm>
-#include <cstring>
 
-#include "archive/binary_stream.h"
-#include "archive/stream_file.h"
-#include "platform/text_numbers.h"
-#include "store/list/entries.h"
-#include "store/place/cached_text.h"
-#include "store/place/layout.h"
+#include "store/list/long_name.h"
+#include "store/place/display_name.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
@@ -108,31 +104,6 @@ bool NextVariant(SString& text, int& position, int& digit) {
   }
   digit = -1;
   --position;
-  return true;
-}
-
-void WriteLongName(const SFileSpec& spec, const SString& first, const SString& last) {
-  SFileSpec file(spec);
-  file.Down(CachedText<kTextLongNameFile>());
-  if (!file.Exists()) {
-    file.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0);
-  }
-  SStreamSrcFile source(file);
-  SBinaryStream stream(SBinaryStream::kWrite, &source, false);
-  if (!stream.HasError()) {
-    stream.WriteText(first);
-    stream.WriteText(last);
-  }
-}
-
-bool ReadLongName(const SFileSpec& file, SString& first, SString& last) {
-  SStreamSrcFile source(file);
-  SBinaryStream stream(SBinaryStream::kRead, &source, false);
-  if (stream.HasError()) {
-    return false;
-  }
-  stream.ReadText(first);
-  stream.ReadText(last);
   return true;
 }
 

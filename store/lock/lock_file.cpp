@@ -2,32 +2,30 @@
 
 #include <utility>
 
-#include "foundation/site_mode.h"
 #include "foundation/time/random.h"
 #include "foundation/time/ticks.h"
+#include "store/lock/lock_texts.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
 
 constexpr int16_t kTryLimit = 32;
-
-// One entry for each lock that this process holds: the address of that lock's spec.
-SPtrArray heldLocks;
-
-int32_t FindHeld(const SFileSpec* spec) {
-  return heldLocks.FindLinear(const_cast<SFileSpec*>(spec));
-}
+constexpr uint32_t kDefaultTimeout = 20000;
+constexpr int16_t kLongestBackoff = 64;
 
 }  // namespace
 
-SLockFile::SLockFile(const SFileSpec& spec, const SString& fileName) : SLockFile() {
-  if (IsSharedSite()) {
-    SetTarget(spec, fileName);
-  }
+SLockFile::SLockFile(SSite& site)
+    : waitText(PlainLockTexts().wait), failText(PlainLockTexts().fail), site(site) {}
+
+SLockFile::SLockFile(SSite& site, const SFileSpec& spec, const SString& fileName)
+    : SLockFile(site) {
+  Retarget(spec, fileName);
 }
 
 void SLockFile::Retarget(const SFileSpec& newSpec, const SString& fileName) {
-  if (IsSharedSite() && !IsFileOpen()) {
+  if (site.IsShared() && !IsFileOpen()) {
     SetTarget(newSpec, fileName);
   }
 }
@@ -42,41 +40,35 @@ void SLockFile::SetTarget(SFileSpec target, SString fileName) {
   } else if (!target.IsExistingFolder()) {
     return;
   }
-  ComposeTexts(target.GetPath(), fileName);
+  accessText = NoAccessText(target.GetPath());
+  lockedText = FileLockedText(fileName);
   if (fileName.GetLength() > 3) {
     fileName.DeleteRight(3);
     fileName += "lok";
   }
-  target.Down(fileName);
+  target.DownAssumed(fileName.GetText());
   spec = std::move(target);
 }
 
-bool SLockFile::Lock(bool) {
-  if (!IsSharedSite()) {
+bool SLockFile::Lock() {
+  if (!site.IsShared()) {
     return true;
   }
-  if (!spec.IsValid()) {
-    return false;
+  Try result = TryWithBackoff();
+  if (result == Try::kImpossible && MakeFile()) {
+    result = TryWithBackoff();
   }
-  if (!spec.Exists() && !spec.CreateFile(FindFileType(kFileTypeLock), 0, 0, 0)) {
-    return false;
-  }
-  return TryWithBackoff() == Try::kHeld;
+  NoteWhy(result);
+  return result == Try::kHeld;
+}
+
+// Only where the lock is aimed at a file that is not there.
+bool SLockFile::MakeFile() {
+  return spec.IsValid() && !spec.Refresh() && spec.CreateFile(FindFileType(kFileTypeLock), 0, 0, 0);
 }
 
 bool SLockFile::Unlock() {
-  if (!file.Close()) {
-    return false;
-  }
-  const int32_t held = FindHeld(&spec);
-  if (held >= 0) {
-    heldLocks.RemoveAt(held);
-  }
-  return true;
-}
-
-bool SLockFile::IsHeldHere(const SLockFile& lock) {
-  return FindHeld(&lock.spec) >= 0;
+  return file.Close();
 }
 
 SLockFile::Try SLockFile::TryOnce() {
@@ -85,11 +77,11 @@ SLockFile::Try SLockFile::TryOnce() {
   }
   // A handle excludes a second one of the same process too; opening this one anew would let go of
   // it first.
-  if (file.IsOpen() || !file.Open(SFile::kWrite, spec)) {
-    return Try::kBusy;
+  int32_t error = SFile::kSharingViolation;
+  if (!file.IsOpen() && file.Open(SFile::kWrite, spec, &error)) {
+    return Try::kHeld;
   }
-  heldLocks.Add(&spec);
-  return Try::kHeld;
+  return error == SFile::kNotFound ? Try::kImpossible : Try::kBusy;
 }
 
 SLockFile::Try SLockFile::TryWithBackoff() {
@@ -104,10 +96,75 @@ SLockFile::Try SLockFile::TryWithBackoff() {
   return result;
 }
 
+// A refused access looks like a busy file to the tries; only the reason tells them apart.
+void SLockFile::NoteWhy(Try result) {
+  if (result == Try::kImpossible) {
+    const SystemError error = spec.IsValid() ? LastFileFailure().error : SystemError::kNone;
+    site.NoteFailure(FailureKind::kMissing, spec.GetPath(), list, error);
+  } else if (result == Try::kBusy) {
+    const SystemError error = SFileSpec::LastFailure().error;
+    const bool isBusy = file.IsOpen() || error == SystemError::kSharingViolation;
+    site.NoteFailure(isBusy ? FailureKind::kLocked : FailureKindOf(error), spec.GetPath(), list,
+                     error);
+  }
+}
+
+void SLockFile::BeginPoll() {
+  const uint32_t timeout =
+      timeoutSeconds < 0 ? kDefaultTimeout : static_cast<uint32_t>(timeoutSeconds) * 1000;
+  deadlineTick = GetTicks() + timeout;
+}
+
+void SLockFile::ScheduleNextTry() {
+  const int32_t shortest = backoff * 100;
+  nextTryTick = GetTicks() + static_cast<uint32_t>(Random(shortest, shortest * 2));
+  if (backoff < kLongestBackoff) {
+    backoff = static_cast<int16_t>(backoff * 2);
+  }
+}
+
+int SLockFile::Poll() {
+  const uint32_t now = GetTicks();
+  if (now >= deadlineTick) {
+    return kPollGaveUp;
+  }
+  if (now <= nextTryTick) {
+    return kPollGoOn;
+  }
+  switch (TryOnce()) {
+    case Try::kHeld:
+      return kPollHeld;
+    case Try::kImpossible:
+      return kPollFailed;
+    case Try::kBusy:
+      break;
+  }
+  ScheduleNextTry();
+  return kPollGoOn;
+}
+
 void BackoffWait(int16_t& step) {
   const auto shortest = static_cast<int16_t>(step * 100);
   WaitTicks(Random16(shortest, static_cast<int16_t>(shortest * 2)));
   step = static_cast<int16_t>(step * 2);
+}
+
+void SetLockMessages(SLockFile& lock, ListKind list, bool quiet) {
+  const SLockTexts& texts = LockTextsOf(list);
+  lock.list = list;
+  lock.failText = quiet ? SString() : texts.fail;
+  lock.waitText = texts.wait;
+  lock.lockedText = texts.locked;
+}
+
+void AimAtIndex(SLockFile& lock, const SFileSpec& folder, ListKind list, bool quiet) {
+  lock.Retarget(folder, CachedText<kTextIndexFile>());
+  SetLockMessages(lock, list, quiet);
+}
+
+bool LockIndex(SLockFile& lock, const SFileSpec& folder, ListKind list, bool quiet) {
+  AimAtIndex(lock, folder, list, quiet);
+  return lock.Lock();
 }
 
 }  // namespace kivstore

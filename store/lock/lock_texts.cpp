@@ -1,40 +1,40 @@
-// The texts that a lock carries for a user interface. They are set on every lock, and most locks
-// are on the same few files: what can be kept is kept.
-#include "platform/text_numbers.h"
-#include "store/lock/lock_file.h"
-#include "store/place/cached_text.h"
+#include "store/lock/lock_texts.h"
+
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
 
-struct KindTexts {
-  SString fail;
-  SString wait;
-  SString locked;
-};
-
-template <int fail, int wait, int second>
-const KindTexts& TextsOf() {
-  static const KindTexts texts{SString::FromResource(fail), SString::FromResource(wait),
-                               SString::FromResource(fail) + SString::FromResource(second)};
+template <TextNumber fail, TextNumber wait, TextNumber second>
+const SLockTexts& TextsOf() {
+  static const SLockTexts texts{SString::FromResource(fail), SString::FromResource(wait),
+                                SString::FromResource(fail) + SString::FromResource(second)};
   return texts;
 }
 
-const KindTexts* FindTexts(LockKind kind) {
-  switch (kind) {
-    case LockKind::kClasses:
-      return &TextsOf<kTextNoClassLists, kTextWaitForClassList, kTextRetryClassList>();
-    case LockKind::kStudents:
-      return &TextsOf<kTextNoStudentList, kTextWaitForStudentList, kTextRetryStudentList>();
-    case LockKind::kFiles:
-      return &TextsOf<kTextNoSharedFiles, kTextWaitForFiles, kTextRetryFiles>();
-    case LockKind::kTeachers:
-      return &TextsOf<kTextNoTeacherLists, kTextWaitForTeacherList, kTextRetryTeacherList>();
+}  // namespace
+
+const SLockTexts& LockTextsOf(ListKind list) {
+  switch (list) {
+    case ListKind::kClasses:
+      return TextsOf<kTextNoClassLists, kTextWaitForClassList, kTextRetryClassList>();
+    case ListKind::kStudents:
+      return TextsOf<kTextNoStudentList, kTextWaitForStudentList, kTextRetryStudentList>();
+    case ListKind::kFiles:
+      return TextsOf<kTextNoSharedFiles, kTextWaitForFiles, kTextRetryFiles>();
+    case ListKind::kTeachers:
+      return TextsOf<kTextNoTeacherLists, kTextWaitForTeacherList, kTextRetryTeacherList>();
   }
-  return nullptr;
+  return PlainLockTexts();
 }
 
-const SString& LockedText(const SString& fileName) {
+const SLockTexts& PlainLockTexts() {
+  static const SLockTexts texts{CachedText<kTextNotCompleted>(), CachedText<kTextWait>(),
+                                SString()};
+  return texts;
+}
+
+const SString& FileLockedText(const SString& fileName) {
   static SString lastName;
   static SString lastText;
   if (lastText.IsEmpty() || lastName != fileName) {
@@ -44,25 +44,10 @@ const SString& LockedText(const SString& fileName) {
   return lastText;
 }
 
-}  // namespace
-
-SLockFile::SLockFile()
-    : waitText(CachedText<kTextWait>()), failText(CachedText<kTextNotCompleted>()) {}
-
-void SLockFile::ComposeTexts(const SString& folderPath, const SString& fileName) {
-  accessText.Substitute(CachedText<kTextNoAccess>(), folderPath);
-  lockedText = LockedText(fileName);
-}
-
-void SetLockMessages(SLockFile& lock, LockKind kind, bool quiet) {
-  const KindTexts* const texts = FindTexts(kind);
-  if (texts == nullptr) {
-    lock.lockedText.Empty();
-    return;
-  }
-  lock.failText = quiet ? SString() : texts->fail;
-  lock.waitText = texts->wait;
-  lock.lockedText = texts->locked;
+SString NoAccessText(const SString& folderPath) {
+  SString text;
+  text.Substitute(CachedText<kTextNoAccess>(), folderPath);
+  return text;
 }
 
 }  // namespace kivstore

@@ -1,14 +1,11 @@
-// How names are shown and compared, and the names of the default entries.
+#include "store/place/display_name.h"
+
 #include <algorithm>
 #include <string_view>
 
-#include "foundation/application.h"
 #include "platform/base/bytes.h"
-#include "platform/text_numbers.h"
 #include "records/teacher_options_dob.h"
-#include "store/list/name_derivation.h"
-#include "store/place/cached_text.h"
-#include "store/place/layout.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
@@ -73,8 +70,8 @@ SString DisplayName(const SString& first, const SString& last, bool firstFirst) 
   return name;
 }
 
-SString SortName(const SLoginNameObj& entry) {
-  const SKivTeacherOptionsDob* const options = gApp != nullptr ? gApp->options : nullptr;
+SString SortName(const SSite& site, const SLoginNameObj& entry) {
+  const SKivTeacherOptionsDob* const options = site.GetOptionsInForce();
   const bool lastFirst =
       options != nullptr && !options->DisplayFirstLastName.value && options->SeparateLastName.value;
   return DisplayName(entry.firstName, entry.lastName, !lastFirst);
@@ -96,6 +93,13 @@ int CompareDisplayNames(const SLoginNameObj& a, const SLoginNameObj& b) {
     piecesA.Advance(common);
     piecesB.Advance(common);
   }
+}
+
+bool SameName(const SLoginNameObj& entry, const SString& first, const SString& last, bool exact) {
+  if (exact) {
+    return DisplayName(entry) == DisplayName(first, last);
+  }
+  return CompareDisplayNames(entry, SLoginNameObj(first, last, SString())) == 0;
 }
 
 bool IsDefaultEntry(const SLoginNameObj* entry) {

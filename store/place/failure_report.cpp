@@ -1,7 +1,5 @@
 #include "store/place/failure_report.h"
 
-#include "foundation/application.h"
-#include "foundation/site_mode.h"
 #include "platform/text_numbers.h"
 #include "records/teacher_options_dob.h"
 
@@ -28,39 +26,65 @@ SString TextOf(int16_t code) {
   return SString();
 }
 
-SString CheckDriveText() {
-  SString drive = gDataPathOverride;
-  if (drive.EndsWith("\\", true)) {
-    drive.DeleteRight(1);
-  }
+SString CheckDriveText(const SString& drive) {
   SString text;
   text.Substitute(SString::FromResource(kTextCheckDrive), drive);
   return text;
 }
 
+SString OverridingDrive(const SSite& site) {
+  SString drive = site.GetDataPathOverride();
+  if (drive.EndsWith("\\", true)) {
+    drive.DeleteRight(1);
+  }
+  return drive;
+}
+
+SString DriveOf(const SString& path) {
+  return path.GetAt(1) == ':' ? path.Left(2) : SString();
+}
+
+void PrepareMessage(const SSite& site) {
+  if (site.GetOwner() != nullptr) {
+    site.GetOwner()->PrepareMessage();
+  }
+}
+
 }  // namespace
 
-DropMessageHook gDropMessage = [](const SString&) {};
-
-bool UsesLocalDisk() {
-  const SKivTeacherOptionsDob* const options = gApp != nullptr ? gApp->options : nullptr;
+bool UsesLocalDisk(const SSite& site) {
+  const SKivTeacherOptionsDob* const options = site.GetOptionsInForce();
   return options != nullptr && !options->UseSystemIODialogs.value &&
          !options->CentralFileLocation.value;
 }
 
-bool ReportFileFailure(int16_t code) {
+bool ReportFileFailure(SSite& site, int16_t code) {
   SString text = TextOf(code);
   if (text.IsEmpty()) {
     return false;
   }
-  if (UsesLocalDisk()) {
-    gApp->PrepareMessage();
-    text += kSentenceBreak + CheckDriveText();
-  } else if (IsSharedSite()) {
+  if (UsesLocalDisk(site)) {
+    PrepareMessage(site);
+    text += kSentenceBreak + CheckDriveText(OverridingDrive(site));
+  } else if (site.IsShared()) {
     text += kSentenceBreak + SString::FromResource(kTextCheckNetwork);
   }
-  DropMessage(text);
+  site.TellFailure(text);
   return true;
+}
+
+void ReportStoreFailure(SSite& site, const SFileSpec& spec, ListKind list, bool removable) {
+  site.NoteFailure(FailureKind::kMissing, spec.IsValid() ? spec.GetPath() : site.GetDataRoot(),
+                   list);
+  if (removable) {
+    PrepareMessage(site);
+    site.TellFailure(CheckDriveText(DriveOf(site.GetDataRoot(true))));
+  } else if (!site.HasStoreFailed()) {
+    site.NoteStoreFailed();
+    SString text;
+    text.FormatResource(kTextNoDataFiles, site.GetDataRoot().GetText());
+    site.TellFailure(text);
+  }
 }
 
 }  // namespace kivstore

@@ -1,10 +1,12 @@
-// The words for what went wrong with a file. The system has no screen: a text is composed where the
-// failure is, exactly as an interface would need it, and then dropped.
+// The words for what went wrong with a file or with the store. The system has no screen: a text is
+// composed where the failure is, exactly as an interface would need it, and stays with the noted
+// reason. No question is asked: what would ask whether to try again takes the answer that stops.
 #pragma once
 
 #include <cstdint>
 
-#include "foundation/text/string.h"
+#include "foundation/files/file_spec.h"
+#include "store/place/site.h"
 
 namespace kivstore {
 
@@ -16,16 +18,13 @@ inline constexpr int16_t kFailRead = 1004;
 inline constexpr int16_t kFailWrite = 1005;
 
 // Whether the options say that the data lies on a disk of this machine.
-bool UsesLocalDisk();
+bool UsesLocalDisk(const SSite& site);
 
 // False for an unknown code.
-bool ReportFileFailure(int16_t code);
+bool ReportFileFailure(SSite& site, int16_t code);
 
-// Where every composed text ends. Does nothing; a test puts a listener in its place.
-using DropMessageHook = void (*)(const SString& message);
-extern DropMessageHook gDropMessage;
-inline void DropMessage(const SString& message) {
-  gDropMessage(message);
-}
+// A list that `spec` should stand on is not there and could not be made. Told once in the library's
+// life; with `removable` each time, and it asks for a disk.
+void ReportStoreFailure(SSite& site, const SFileSpec& spec, ListKind list, bool removable = false);
 
 }  // namespace kivstore

@@ -1,13 +1,8 @@
 // The application object: its path, its user, its games.
-#include "foundation/application.h"
-
 #include "app/general_call.h"
-#include "foundation/files/file_type.h"
 #include "game/game_dob.h"
 #include "platform/platform.h"
 #include "records/tutor_options_dob.h"
-#include "store/lock/lock_file.h"
-#include "store/place/failure_report.h"
 #include "tests/app/call_fixture.h"
 #include "tests/support/test_clock.h"
 
@@ -37,11 +32,13 @@ TEST_F(Application, ATrailingClassesFolderIsCutOffThePath) {
                                  {"X:\\Root\\Classes.zip\\", "X:\\Root\\Classes.zip\\"},
                                  {"", ""}};
   for (const auto& [path, root] : rows) {
-    SZEPApp app;
+    SSite site;
+    SZEPApp app(site);
     app.SetProperty("dATA", path);
     app.SetProperty("Path", "Y:\\");
     app.ApplyDataPath();
     EXPECT_EQ(app.GetProperty("install"), root) << path;
+    EXPECT_EQ(site.GetDataRoot(), root) << path;
   }
 }
 
@@ -77,61 +74,62 @@ TEST_F(Application, APendingGameBelongsToTheApplication) {
   std::string events;
   {
     const SGeneralCall call(host.block);
+    SZEPApp& app = *call.GetApp();
     auto* const a = new WatchedGame(events, 'a');
-    gApp->SetPendingGame(a);
-    gApp->SetPendingGame(a);
+    app.SetPendingGame(a);
+    app.SetPendingGame(a);
     EXPECT_EQ(events, "");
-    gApp->SetPendingGame(new WatchedGame(events, 'b'));
+    app.SetPendingGame(new WatchedGame(events, 'b'));
     EXPECT_EQ(events, "-a");
-    gApp->CommitPendingGame();
+    app.CommitPendingGame();
     // The current game may be the pending one.
-    gApp->SetPendingGame(gApp->game);
-    gApp->SetPendingGame(nullptr);
-    gApp->SetPendingGame(gApp->game);
-    gApp->CommitPendingGame();
-    gApp->CommitPendingGame();
+    app.SetPendingGame(app.game);
+    app.SetPendingGame(nullptr);
+    app.SetPendingGame(app.game);
+    app.CommitPendingGame();
+    app.CommitPendingGame();
     EXPECT_EQ(events, "-a+b+b");
-    gApp->SetPendingGame(new WatchedGame(events, 'c'));
+    app.SetPendingGame(new WatchedGame(events, 'c'));
   }
-  EXPECT_EQ(events, "-a+b+b-b-c");
+  EXPECT_EQ(events, "-a+b+b-c-b");
 }
 
 TEST_F(Application, GamesAreSavedAndRememberedForAValidUserOnly) {
   for (const auto& [saving, valid] : {std::pair(true, false), {false, true}, {true, true}}) {
     const SGeneralCall call(host.block);
-    gApp->options->AutoGameSaving.value = saving;
-    gApp->currentUser.valid = valid;
-    EXPECT_FALSE(gApp->HasCurrentStudent());
-    gApp->currentUser.classEntry = classEntry;
-    gApp->currentUser.studentEntry = annEntry;
-    gApp->SetPendingGame(gApp->CreateGame());
-    gApp->CommitPendingGame();
-    EXPECT_EQ(gApp->game->fileSpec.GetFileName(), saving && valid ? "autogame.zep" : "");
+    SZEPApp& app = *call.GetApp();
+    app.options->AutoGameSaving.value = saving;
+    app.currentUser.valid = valid;
+    EXPECT_FALSE(app.HasCurrentStudent());
+    app.currentUser.classEntry = classEntry;
+    app.currentUser.studentEntry = annEntry;
+    app.SetPendingGame(app.CreateGame());
+    app.CommitPendingGame();
+    EXPECT_EQ(app.game->fileSpec.GetFileName(), saving && valid ? "autogame.zep" : "");
     store.WriteFile(ann + "/last.kiv", std::string(4, '\0'));
-    gApp->SaveLastUser("first.zep", "zep");
+    app.SaveLastUser("first.zep", "zep");
     EXPECT_EQ(store.ReadFile(ann + "/last.kiv"),
               valid ? std::string("\0\0\0\1first.zep\0", 14) : std::string(4, '\0'));
   }
 }
 
-std::string gDropped;
-
 TEST_F(Application, AStudentIsMarkedInUseByALockThatStaysHeld) {
   const TestClock clock(10);
   const SGeneralCall call(host.block);
-  gApp->currentUser.classEntry = classEntry;
-  gDropped.clear();
-  gDropMessage = [](const SString& message) { gDropped += message.GetText(); };
-  EXPECT_FALSE(gApp->CheckStudentFree(nullptr));
-  EXPECT_TRUE(gApp->CheckStudentFree(&annEntry));
-  EXPECT_TRUE(gApp->CheckStudentFree(&annEntry));  // lets go of its own lock first
-  EXPECT_EQ(gApp->studentLock->timeoutSeconds, 6);
-  EXPECT_EQ(gDropped, "");
-  SZEPApp other;
+  SZEPApp& app = *call.GetApp();
+  app.currentUser.classEntry = classEntry;
+  EXPECT_FALSE(app.CheckStudentFree(nullptr));
+  EXPECT_TRUE(app.CheckStudentFree(&annEntry));
+  EXPECT_TRUE(app.CheckStudentFree(&annEntry));  // lets go of its own lock first
+  EXPECT_EQ(app.studentLock->timeoutSeconds, 6);
+  EXPECT_EQ(app.studentLock->list, ListKind::kStudents);
+  EXPECT_FALSE(call.GetSite().GetFailure());
+  SZEPApp other(call.GetSite());
+  other.SetProperty("Data", folder.Path().c_str());
   other.currentUser.classEntry = classEntry;
   EXPECT_FALSE(other.CheckStudentFree(&annEntry));
-  EXPECT_EQ(gDropped, "The student Ann Lee is already in use.");
-  gDropMessage = [](const SString&) {};
+  EXPECT_EQ(call.GetSite().GetFailure().kind, FailureKind::kLocked);
+  EXPECT_EQ(call.GetSite().GetFailure().text, "The student Ann Lee is already in use.");
 }
 
 }  // namespace

@@ -8,8 +8,7 @@
 #include <string>
 #include <tuple>
 
-#include "app/roster_caches.h"
-#include "foundation/site_mode.h"
+#include "app/library_state.h"
 #include "kivstore/general_proc.h"
 #include "tests/support/store_builder.h"
 #include "tests/support/temp_folder.h"
@@ -19,23 +18,15 @@ namespace kivtest {
 inline constexpr uint8_t kLocalMode = 0;
 inline constexpr uint8_t kNetworkedMode = 1;
 
-// The latch, the caches and the failure mark outlive a call, so each test begins and ends without
-// them.
+// The latch and the caches outlive a call, so each test begins without them.
 class ProcessState : public testing::Test {
  protected:
-  ProcessState() { Reset(); }
-  ~ProcessState() override { Reset(); }
-
-  static void Reset() {
-    using namespace kivstore;
-    gTeacherTier = 0;
-    gSiteMode = 0;
-    gStoreFailed = false;
-    for (auto* const cache : {&gTeacherCache, &gClassCache, &gStudentCache}) {
-      DeleteLogins(cache->Array());
-    }
-    gClassCacheTeacher = gStudentCacheClass = 0;
+  ProcessState() {
+    LibraryState().site.ClearTeacherTier();
+    LibraryState().caches = {};
   }
+
+  static kivstore::SLibraryState& LibraryState() { return kivstore::LibraryState(); }
 };
 
 // A host with one block for one store.

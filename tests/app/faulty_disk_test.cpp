@@ -64,14 +64,17 @@ TEST_F(FaultyDisk, ARepairThatIsCutOffLosesNobody) {
   }
 }
 
-TEST_F(FaultyDisk, TheOperationsOfACommandDoNotGrowWithTheClass) {
+TEST_F(FaultyDisk, NothingIsAskedTwiceAndNothingGrowsWithTheClass) {
   const auto operations = [this] {
     FaultFileServices faults(*Platform().files);
     const SPlatformOverride<IFileServices> installed(Platform().files, &faults);
     ExpectAnnAtSeven(0);
+    EXPECT_EQ(faults.CountOf("Walk"), 3);
+    EXPECT_EQ(faults.CountOf("OpenAlone"), 3);
     return std::ssize(faults.Log()) - faults.CountOf("Next");
   };
   const auto small = operations();
+  EXPECT_LE(small, 31);
   for (int i = 0; i < 60; ++i) {
     store.AddStudent(room, "Student", std::to_string(i));
   }

@@ -2,8 +2,6 @@
 #include "app/general_call.h"
 
 #include "app/commands.h"
-#include "foundation/application.h"
-#include "foundation/files/file_type.h"
 #include "game/game_dob.h"
 #include "records/tutor_options_dob.h"
 #include "tests/app/call_fixture.h"
@@ -16,29 +14,31 @@ using namespace kivstore;
 class GeneralCall : public ProcessState {};
 
 TEST_F(GeneralCall, StandsOnlyBetweenItsSetUpAndItsTearDown) {
-  Host host("/nowhere/Classes.zep/", kNetworkedMode);
+  const Host host("/nowhere/Classes.zep/", kNetworkedMode);
+  SSite& site = LibraryState().site;
+  site.NoteFailure(FailureKind::kOther, "old", ListKind::kFiles);
   {
     const SGeneralCall call(host.block);
-    ASSERT_NE(gApp, nullptr);
-    EXPECT_TRUE(STeacherOptionsDob().IsA(*gApp->options));
-    EXPECT_TRUE(SGameDob().IsA(*gApp->game));
-    EXPECT_EQ(gApp->GetProperty("Data"), "/nowhere/");
-    EXPECT_STREQ(call.GetDataPath(), "/nowhere/Classes.zep/");
-    EXPECT_NE(call.GetDataPath(), host.block.dataPath);
-    EXPECT_EQ(gFileVersion, 0x00010000u);
-    SelectTeacher(&gApp->currentUser.classEntry);
+    EXPECT_EQ(&call.GetSite(), &site);
+    EXPECT_EQ(site.GetOwner(), call.GetApp());
+    EXPECT_FALSE(site.GetFailure());
+    EXPECT_TRUE(STeacherOptionsDob().IsA(*call.GetApp()->options));
+    EXPECT_TRUE(SGameDob().IsA(*call.GetApp()->game));
+    EXPECT_EQ(site.GetDataRoot(), "/nowhere/");
+    EXPECT_EQ(site.GetOptionsInForce(), call.GetApp()->options.get());
+    site.SelectTeacher(&call.GetApp()->currentUser.classEntry);
   }
-  EXPECT_EQ(gApp, nullptr);
-  EXPECT_EQ(gCurrentTeacher, nullptr);
+  EXPECT_EQ(site.GetOwner(), nullptr);
+  EXPECT_EQ(site.GetCurrentTeacher(), nullptr);
 }
 
 TEST_F(GeneralCall, AnyModeButZeroIsANetworkedStoreAndLatchesTheTeacherLevel) {
-  using Row = std::tuple<uint8_t, int32_t, uint8_t>;
+  using Row = std::tuple<uint8_t, int32_t, bool>;
   for (const auto& [mode, siteMode, tier] :
-       {Row{0, 3, 0}, Row{1, 4, 1}, Row{0, 3, 1}, Row{255, 4, 1}}) {
+       {Row{0, 3, false}, Row{1, 4, true}, Row{0, 3, true}, Row{255, 4, true}}) {
     const SGeneralCall call(Host("/nowhere", mode).block);
-    EXPECT_EQ(gSiteMode, siteMode);
-    EXPECT_EQ(gTeacherTier, tier);
+    EXPECT_EQ(call.GetSite().GetSiteMode(), siteMode);
+    EXPECT_EQ(call.GetSite().HasTeacherTier(), tier);
   }
 }
 

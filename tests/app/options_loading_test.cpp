@@ -2,10 +2,8 @@
 #include <memory>
 
 #include "app/general_call.h"
-#include "foundation/application.h"
 #include "platform/platform.h"
 #include "records/tutor_options_dob.h"
-#include "store/lock/lock_file.h"
 #include "tests/app/call_fixture.h"
 #include "tests/support/test_clock.h"
 
@@ -51,14 +49,16 @@ class OptionsLoading : public AnnsStore {
     call = std::make_unique<SGeneralCall>(host.block);
   }
   // The size of the text afterwards; 0 if the load failed.
-  static int Load(const SLoginNameObj* ofClass, const SLoginNameObj* ofStudent) {
-    const bool loaded =
-        gApp->LoadTeacherOptions(ofClass, ofStudent, false, nullptr, nullptr, nullptr, nullptr);
-    return loaded ? TextSize() : 0;
+  int Load(const SLoginNameObj* ofClass, const SLoginNameObj* ofStudent) {
+    SOptionsRequest request;
+    request.classEntry = ofClass;
+    request.studentEntry = ofStudent;
+    return App().LoadTeacherOptions(request) ? TextSize() : 0;
   }
-  static int TextSize() {
-    return static_cast<const STeacherOptionsDob*>(gApp->options)->TextSize.value;
+  int TextSize() {
+    return static_cast<const STeacherOptionsDob*>(App().options.get())->TextSize.value;
   }
+  SZEPApp& App() { return *call->GetApp(); }
 
   std::unique_ptr<SGeneralCall> call;
 };
@@ -78,18 +78,17 @@ TEST_F(OptionsLoading, EachLevelThatIsAskedForAndHasAFileIsLaidOver) {
 }
 
 TEST_F(OptionsLoading, TheCurrentUserStandsInOnlyWhenItIsAskedForAndValid) {
-  gApp->currentUser.classEntry = classEntry;
-  gApp->currentUser.studentEntry = annEntry;
+  App().currentUser.classEntry = classEntry;
+  App().currentUser.studentEntry = annEntry;
   for (const bool valid : {false, true}) {
-    gApp->currentUser.valid = valid;
-    EXPECT_TRUE(gApp->ReloadCurrentOptions());
+    App().currentUser.valid = valid;
+    EXPECT_TRUE(App().ReloadCurrentOptions());
     EXPECT_EQ(TextSize(), valid ? 5 : 3);
     EXPECT_EQ(Load(nullptr, nullptr), 3);
   }
-  SetSiteMode(0);  // one user has no class level
+  call->GetSite().SetSiteMode(0);  // one user has no class level
   EXPECT_EQ(Load(&classEntry, nullptr), 3);
-  delete gApp->options;
-  gApp->options = nullptr;
+  App().options.reset();
   EXPECT_EQ(Load(nullptr, nullptr), 0);
 }
 
@@ -100,9 +99,11 @@ TEST_F(OptionsLoading, LocksStayHeldAndOneThatCannotBeHadEndsTheLoad) {
       store.RemoveFile(room + "/options.lok");
     }
     STeacherOptionsDob record;
-    SLockFile ofRoot, ofClass, ofStudent;
-    EXPECT_EQ(free, gApp->LoadTeacherOptions(&classEntry, &annEntry, false, &record, &ofRoot,
-                                             &ofClass, &ofStudent));
+    SSite& site = call->GetSite();
+    SLockFile ofRoot(site), ofClass(site), ofStudent(site);
+    EXPECT_EQ(free, App().LoadTeacherOptions(
+                        {&classEntry, &annEntry, false, &record, false, &ofRoot, &ofClass, &ofStudent}));
+    EXPECT_EQ(site.GetFailure().kind, free ? FailureKind::kNone : FailureKind::kMissing);
     EXPECT_EQ(record.TextSize.value, free ? 5 : 3);
     EXPECT_TRUE(ofRoot.IsFileOpen());
     EXPECT_EQ(ofClass.IsFileOpen(), free);

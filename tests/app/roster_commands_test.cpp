@@ -118,9 +118,9 @@ TEST_F(Commands, TheCachesKeepTheirTagsAndRefuseAnotherTeacherOrClass) {
   EXPECT_TRUE(host.Call(KIV_CACHE_TEACHERS));
   EXPECT_TRUE(host.Call(KIV_CACHED_STUDENT_NAME));
   // The students' tag is set before their teacher is looked up.
-  DeleteLogins(gTeacherCache.Array());
+  LibraryState().caches.teachers.RemoveAll();
   EXPECT_FALSE(host.Class(2).Call(KIV_CACHE_STUDENTS));
-  EXPECT_EQ(gStudentCacheClass, 1);
+  EXPECT_EQ(LibraryState().caches.studentCacheClass, 1);
   // A teacher beyond the cache empties the classes; the old tag then finds nothing.
   EXPECT_TRUE(host.Call(KIV_CACHE_TEACHERS));
   EXPECT_FALSE(host.Teacher(3).Call(KIV_CACHE_CLASSES));

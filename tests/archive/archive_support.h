@@ -7,7 +7,7 @@
 
 #include "archive/dob.h"
 #include "archive/stamped.h"
-#include "archive/stream_memory.h"
+#include "archive/stream_string.h"
 #include "foundation/files/file_spec.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/test_clock.h"

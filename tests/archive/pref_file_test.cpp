@@ -1,7 +1,5 @@
 // Preference files: in-place edits as before/after texts, what the scanner reads, and foreign
 // bytes.
-#include <chrono>
-
 #include "archive/pref_file_chain.h"
 #include "tests/archive/archive_support.h"
 #include "tests/support/fault_file_services.h"
@@ -23,22 +21,20 @@ TEST_F(PrefFiles, ReadsTheFirstMatchingLineToItsEnd) {
   const struct {
     std::string text;
     std::string value;  // of key "key" in section "sec"
-  } cases[] = {
-      {"[sec]\r\nkey=1\r\n", "1"},
-      {"[sec]\rkey=1\r\r", "1"},
-      {"\r\n \t [SEC] trailing\r\n\r\n\t Key=1\r\n", "1"},
-      {"[sec]\r\nkey=  two words \r\n", "  two words "},
-      {"[sec]\r\nkey=a=b;\"c\"\r\n", "a=b;\"c\""},
-      {"[sec]\r\nkey=", ""},
-      {"[sec]\r\n; key=0\r\nkeys=0\r\nkey =0\r\nke=0\r\nkey=1\r\nkey=2\r\n", "1"},
-      {"[other]\r\nkey=0\r\n[sec]\r\nkey=1\r\n", "1"},
-      {"[section]\r\nkey=0\r\n[sec\r\nkey=0\r\n[sec]\r\nkey=1\r\n", "1"},
-      {"key=0\r\n[se]\r\n", "(none)"},
-      {"[sec", "(none)"},
-      {"[", "(none)"},
-      {"[sec]\r\nkey", "(none)"},
-      {"[sec]\r\n\0\0=\r\nkey=a\0b\r\n"s, "a\0b"s},
-  };
+  } cases[] = {{"[sec]\r\nkey=1\r\n", "1"},
+               {"[sec]\rkey=1\r\r", "1"},
+               {"\r\n \t [SEC] trailing\r\n\r\n\t Key=1\r\n", "1"},
+               {"[sec]\r\nkey=  two words \r\n", "  two words "},
+               {"[sec]\r\nkey=a=b;\"c\"\r\n", "a=b;\"c\""},
+               {"[sec]\r\nkey=", ""},
+               {"[sec]\r\n; key=0\r\nkeys=0\r\nkey =0\r\nke=0\r\nkey=1\r\nkey=2\r\n", "1"},
+               {"[other]\r\nkey=0\r\n[sec]\r\nkey=1\r\n", "1"},
+               {"[section]\r\nkey=0\r\n[sec\r\nkey=0\r\n[sec]\r\nkey=1\r\n", "1"},
+               {"key=0\r\n[se]\r\n", "(none)"},
+               {"[sec", "(none)"},
+               {"[", "(none)"},
+               {"[sec]\r\nkey", "(none)"},
+               {"[sec]\r\n\0\0=\r\nkey=a\0b\r\n"s, "a\0b"s}};
   for (const auto& c : cases) {
     SPrefFile file(FileOf(c.text));
     EXPECT_EQ(ValueOf(file, "sec", "key"), c.value) << c.text;
@@ -75,8 +71,7 @@ TEST_F(PrefFiles, EditsInPlaceAndLeavesAllOtherBytesAlone) {
       {"leading spaces of a key stay", "[sec]\n  key=1\nb=2\n", deleteKey, "[sec]\n  b=2\n"},
       {"to the next header", "[a]\n\n[sec] [x]\nkey=1\n\n[b]", deleteSection, "[a]\n\n[b]"},
       {"section to a bracket in a value", "[sec]\na=1[2]\n[b]\n", deleteSection, "[2]\n[b]\n"},
-      {"last section leaves nothing", "[a]\nb=1\n\n[sec]\nkey=1\n", deleteSection, "[a]\nb=1\n\n"},
-  };
+      {"last section leaves nothing", "[a]\nb=1\n\n[sec]\nkey=1\n", deleteSection, "[a]\nb=1\n\n"}};
   for (const auto& c : cases) {
     SPrefFile file(FileOf(c.before));
     EXPECT_TRUE(c.edit(file)) << c.what;
@@ -103,17 +98,34 @@ TEST_F(PrefFiles, WhatIsNotThereOrHasNoNameIsFalseAndChangesNothing) {
 }
 
 TEST_F(PrefFiles, OpenForReadingNothingIsChangedAndOpenForWritingAllGoesBackOnClose) {
+  kivtest::FaultFileServices files(*Platform().files);
+  const SPlatformOverride<IFileServices> installed(Platform().files, &files);
   SPrefFile file(FileOf("[a]\nk=1\n"));
+  file.SetChanged(true);
   ASSERT_TRUE(file.Open(SPrefFile::kRead));
+  file.SetChanged(true);
   EXPECT_FALSE(file.Open(SPrefFile::kWrite)) << "open already";
   EXPECT_FALSE(file.SetValue("a", "k", "2") || file.DeleteKey("a", "k") || file.DeleteSection("a"));
   EXPECT_EQ(ValueOf(file, "a", "k"), "1");
   file.Close();
+  for (const bool mark : {false, true}) {
+    ASSERT_TRUE(file.Open(SPrefFile::kWrite));
+    file.SetChanged(mark);
+    file.Close();
+    EXPECT_EQ(files.CountOf("Write"), mark ? 1 : 0) << "goes back when the mark changes";
+  }
   ASSERT_TRUE(file.Open(SPrefFile::kWrite));
   file.SetFile(SFileSpec());
   EXPECT_TRUE(file.SetValue("a", "k", "2") && file.SetValue("a", "l", "3"));
   file.Close();
   EXPECT_EQ(Stored(), "[a]\nk=2\r\nl=3\n");
+  for (const char* const name : {"missing", ""}) {
+    SPrefFile missing(SpecOf(name));
+    EXPECT_FALSE(missing.Open(SPrefFile::kRead) || missing.Open(SPrefFile::kWrite)) << name;
+  }
+  files.FailAt(3, SystemError::kOther, true);
+  EXPECT_FALSE(file.Open(SPrefFile::kRead)) << "cannot be read";
+  EXPECT_TRUE(files.OpenPaths().empty());
 }
 
 TEST_F(PrefFiles, GrowsByStepsRefusesWhatNoStepHoldsAndCutsAValueToWhatAStringHolds) {
@@ -132,66 +144,6 @@ TEST_F(PrefFiles, GrowsByStepsRefusesWhatNoStepHoldsAndCutsAValueToWhatAStringHo
   EXPECT_EQ(Stored(), "[a]\nb=short\nc=1\n");
 }
 
-TEST_F(PrefFiles, AnyBytesAreReadInBounds) {
-  std::string noise;
-  for (int i = 0; i < 20000; ++i) {
-    noise.push_back("[]=\r\n \tk\0\xFF"[(i * 7919 + i / 13) % 10]);
-  }
-  SPrefFile file(FileOf(noise));
-  ASSERT_TRUE(file.Open(SPrefFile::kWrite));
-  for (int i = 0; i < 50; ++i) {
-    ValueOf(file, "k", "k");
-    file.SetValue("k", "k", i % 2 == 0 ? "" : "kk");
-    file.DeleteKey("k", "k");
-    file.DeleteSection("k");
-  }
-  file.Close();
-}
-
-TEST_F(PrefFiles, TenTimesTheTextTakesAboutTenTimesAsLong) {
-  const auto timeOf = [this](size_t size) {
-    std::string text = "[sec]\n";
-    while (text.size() < size) {
-      text += "key of a line without a sign\n[key\n";
-    }
-    SPrefFile file(FileOf(text));
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(file.SetValue("end", "key", "1"));
-    EXPECT_EQ(ValueOf(file, "end", "key"), "1");
-    const auto time = std::chrono::steady_clock::now() - start;
-    EXPECT_EQ(Stored(), text + "[end]\r\nkey=1\r\n");
-    return time;
-  };
-  const auto small = std::max(timeOf(1 << 20), timeOf(1 << 20));
-  EXPECT_LT(timeOf(10 << 20), 5 * 10 * small);
-}
-
-TEST_F(PrefFiles, TheTextGoesBackWhenTheMarkChangesWhileItIsOpenForWriting) {
-  const struct {
-    int32_t mode;
-    std::vector<bool> marks;
-    int writes;
-  } cases[] = {{SPrefFile::kRead, {true}, 0},
-               {SPrefFile::kWrite, {}, 0},
-               {SPrefFile::kWrite, {false}, 0},
-               {SPrefFile::kWrite, {true}, 1},
-               {SPrefFile::kWrite, {true, false}, 1}};
-  kivtest::FaultFileServices files(*Platform().files);
-  const SPlatformOverride<IFileServices> installed(Platform().files, &files);
-  for (const auto& c : cases) {
-    SPrefFile file(FileOf("[a]\nk=1\n"));
-    file.SetChanged(true);
-    ASSERT_TRUE(file.Open(c.mode));
-    for (const bool mark : c.marks) {
-      file.SetChanged(mark);
-    }
-    files.ClearLog();
-    file.Close();
-    EXPECT_EQ(files.CountOf("Write"), c.writes) << c.marks.size() << " marks";
-    EXPECT_EQ(Stored(), "[a]\nk=1\n");
-  }
-}
-
 TEST_F(PrefFiles, ATextInMemoryIsOpenForReading) {
   const std::string text = "[sec]\nkey=1\n";
   const auto size = static_cast<int32_t>(text.size());
@@ -208,20 +160,6 @@ TEST_F(PrefFiles, ATextInMemoryIsOpenForReading) {
   EXPECT_FALSE(SPrefFile(nullptr, 5, true).IsOpen());
 }
 
-TEST_F(PrefFiles, AFailedReadOrAMissingFileDoesNotOpen) {
-  SPrefFile file(FileOf("[a]\n"));
-  for (const char* const name : {"missing", ""}) {
-    SPrefFile missing(SpecOf(name));
-    EXPECT_FALSE(missing.Open(SPrefFile::kRead) || missing.Open(SPrefFile::kWrite)) << name;
-  }
-  EXPECT_EQ(folder.List(), std::vector<std::string>{"f"});
-  kivtest::FaultFileServices files(*Platform().files);
-  const SPlatformOverride<IFileServices> installed(Platform().files, &files);
-  files.FailAt(3, SystemError::kOther, true);
-  EXPECT_FALSE(file.Open(SPrefFile::kRead));
-  EXPECT_TRUE(files.OpenPaths().empty());
-}
-
 // Own file "own", then links "first" and "second": the walk is second, first, own.
 class PrefChains : public PrefFiles {
  protected:
@@ -235,20 +173,14 @@ class PrefChains : public PrefFiles {
   SPrefFileChain chain;
 };
 
-TEST_F(PrefChains, ReadsFallThroughFromTheNewestLinkToTheOwnFile) {
+TEST_F(PrefChains, ReadsFallThroughAndAChangeLandsInTheFirstFileWhereverItWasReadFrom) {
   for (const bool open : {false, true}) {
     EXPECT_EQ(chain.IsOpen(), open);
-    EXPECT_EQ(ValueOf(chain, "a", "k"), "second");
-    EXPECT_EQ(ValueOf(chain, "a", "f"), "first");
-    EXPECT_EQ(ValueOf(chain, "a", "o"), "own");
-    EXPECT_EQ(ValueOf(chain, "a", "x"), "(none)");
-    chain.Open(SPrefFile::kRead);
+    EXPECT_EQ(ValueOf(chain, "a", "k") + ValueOf(chain, "a", "f") + ValueOf(chain, "a", "o") +
+                  ValueOf(chain, "a", "x"),
+              "secondfirstown(none)");
+    EXPECT_EQ(chain.Open(SPrefFile::kWrite), !open);
   }
-}
-
-TEST_F(PrefChains, AChangeLandsInTheFirstFileWhereverItWasReadFrom) {
-  ASSERT_TRUE(chain.Open(SPrefFile::kWrite));
-  EXPECT_FALSE(chain.Open(SPrefFile::kWrite));
   EXPECT_TRUE(chain.SetValue("a", "o", "new"));
   EXPECT_FALSE(chain.DeleteKey("a", "f")) << "the others refuse";
   EXPECT_FALSE(chain.DeleteSectionInChain("b"));
@@ -257,17 +189,15 @@ TEST_F(PrefChains, AChangeLandsInTheFirstFileWhereverItWasReadFrom) {
   chain.Close();
   EXPECT_EQ(Stored("second"), "[a]\no=new\n");
   EXPECT_EQ(Stored("own"), "[a]\nk=own\no=own\n");
+  EXPECT_TRUE(chain.DeleteSection("a"));
+  EXPECT_EQ(Stored("second"), "");
 }
 
 TEST_F(PrefChains, OpensAllOrNone) {
-  SFile holder;
-  SFile second;
+  SFile holder, second;
   ASSERT_TRUE(holder.Open(SFile::kWrite, SpecOf("first")));
   EXPECT_FALSE(chain.Open(SPrefFile::kRead));
   EXPECT_TRUE(second.Open(SFile::kWrite, SpecOf("second"))) << "closed again";
-  second.Close();
-  holder.Close();
-  EXPECT_TRUE(chain.Open(SPrefFile::kRead));
 }
 
 }  // namespace

@@ -1,14 +1,14 @@
 // A preference text of any bytes: edits in it, and records read from it.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <vector>
 
 #include "archive/pref_file.h"
 #include "records/lesson_dob.h"
 #include "records/tutor_options_dob.h"
-#include "tests/fuzz/fuzz_input.h"
 #include "tests/fuzz/fuzz_site.h"
-#include "tests/store/store_scope.h"
+#include "tests/fuzz/fuzz_target.h"
 
 namespace kivtest {
 namespace {
@@ -30,7 +30,7 @@ struct Edit {
   bool Apply(SPrefFile& file) const {
     switch (kind) {
       case kSet:
-        return file.SetValue(section.c_str(), key.c_str(), TextOf(value));
+        return file.SetValue(section.c_str(), key.c_str(), Text(value));
       case kDeleteKey:
         return file.DeleteKey(section.c_str(), key.c_str());
       default:
@@ -47,17 +47,11 @@ struct Edit {
 // How many bytes of one text had to go, and how many came, to make the other in one place.
 struct Difference {
   Difference(const std::string& before, const std::string& after) {
-    const size_t shorter = std::min(before.size(), after.size());
-    const auto split =
-        std::mismatch(before.begin(), before.begin() + static_cast<long>(shorter), after.begin());
-    const auto front = static_cast<size_t>(split.first - before.begin());
-    size_t back = 0;
-    while (back < shorter - front &&
-           before[before.size() - 1 - back] == after[after.size() - 1 - back]) {
-      ++back;
-    }
-    gone = before.size() - front - back;
-    came = after.size() - front - back;
+    const auto [b, a] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    const std::reverse_iterator endB(b), endA(a);
+    const auto [lastB, lastA] = std::mismatch(before.rbegin(), endB, after.rbegin(), endA);
+    gone = static_cast<size_t>(endB - lastB);
+    came = static_cast<size_t>(endA - lastA);
   }
   size_t gone, came;
 };
@@ -130,8 +124,10 @@ void CheckEdits(const std::vector<Edit>& edits, const std::string& text) {
   CheckOneOpening(edits, text, site.Stored(kFile));
 }
 
+}  // namespace
+
 // A text without edits is read as records.
-void Run(FuzzInput input) {
+void FuzzPref(FuzzInput input) {
   std::vector<Edit> edits;
   for (int count = input.Byte() % (kMostEdits + 1); count > 0; --count) {
     edits.emplace_back(input);
@@ -139,10 +135,4 @@ void Run(FuzzInput input) {
   edits.empty() ? CheckRecords(input.Rest()) : CheckEdits(edits, input.Rest());
 }
 
-}  // namespace
 }  // namespace kivtest
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  kivtest::Run({data, size});
-  return 0;
-}

@@ -4,11 +4,10 @@
 
 #include <string>
 
+#include "app/zep_app.h"
 #include "foundation/files/file_spec.h"
 #include "foundation/files/file_type.h"
-#include "foundation/site_mode.h"
 #include "tests/fuzz/memory_files.h"
-#include "tests/fuzz/require.h"
 #include "tests/support/test_clock.h"
 
 namespace kivtest {
@@ -16,7 +15,6 @@ namespace kivtest {
 class FuzzSite {
  public:
   FuzzSite() {
-    kivstore::gFileVersion = kivstore::PackVersion("0.01");
     kivstore::RegisterFileType(kivstore::kFileTypeGame, "Game File|Game Files|zep|Game|1");
     files.PutFolder("root");
   }
@@ -38,7 +36,24 @@ class FuzzSite {
                                                                  &files};
 };
 
-inline kivstore::SString TextOf(const std::string& bytes) {
+// A local store at /root, as the library sees it during a call.
+class LocalSite {
+ public:
+  LocalSite() {
+    site.SetSiteMode(kivstore::kSiteLocal);
+    app.SetProperty("Data", "/root");
+  }
+
+  kivstore::SSite site;
+
+ private:
+  kivstore::SZEPApp app{site};
+};
+
+inline std::string Bytes(const kivstore::SString& text) {
+  return std::string(text.View());
+}
+inline kivstore::SString Text(const std::string& bytes) {
   return {bytes.data(), static_cast<int>(bytes.size())};
 }
 

@@ -5,16 +5,11 @@
 #include <cstring>
 #include <vector>
 
-#include "tests/fuzz/require.h"
-
 namespace kivtest {
 namespace {
 
-constexpr size_t kBlockEnd = offsetof(SGeneralParams, gapF6);
-
 struct Field {
-  size_t offset;
-  size_t size;
+  size_t offset, size;
 };
 
 #define FIELD(name)                                              \
@@ -22,64 +17,45 @@ struct Field {
     offsetof(SGeneralParams, name), sizeof(SGeneralParams::name) \
   }
 
+constexpr Field kNoText{};
+constexpr Field kTeacherName = FIELD(teacherName);
+constexpr Field kClassName = FIELD(className);
+constexpr Field kStudentName = FIELD(studentName);
+
+// What the commands may write beside `result`: a text, and numbers.
+const struct {
+  int32_t commands[2];
+  Field text;
+  std::vector<Field> numbers;
+} kAnswers[] = {
+    {{KIV_COUNT_TEACHERS, KIV_CACHE_TEACHERS}, kNoText, {FIELD(topCount)}},
+    {{KIV_TEACHER_NAME, KIV_CACHED_TEACHER_NAME}, kTeacherName, {}},
+    {{KIV_COUNT_CLASSES, KIV_CACHE_CLASSES}, kNoText, {FIELD(classCount)}},
+    {{KIV_CLASS_NAME, KIV_CACHED_CLASS_NAME}, kClassName, {FIELD(classIndex)}},
+    {{KIV_COUNT_STUDENTS, KIV_CACHE_STUDENTS}, kNoText, {FIELD(studentCount)}},
+    {{KIV_CACHED_STUDENT_NAME}, kStudentName, {FIELD(studentIndex)}},
+    {{KIV_STUDENT_PROGRESS},
+     kStudentName,
+     {FIELD(studentIndex), FIELD(currentMission), FIELD(previousMission), FIELD(vocabLevel)}},
+    {{KIV_PRODUCT_ID}, FIELD(productId), {FIELD(productGeneration)}},
+};
+
 // A text may be written as far as the host says it has room, but never out of the block.
-Field TextField(size_t offset, int32_t size) {
-  return {offset, std::min(static_cast<size_t>(std::max(size, 0)), kBlockEnd - offset)};
+Field Room(Field text, const SGeneralParams& in) {
+  const int32_t size =
+      text.offset == offsetof(SGeneralParams, productId) ? in.productIdSize : in.studentNameSize;
+  return {text.offset, std::min(static_cast<size_t>(std::max(size, 0)),
+                                offsetof(SGeneralParams, gapF6) - text.offset)};
 }
-
-bool HasText(int32_t command, Field& text, const SGeneralParams& in) {
-  switch (command) {
-    case KIV_TEACHER_NAME:
-    case KIV_CACHED_TEACHER_NAME:
-      text = TextField(offsetof(SGeneralParams, teacherName), in.teacherNameSize);
-      return true;
-    case KIV_CLASS_NAME:
-    case KIV_CACHED_CLASS_NAME:
-      text = TextField(offsetof(SGeneralParams, className), in.classNameSize);
-      return true;
-    case KIV_STUDENT_PROGRESS:
-    case KIV_CACHED_STUDENT_NAME:
-      text = TextField(offsetof(SGeneralParams, studentName), in.studentNameSize);
-      return true;
-    case KIV_PRODUCT_ID:
-      text = TextField(offsetof(SGeneralParams, productId), in.productIdSize);
-      return true;
-    default:
-      return false;
-  }
-}
-
-// What the command may write, but for its text.
-std::vector<Field> NumbersOf(int32_t command) {
-  switch (command) {
-    case KIV_COUNT_TEACHERS:
-    case KIV_CACHE_TEACHERS:
-      return {FIELD(result), FIELD(topCount)};
-    case KIV_COUNT_CLASSES:
-    case KIV_CACHE_CLASSES:
-      return {FIELD(result), FIELD(classCount)};
-    case KIV_CLASS_NAME:
-    case KIV_CACHED_CLASS_NAME:
-      return {FIELD(result), FIELD(classIndex)};
-    case KIV_COUNT_STUDENTS:
-    case KIV_CACHE_STUDENTS:
-      return {FIELD(result), FIELD(studentCount)};
-    case KIV_STUDENT_PROGRESS:
-      return {FIELD(result), FIELD(studentIndex), FIELD(currentMission), FIELD(previousMission),
-              FIELD(vocabLevel)};
-    case KIV_CACHED_STUDENT_NAME:
-      return {FIELD(result), FIELD(studentIndex)};
-    case KIV_PRODUCT_ID:
-      return {FIELD(result), FIELD(productGeneration)};
-    default:
-      return {FIELD(result)};
-  }
-}
-
-#undef FIELD
 
 std::string ImageOf(const SGeneralParams& block) {
   return {reinterpret_cast<const char*>(&block), sizeof block};
+}
+
+void CheckText(const std::string& shown) {
+  const size_t end = shown.find('\0');
+  Require(shown.empty() || end != std::string::npos, "a text ends in NUL");
+  Require(shown.find_first_not_of('\0', end) == std::string::npos, "behind a text all is NUL");
 }
 
 }  // namespace
@@ -101,36 +77,23 @@ void HostileBlock::Call(const char* dataPath) {
   const SGeneralParams in = *block;
   GeneralProc(block.get());
   Require(block->result <= 1, "every call leaves a result of 0 or 1");
-  CheckWritten(in);
-  if (block->result == 1) {
-    CheckAnswer(in);
+  std::vector<Field> written{FIELD(result)};
+  for (const auto& answer : kAnswers) {
+    if (in.command > 0 && std::count(answer.commands, answer.commands + 2, in.command) > 0) {
+      const Field text = answer.text.offset != 0 ? Room(answer.text, in) : kNoText;
+      written.insert(written.end(), answer.numbers.begin(), answer.numbers.end());
+      written.push_back(text);
+      CheckText(block->result == 1 ? ImageOf(*block).substr(text.offset, text.size) : "");
+    }
   }
-}
-
-void HostileBlock::CheckWritten(const SGeneralParams& in) const {
-  std::string before = ImageOf(in);
-  std::string after = ImageOf(*block);
-  std::vector<Field> fields = NumbersOf(in.command);
-  Field text;
-  if (HasText(in.command, text, in)) {
-    fields.push_back(text);
-  }
-  for (const Field& field : fields) {
+  std::string before = ImageOf(in), after = ImageOf(*block);
+  for (const Field& field : written) {
     before.replace(field.offset, field.size, field.size, '\0');
     after.replace(field.offset, field.size, field.size, '\0');
   }
   Require(before == after, "nothing is written beside the command's own fields");
 }
 
-void HostileBlock::CheckAnswer(const SGeneralParams& in) const {
-  Field text;
-  if (!HasText(in.command, text, in) || text.size == 0) {
-    return;
-  }
-  const std::string shown = ImageOf(*block).substr(text.offset, text.size);
-  const size_t end = shown.find('\0');
-  Require(end != std::string::npos, "a text ends in NUL");
-  Require(shown.find_first_not_of('\0', end) == std::string::npos, "behind a text all is NUL");
-}
+#undef FIELD
 
 }  // namespace kivtest

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "kivstore/general_proc.h"
-#include "tests/fuzz/fuzz_input.h"
+#include "tests/fuzz/fuzz_target.h"
 
 namespace kivtest {
 
@@ -16,9 +16,6 @@ class HostileBlock {
   void Call(const char* dataPath);
 
  private:
-  void CheckWritten(const SGeneralParams& in) const;
-  void CheckAnswer(const SGeneralParams& in) const;
-
   // On the heap, so that a byte written behind it is seen.
   std::unique_ptr<SGeneralParams> block;
 };

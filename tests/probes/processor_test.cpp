@@ -19,32 +19,22 @@ TEST_F(ProcessorTest, FamilyComesFromCpuidOrFromTheFlagsThatStick) {
     const char* name;
     uint32_t flags, changeable, highestLeaf, signature;
     int16_t family;
-  } kCases[] = {
-      {"Pentium", 0, 1u << 21, 1, 0x543, 5},
-      {"sixth", 0, 1u << 21, 5, 0x6F2, 6},
-      {"CPUID without leaf 1", 0, 1u << 21, 0, 0x543, -1},
-      {"8086: the top bits stick at 1", 0xF000, 0, 1, 0x543, 0},
-      {"286: they stick at 0", 0, 0, 1, 0x543, 2},
-      {"386: no alignment check", 0, 0x7000, 1, 0x543, 3},
-      {"486: alignment check, no CPUID", 0, 0x7000 | 1u << 18, 1, 0x543, 4},
-  };
+  } kCases[] = {{"Pentium", 0, 1u << 21, 1, 0x543, 5},
+                {"sixth", 0, 1u << 21, 5, 0x6F2, 6},
+                {"CPUID without leaf 1", 0, 1u << 21, 0, 0x543, -1},
+                {"8086: the top bits stick at 1", 0xF000, 0, 1, 0x543, 0},
+                {"286: they stick at 0", 0, 0, 1, 0x543, 2},
+                {"386: no alignment check", 0, 0x7000, 1, 0x543, 3},
+                {"486: alignment check, no CPUID", 0, 0x7000 | 1u << 18, 1, 0x543, 4}};
+  system.features = 0x12345678;
   for (const auto& c : kCases) {
     system.flags = c.flags;
     system.changeable = c.changeable;
     system.highestLeaf = c.highestLeaf;
     system.signature = c.signature;
     EXPECT_EQ(c.family, ProcessorFamily()) << c.name;
+    EXPECT_EQ(c.family >= 5 ? 0x12345678u : 0, ProcessorFeatures()) << c.name;
   }
-}
-
-TEST_F(ProcessorTest, FeaturesNeedLeafOne) {
-  system.features = 0x12345678;
-  EXPECT_EQ(0x12345678u, ProcessorFeatures());
-  system.highestLeaf = 0;
-  EXPECT_EQ(0u, ProcessorFeatures());
-  system.highestLeaf = 1;
-  system.changeable = 0;
-  EXPECT_EQ(0u, ProcessorFeatures());
 }
 
 TEST_F(ProcessorTest, SpeedGoesToProductsThatAreSold) {
@@ -95,24 +85,17 @@ TEST_F(ProcessorTest, WhatCannotBeMeasuredIsZero) {
   }
 }
 
+// A loop that was optimised away takes no cycles a round, a wrong one hundreds.
 TEST(RealProcessor, LoopTakesTime) {
-  // A loop that was optimised away takes no cycles a round, a wrong one hundreds.
   ISystem& system = *Platform().system;
-  int64_t frequency = 0;
-  ASSERT_TRUE(system.PerformanceFrequency(frequency));
-  constexpr uint32_t kRounds = 50'000'000;
-  int64_t start = 0, end = 0;
+  int64_t frequency = 0, start = 0, end = 0;
+  ASSERT_TRUE(system.PerformanceFrequency(frequency) && system.PerformanceCounter(start));
   const uint32_t stampBefore = system.TimeStamp();
-  system.PerformanceCounter(start);
   system.BitScanLoop(1'000'000);
   const uint32_t cycles = system.TimeStamp() - stampBefore;
-  system.BitScanLoop(kRounds);
   system.PerformanceCounter(end);
-  EXPECT_GT(end - start, 0);
-  if (cycles != 0) {
-    EXPECT_GT(cycles, 1'000'000u / 4);
-    EXPECT_LT(cycles, 1'000'000u * 200u);
-  }
+  EXPECT_GT(end, start);
+  EXPECT_TRUE(cycles == 0 || (cycles > 250'000 && cycles < 200'000'000)) << cycles;
 }
 
 }  // namespace

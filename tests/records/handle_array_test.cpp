@@ -4,8 +4,9 @@
 
 #include <vector>
 
-#include "tests/records/failing_memory.h"
-#include "tests/records/memory_archive.h"
+#include "records/error_dob.h"
+#include "tests/records/record_model.h"
+#include "tests/support/failing_memory.h"
 
 namespace kivtest {
 namespace {
@@ -18,84 +19,100 @@ Values ValuesOf(const Array& array) {
   return Values(array.Data(), array.Data() + array.GetCount());
 }
 
-Array MakeArray(const Values& values, int16_t fill = -1) {
-  Array array(fill);
-  for (size_t i = 0; i < values.size(); ++i) {
-    array.SetAt(static_cast<int32_t>(i), values[i]);
+// What the array is to hold, and how much room it is to have.
+struct ArrayModel {
+  Values values;
+  int capacity = 0;
+  int16_t fill = -1;
+
+  int Count() const { return static_cast<int>(values.size()); }
+  void Fill(int count) { values.resize(static_cast<size_t>(std::max(count, Count())), fill); }
+  void Resize(int n) {
+    capacity = n;
+    values.resize(static_cast<size_t>(std::min(n, Count())));
   }
-  array.Resize(static_cast<int16_t>(values.size()));
-  return array;
+  void SetSize(int n) { n < Count() ? values.resize(static_cast<size_t>(n)) : Resize(n), Fill(n); }
+  void EnsureSize(int n) {
+    capacity = n > capacity ? (n + 9) / 10 * 10 : capacity;
+    Fill(n);
+  }
+  void ResetTo(int n) {
+    n >= Count() ? Resize(n) : void();
+    values.assign(static_cast<size_t>(n), fill);
+  }
+  void SetAt(int index, int16_t value) {
+    EnsureSize(index + 1);
+    values[static_cast<size_t>(index)] = value;
+  }
+};
+
+using Step = void (*)(Array&, ArrayModel&, int16_t n);
+
+const Step kSteps[] = {
+    [](Array& a, ArrayModel& m, int16_t n) { a.Resize(n), n < 0 ? void() : m.Resize(n); },
+    [](Array& a, ArrayModel& m, int16_t n) { a.SetSize(n), n < 0 ? void() : m.SetSize(n); },
+    [](Array& a, ArrayModel& m, int16_t n) { a.EnsureSize(n), m.EnsureSize(n); },
+    [](Array& a, ArrayModel& m, int16_t n) { a.ResetTo(n), n < 0 ? void() : m.ResetTo(n); },
+    [](Array& a, ArrayModel& m, int16_t n) { a.SetAt(n, 9), n < 0 ? void() : m.SetAt(n, 9); },
+    // An exact copy, with a block of its own, by assignment or construction.
+    [](Array& a, ArrayModel& m, int16_t n) {
+      Array copy(a), other(7);
+      EXPECT_EQ(copy.GetCapacity(), a.GetCount());
+      other.SetAt(n / 2, 8);
+      other = copy;
+      copy.SetAt(0, 77), a.Assign(other), a.Assign(a);
+      m.capacity = m.Count();
+    },
+    [](Array& a, ArrayModel& m, int16_t n) { a.SetFill(n), m.fill = n; },
+};
+
+TEST(SHandleArray, DoesWhatAVectorDoes) {
+  ForSeeds(20, [](Draw& draw) {
+    Array array(-1), last;
+    ArrayModel model;
+    for (int round = 0; round < 200; ++round) {
+      const auto n = static_cast<int16_t>(draw.Between(-3, 40));
+      kSteps[draw.Below(std::size(kSteps))](array, model, n);
+      ASSERT_EQ(ValuesOf(array), model.values) << round;
+      ASSERT_EQ(array.GetCapacity(), model.capacity) << round;
+      ASSERT_EQ(array.At(-1), model.fill);
+      ASSERT_EQ(array.At(array.GetCount()), array.GetFill());
+      ASSERT_EQ(array == last, model.values == ValuesOf(last));
+      last = array;
+      draw.OneIn(2) ? last.SetAt(draw.Below(50), 9) : void();
+    }
+  });
 }
 
-struct SizeCase {
-  const char* what;
-  void (*change)(Array&);
-  Values values;
-  int16_t capacity;
-};
-
-// Each begins with the four values 1, 2, 3, 4, a capacity of 4 and a fill of -1.
-const SizeCase kSizeCases[] = {
-    {"Resize down keeps what fits", [](Array& a) { a.Resize(2); }, {1, 2}, 2},
-    {"Resize up adds room and no elements", [](Array& a) { a.Resize(9); }, {1, 2, 3, 4}, 9},
-    {"Resize to nothing frees", [](Array& a) { a.Resize(0); }, {}, 0},
-    {"Resize below nothing does nothing", [](Array& a) { a.Resize(-3); }, {1, 2, 3, 4}, 4},
-    {"SetSize down keeps the block", [](Array& a) { a.SetSize(1); }, {1}, 4},
-    {"SetSize up is exact and fills", [](Array& a) { a.SetSize(6); }, {1, 2, 3, 4, -1, -1}, 6},
-    {"EnsureSize up goes by tens", [](Array& a) { a.EnsureSize(5); }, {1, 2, 3, 4, -1}, 10},
-    {"EnsureSize never shortens", [](Array& a) { a.EnsureSize(1); }, {1, 2, 3, 4}, 4},
-    {"EnsureSize below nothing does nothing", [](Array& a) { a.EnsureSize(-1); }, {1, 2, 3, 4}, 4},
-    {"ResetTo more", [](Array& a) { a.ResetTo(5); }, {-1, -1, -1, -1, -1}, 5},
-    {"ResetTo less keeps the block", [](Array& a) { a.ResetTo(2); }, {-1, -1}, 4},
-    {"SetAt inside", [](Array& a) { a.SetAt(1, 9); }, {1, 9, 3, 4}, 4},
-    {"SetAt outside grows", [](Array& a) { a.SetAt(5, 9); }, {1, 2, 3, 4, -1, 9}, 10},
-    {"SetAt below nothing", [](Array& a) { a.SetAt(-1, 9); }, {1, 2, 3, 4}, 4},
-    {"SetAt beyond 16 bits", [](Array& a) { a.SetAt(32767, 9); }, {1, 2, 3, 4}, 4},
-};
-
-TEST(SHandleArray, ChangesSizeAsEachOperationSays) {
-  for (const SizeCase& c : kSizeCases) {
-    Array array = MakeArray({1, 2, 3, 4});
-    c.change(array);
-    EXPECT_EQ(ValuesOf(array), c.values) << c.what;
-    EXPECT_EQ(array.GetCapacity(), c.capacity) << c.what;
-  }
+TEST(SHandleArray, StaysAsItWasWithoutMemory) {
+  Array array(-1), target(8);
+  array.SetAt(1, 2);
+  target.SetAt(0, 5);
+  FailingMemory memory;
+  memory.exhausted = true;
+  array.SetAt(50, 1);
+  EXPECT_EQ(ValuesOf(array), (Values{-1, 2}));
+  target.Assign(array);
+  EXPECT_EQ(target.GetCount() + target.GetCapacity(), 0);
+  EXPECT_EQ(target.Data(), nullptr);
+  array.ResetTo(20);
+  EXPECT_EQ(ValuesOf(array), Values(10, -1));
 }
 
 TEST(SHandleArray, ReachesItsLastPossibleElement) {
   Array array(0);
+  array.SetAt(32767, 5);
+  EXPECT_EQ(array.GetCount(), 0);
   array.SetAt(32766, 5);
-  EXPECT_EQ(array.GetCount(), 32767);
   EXPECT_EQ(array.GetCapacity(), 32767);
   EXPECT_EQ(array.At(32766), 5);
 }
 
-TEST(SHandleArray, AssignsAnExactCopyWithItsOwnBlock) {
-  Array source(7);
-  source.SetAt(2, 3);
-  Array copy = MakeArray({1});
-  copy.Assign(source);
-  source.SetAt(0, 99);
-  EXPECT_EQ(ValuesOf(copy), (Values{7, 7, 3}));
-  EXPECT_EQ(copy.GetCapacity(), 3);
-  EXPECT_EQ(copy.GetFill(), 7);
-  copy.Assign(Array(4));
-  EXPECT_EQ(copy.Data(), nullptr);
-  EXPECT_EQ(copy.GetFill(), 4);
-}
-
-TEST(SHandleArray, ComparesCountAndElementsOnly) {
-  Array roomy = MakeArray({1, 2}, 5);
-  roomy.Resize(20);
-  EXPECT_TRUE(roomy == MakeArray({1, 2}));
-  EXPECT_FALSE(roomy == MakeArray({1, 3}));
-  EXPECT_FALSE(roomy == MakeArray({1, 2, 0}));
-}
-
 // A record that is nothing but an array of three values.
 struct ArrayRecord : SDob {
+  ArrayRecord() { array.SetSize(3); }
   void Serialize(IDobArchive& archive) override { array.Transfer(archive, "Values"); }
-  Array array = MakeArray({1, 2, 3});
+  Array array{-1};
 };
 
 std::string ArrayBytes(int count, int elements) {
@@ -107,63 +124,46 @@ std::string ArrayBytes(int count, int elements) {
   return writer.Bytes();
 }
 
-TEST(SHandleArray, GoesOutAsCountAndElements) {
-  ArrayRecord record;
-  EXPECT_EQ(BytesOf(record), std::string("\0\3\0\1\0\2\0\3", 8));
-}
-
 TEST(SHandleArray, TakesTheLengthOfTheFile) {
   struct {
-    int count;
-    int16_t capacity;
-  } const kCases[] = {{0, 3}, {2, 3}, {3, 3}, {30, 30}, {256, 256}, {257, 257}, {5000, 5000}};
+    int claimed, count, capacity;
+  } const kCases[] = {{0, 0, 3},       {2, 2, 3},       {3, 3, 3},          {30, 30, 30},
+                      {256, 256, 256}, {257, 257, 257}, {5000, 5000, 5000}, {65535, 32767, 32767}};
   for (const auto& c : kCases) {
     ArrayRecord record;
-    ASSERT_TRUE(Fill(record, ArrayBytes(c.count, c.count)));
+    ASSERT_TRUE(Fill(record, ArrayBytes(c.claimed, c.claimed)));
     ASSERT_EQ(record.array.GetCount(), c.count);
     EXPECT_EQ(record.array.GetCapacity(), c.capacity);
-    for (int i = 0; i < c.count; ++i) {
-      ASSERT_EQ(record.array.At(i), 100 + i);
-    }
+    EXPECT_EQ(BytesOf(record), ArrayBytes(c.count, c.count));
   }
-}
-
-TEST(SHandleArray, KeepsSixteenBitsOfCountAndReadsPastTheRest) {
-  ArrayRecord record;
-  ASSERT_TRUE(Fill(record, ArrayBytes(65535, 65535)));
-  EXPECT_EQ(record.array.GetCount(), 32767);
-  EXPECT_EQ(record.array.At(32766), static_cast<int16_t>(100 + 32766));
 }
 
 TEST(SHandleArray, AllocatesNoMoreThanTheDataBacks) {
   ArrayRecord record;
   FailingMemory memory;
   EXPECT_FALSE(Fill(record, ArrayBytes(65535, 10)));
-  EXPECT_LE(memory.largest, 512);
+  EXPECT_EQ(memory.largest, 512);
   EXPECT_EQ(record.array.At(9), 109);
   EXPECT_EQ(record.array.At(10), -1);
-}
-
-TEST(SHandleArray, StaysAsItWasWithoutMemory) {
-  Array array = MakeArray({1, 2});
-  Array target = MakeArray({5});
-  ArrayRecord record;
-  FailingMemory memory;
-  memory.exhausted = true;
-  array.SetAt(50, 1);
-  EXPECT_EQ(ValuesOf(array), (Values{1, 2}));
-  target.Assign(array);
-  EXPECT_EQ(target.GetCount(), 0);
   // What there is no room for is read past.
-  EXPECT_TRUE(Fill(record, ArrayBytes(30, 30)));
-  EXPECT_EQ(ValuesOf(record.array), (Values{100, 101, 102}));
+  ArrayRecord full;
+  memory.exhausted = true;
+  EXPECT_TRUE(Fill(full, ArrayBytes(30, 30)));
+  EXPECT_EQ(ValuesOf(full.array), (Values{100, 101, 102}));
 }
 
-TEST(SHandleArray, GivesTheFillValueOutside) {
-  const Array array = MakeArray({1, 2}, -9);
-  EXPECT_EQ(array.At(-1), -9);
-  EXPECT_EQ(array.At(2), -9);
-  EXPECT_EQ(array.At(1), 2);
+// Of a count that a text does not back: elements are looked for until 256 in a row are missing.
+TEST(SHandleArray, LooksForElementsOfATextSoFar) {
+  const PrefText pref;
+  for (const bool found : {true, false}) {
+    SDErrorDob counts;
+    const std::string place = found ? "256" : "257";
+    EXPECT_FALSE(counts.LoadFromPref(
+        pref.Write("[Me]\r\nKeyTypedWrong_Count=65535\r\nKeyTypedWrong_" + place + "=7\r\n"),
+        "Me"));
+    EXPECT_EQ(counts.keyTypedWrong.At(found ? 256 : 257), found ? 7 : 0);
+    EXPECT_LE(counts.keyTypedWrong.GetCount(), 1024);
+  }
 }
 
 }  // namespace

@@ -53,8 +53,10 @@ void FaultFileServices::DieAt(int n, std::function<void()> newDeath) {
   death = std::move(newDeath);
 }
 
-void FaultFileServices::FailOn(const std::string& part, SystemError error) {
+void FaultFileServices::FailOn(const std::string& part, SystemError error,
+                               const std::string& operation) {
   failingPart = part;
+  failingOperation = operation;
   failingPartError = error;
 }
 
@@ -82,8 +84,9 @@ std::vector<std::string> FaultFileServices::OpenPaths() const {
   return paths;
 }
 
-bool FaultFileServices::StrikesOnPath(const std::string& path, SystemError& error) const {
-  if (failingPart.empty() || path.find(failingPart) == std::string::npos) {
+bool FaultFileServices::StrikesOnPath(const FileCall& call, SystemError& error) const {
+  const bool isMeant = failingOperation.empty() || failingOperation == call.operation;
+  if (failingPart.empty() || !isMeant || call.path.find(failingPart) == std::string::npos) {
     return false;
   }
   error = failingPartError;
@@ -97,7 +100,7 @@ bool FaultFileServices::Strikes(const char* operation, const std::string& path,
   shorten = -1;
   const bool lasting = plan == Plan::kFailForever || plan == Plan::kDie;
   if (plan == Plan::kNone || count < target || (count > target && !lasting)) {
-    return StrikesOnPath(path, error);
+    return StrikesOnPath(log.back(), error);
   }
   if (plan == Plan::kDie && !struck) {
     death();
@@ -135,14 +138,20 @@ void FaultFileServices::Close(FileHandle file) {
   inner.Close(file);
 }
 
+// What falls short does so as on a full disk.
+bool FaultFileServices::StrikesTransfer(const char* operation, FileHandle file) {
+  SystemError error = SystemError::kDiskFull;
+  const bool strikes = Strikes(operation, PathOf(file), error);
+  transferError = strikes || shorten >= 0 ? error : SystemError::kNone;
+  return strikes;
+}
+
 int32_t FaultFileServices::Read(FileHandle file, void* buffer, int32_t wanted) {
-  SystemError error;
-  return Strikes("Read", PathOf(file), error) ? 0 : inner.Read(file, buffer, Shortened(wanted));
+  return StrikesTransfer("Read", file) ? 0 : inner.Read(file, buffer, Shortened(wanted));
 }
 
 int32_t FaultFileServices::Write(FileHandle file, const void* buffer, int32_t wanted) {
-  SystemError error;
-  return Strikes("Write", PathOf(file), error) ? 0 : inner.Write(file, buffer, Shortened(wanted));
+  return StrikesTransfer("Write", file) ? 0 : inner.Write(file, buffer, Shortened(wanted));
 }
 
 int64_t FaultFileServices::Size(FileHandle file) {
@@ -151,13 +160,11 @@ int64_t FaultFileServices::Size(FileHandle file) {
 }
 
 bool FaultFileServices::SetEnd(FileHandle file) {
-  SystemError error;
-  return !Strikes("SetEnd", PathOf(file), error) && inner.SetEnd(file);
+  return !StrikesTransfer("SetEnd", file) && inner.SetEnd(file);
 }
 
 bool FaultFileServices::Flush(FileHandle file) {
-  SystemError error;
-  return !Strikes("Flush", PathOf(file), error) && inner.Flush(file);
+  return !StrikesTransfer("Flush", file) && inner.Flush(file);
 }
 
 bool FaultFileServices::Attributes(const char* path, FileAttributes& attributes,

@@ -44,8 +44,9 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   // that follows fails, as for a process that is no more.
   void DieAt(
       int n, std::function<void()> death = [] {});
-  // Each operation on a path that contains `part` fails; counts nothing.
-  void FailOn(const std::string& part, SystemError error);
+  // Each operation on a path that contains `part` fails, or only those of this name; counts
+  // nothing.
+  void FailOn(const std::string& part, SystemError error, const std::string& operation = "");
   void FailNever();
 
   // Whether the operation of the last FailAt, FallShortAt or DieAt came.
@@ -65,6 +66,7 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   int64_t Size(FileHandle file) override;
   bool SetEnd(FileHandle file) override;
   bool Flush(FileHandle file) override;
+  SystemError TransferError() override { return transferError; }
   bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
   bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;
   bool SetAttributes(const char* path, const FileAttributes& attributes,
@@ -87,7 +89,8 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   enum class Plan { kNone, kFail, kFailForever, kFallShort, kDie };
 
   void Begin(Plan newPlan, int n);
-  bool StrikesOnPath(const std::string& path, SystemError& error) const;
+  bool StrikesTransfer(const char* operation, FileHandle file);
+  bool StrikesOnPath(const FileCall& call, SystemError& error) const;
   std::string PathOf(FileHandle file) const;
   int32_t Shortened(int32_t wanted);
 
@@ -97,9 +100,10 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   bool struck = false;
   SystemError planned = SystemError::kOther;
   int32_t shortBytes = 0;
+  SystemError transferError = SystemError::kNone;
   int32_t shorten = -1;  // the operation at hand moves at most so much
   std::function<void()> death;
-  std::string failingPart;
+  std::string failingPart, failingOperation;
   SystemError failingPartError = SystemError::kOther;
   std::vector<FileCall> log;
   std::map<FileHandle, std::string> open;

@@ -1,122 +1,106 @@
 #include "tests/support/record_bytes.h"
 
-#include <stdexcept>
+#include <sstream>
 
 namespace kivtest {
 namespace {
 
-struct Option {
-  const char* key;
-  char type;  // 's' two bytes, 'b' one
-  int value;
-};
+// A bool as yes or no, a number of two bytes as itself.
+constexpr char kGeneralOptions[] =
+    "SoundOn=2 StudAddOwnName=yes SeparateLastName=yes DisplayFirstLastName=yes "
+    "AutoGameSaving=yes MaxGameFiles=10 AutoOpenStudFile=no UseSystemIODialogs=no "
+    "StudentPrint=yes CentralFileLocation=yes RecordStudentProgress=yes TopScoreAllClasses=yes "
+    "TopScoreIndivClass=yes TopScoreIndivStudent=yes StudentLevelRemembered=yes UseJournal=yes "
+    "WordLists=yes UseCamera=yes KeyboardShortcut=yes TabBetweenAll=no";
+constexpr char kBehindGameOptions[] =
+    "StudentsHavePassword=no VocabLevel=1 AllowPrinting=yes SpacesAfterPeriod=1 KeyVoiceOver=yes "
+    "InstructionalDirections=yes FatherTimeNarration=yes BackgroundMusic=yes SoundEffects=yes "
+    "RolloverButtons=no TextSize=2 AllowPowerBooster=yes NumberErrorsPowerBooster=12 "
+    "AllowAutoGoalAdj=yes MinAccuracyGoal=50 MinWPMGoal=1 Checkpoint=0 AllowPostTest=yes "
+    "Teach6Key=1 GamebreakInterval=5 BackgroundAnimationOn=yes LeftRightGame=0 "
+    "CurrentKeyProvided=yes AllowPause_DS=yes AllowRepeatLine=yes "
+    "AllowCorrectionDuringTest_DS=yes AllowCorrectionDuringTest_Warp=yes AllowTimeLimit=no "
+    "TimeLimitWarp=2 WarpspeedView=1 ShowTimer=yes AllowPause_Warp=yes";
+constexpr char kBehindMissions[] = "AllowPlayandPracticeMode=yes";
 
-constexpr Option kGeneralOptions[] = {
-    {"SoundOn", 's', 2},
-    {"StudAddOwnName", 'b', 1},
-    {"SeparateLastName", 'b', 1},
-    {"DisplayFirstLastName", 'b', 1},
-    {"AutoGameSaving", 'b', 1},
-    {"MaxGameFiles", 's', 10},
-    {"AutoOpenStudFile", 'b', 0},
-    {"UseSystemIODialogs", 'b', 0},
-    {"StudentPrint", 'b', 1},
-    {"CentralFileLocation", 'b', 1},
-    {"RecordStudentProgress", 'b', 1},
-    {"TopScoreAllClasses", 'b', 1},
-    {"TopScoreIndivClass", 'b', 1},
-    {"TopScoreIndivStudent", 'b', 1},
-    {"StudentLevelRemembered", 'b', 1},
-    {"UseJournal", 'b', 1},
-    {"WordLists", 'b', 1},
-    {"UseCamera", 'b', 1},
-    {"KeyboardShortcut", 'b', 1},
-    {"TabBetweenAll", 'b', 0},
-};
-// Behind the game options.
-constexpr Option kPasswordOption[] = {{"StudentsHavePassword", 'b', 0}};
-constexpr Option kTutorOptions[] = {
-    {"VocabLevel", 's', 1},
-    {"AllowPrinting", 'b', 1},
-    {"SpacesAfterPeriod", 's', 1},
-    {"KeyVoiceOver", 'b', 1},
-    {"InstructionalDirections", 'b', 1},
-    {"FatherTimeNarration", 'b', 1},
-    {"BackgroundMusic", 'b', 1},
-    {"SoundEffects", 'b', 1},
-    {"RolloverButtons", 'b', 0},
-    {"TextSize", 's', 2},
-    {"AllowPowerBooster", 'b', 1},
-    {"NumberErrorsPowerBooster", 's', 12},
-    {"AllowAutoGoalAdj", 'b', 1},
-    {"MinAccuracyGoal", 's', 50},
-    {"MinWPMGoal", 's', 1},
-    {"Checkpoint", 's', 0},
-    {"AllowPostTest", 'b', 1},
-    {"Teach6Key", 's', 1},
-    {"GamebreakInterval", 's', 5},
-    {"BackgroundAnimationOn", 'b', 1},
-    {"LeftRightGame", 's', 0},
-    {"CurrentKeyProvided", 'b', 1},
-    {"AllowPause_DS", 'b', 1},
-    {"AllowRepeatLine", 'b', 1},
-    {"AllowCorrectionDuringTest_DS", 'b', 1},
-    {"AllowCorrectionDuringTest_Warp", 'b', 1},
-    {"AllowTimeLimit", 'b', 0},
-    {"TimeLimitWarp", 's', 2},
-    {"WarpspeedView", 's', 1},
-    {"ShowTimer", 'b', 1},
-    {"AllowPause_Warp", 'b', 1},
-};
-// Behind the missions.
-constexpr Option kPlayOption[] = {{"AllowPlayandPracticeMode", 'b', 1}};
+// Mission by mission the activity it is built around: dictation station, key figures, typeline,
+// warp speed, windshield typers.
+constexpr char kStandardCourse[] = "KSKTDWTDSDTWTDWWKSTWSWDKK";
 
-// The activity that each mission of the standard course is built around.
-constexpr int MissionBytes::*kStandardCourse[25] = {
-    &MissionBytes::KeyFigures,       &MissionBytes::WindshieldTypers,
-    &MissionBytes::KeyFigures,       &MissionBytes::Typeline,
-    &MissionBytes::DictationStation, &MissionBytes::WarpSpeed,
-    &MissionBytes::Typeline,         &MissionBytes::DictationStation,
-    &MissionBytes::WindshieldTypers, &MissionBytes::DictationStation,
-    &MissionBytes::Typeline,         &MissionBytes::WarpSpeed,
-    &MissionBytes::Typeline,         &MissionBytes::DictationStation,
-    &MissionBytes::WarpSpeed,        &MissionBytes::WarpSpeed,
-    &MissionBytes::KeyFigures,       &MissionBytes::WindshieldTypers,
-    &MissionBytes::Typeline,         &MissionBytes::WarpSpeed,
-    &MissionBytes::WindshieldTypers, &MissionBytes::WarpSpeed,
-    &MissionBytes::DictationStation, &MissionBytes::KeyFigures,
-    &MissionBytes::KeyFigures,
-};
-
-template <size_t kCount>
-void AddDefaults(std::map<std::string, int>& values, const Option (&options)[kCount]) {
-  for (const Option& option : options) {
-    values[option.key] = option.value;
+int MissionBytes::*ActivityOf(char letter) {
+  switch (letter) {
+    case 'D':
+      return &MissionBytes::DictationStation;
+    case 'K':
+      return &MissionBytes::KeyFigures;
+    case 'T':
+      return &MissionBytes::Typeline;
+    case 'W':
+      return &MissionBytes::WarpSpeed;
+    default:
+      return &MissionBytes::WindshieldTypers;
   }
 }
 
-template <size_t kCount>
-void WriteOptions(ByteWriter& out, const Option (&options)[kCount], const OptionsBytes& record) {
-  for (const Option& option : options) {
-    const int value = record.values.at(option.key);
-    option.type == 's' ? out.Short(value) : out.Byte(value);
-    out.Stamp(record.stamps.Of(option.key));
+// Calls function(key, type, value) for each option of a list.
+template <class Function>
+void ForEachOption(const char* list, Function function) {
+  std::istringstream options(list);
+  for (std::string option; options >> option;) {
+    const size_t end = option.find('=');
+    const std::string value = option.substr(end + 1);
+    const bool isBool = value == "yes" || value == "no";
+    function(option.substr(0, end), isBool ? 'b' : 's', isBool ? value == "yes" : std::stoi(value));
   }
 }
 
-void WriteDone(ByteWriter& out, const Doneness& done, uint32_t stamp) {
-  out.Short(static_cast<int>(done.size()));
-  for (const bool element : done) {
-    out.Byte(element);
-  }
-  out.Stamp(stamp);
-}
+// Fields of one section, with or without stamps.
+class FieldList {
+ public:
+  explicit FieldList(const std::string& section) : section(section) {}
+  FieldList(const std::string& prefix, const Stamps& fieldStamps)
+      : prefix(prefix), stamps(&fieldStamps) {}
 
-void WriteCounts(ByteWriter& out, const std::vector<int32_t>& counts) {
-  out.Short(static_cast<int>(counts.size()));
-  for (const int32_t count : counts) {
-    out.Long(static_cast<uint32_t>(count));
+  FieldList& Add(const std::string& key, char type, int64_t value) {
+    return Add(key, type, false, {value});
   }
+  template <class Elements>
+  FieldList& AddArray(const std::string& key, char type, const Elements& elements) {
+    return Add(key, type, true, {elements.begin(), elements.end()});
+  }
+  FieldList& AddText(const std::string& key, const std::string& text) {
+    Add(key, 't', false, {});
+    fields.back().text = text;
+    return *this;
+  }
+  FieldList& Append(const RecordFields& more) {
+    fields.insert(fields.end(), more.begin(), more.end());
+    return *this;
+  }
+  FieldList& AddOptions(const char* list, const std::map<std::string, int>& values) {
+    ForEachOption(list,
+                  [&](const std::string& key, char type, int) { Add(key, type, values.at(key)); });
+    return *this;
+  }
+  operator RecordFields() const { return fields; }
+
+ private:
+  FieldList& Add(const std::string& key, char type, bool isArray, std::vector<int64_t> values) {
+    const bool isStamped = stamps != nullptr;
+    fields.push_back({section, prefix + key, type, isArray, isStamped, std::move(values),
+                      isStamped ? stamps->Of(key) : 0});
+    return *this;
+  }
+
+  std::string section, prefix;
+  const Stamps* stamps = nullptr;
+  RecordFields fields;
+};
+
+void WriteValue(ByteWriter& out, char type, int64_t value) {
+  type == 'b'                  ? out.Byte(static_cast<int>(value))
+  : type == 's' || type == 'u' ? out.Short(static_cast<int>(value))
+                               : out.Long(static_cast<uint32_t>(value));
 }
 
 }  // namespace
@@ -160,8 +144,59 @@ std::string IndexBytes(const std::vector<IndexLine>& logins, const std::vector<F
   return out.Bytes();
 }
 
+IndexImage ReadIndexBytes(const std::string& bytes) {
+  IndexImage image;
+  const auto count = [&] {
+    uint32_t value = 0;
+    image.isTorn = image.isTorn || bytes.size() - image.length < 4;
+    for (int i = 0; i < 4 && !image.isTorn; ++i) {
+      value = value << 8 | static_cast<unsigned char>(bytes[image.length++]);
+    }
+    image.isTorn = image.isTorn || value > INT32_MAX;
+    return value;
+  };
+  const auto text = [&] {
+    const size_t start = image.length, end = bytes.find('\0', start);
+    image.isTorn = image.isTorn || end == std::string::npos;
+    image.length = image.isTorn ? start : end + 1;
+    return bytes.substr(start, image.isTorn ? 0 : end - start);
+  };
+  for (uint32_t logins = count(); logins > 0 && !image.isTorn; --logins) {
+    image.logins.push_back({text(), text(), text()});
+  }
+  for (uint32_t files = count(); files > 0 && !image.isTorn; --files) {
+    image.files.push_back({text(), text(), text()});
+  }
+  return image;
+}
+
 std::string LongNameBytes(const std::string& first, const std::string& last) {
   return ByteWriter().Text(first).Text(last).Bytes();
+}
+
+std::string FieldBytes::Bytes() const {
+  ByteWriter out;
+  if (isArray) {
+    out.Short(static_cast<int>(values.size()));
+  }
+  for (const int64_t value : values) {
+    WriteValue(out, type, value);
+  }
+  if (type == 't') {
+    out.Text(text);
+  }
+  if (isStamped) {
+    out.Stamp(stamp);
+  }
+  return out.Bytes();
+}
+
+std::string BytesOf(const RecordFields& fields) {
+  std::string bytes;
+  for (const FieldBytes& field : fields) {
+    bytes += field.Bytes();
+  }
+  return bytes;
 }
 
 uint32_t Stamps::Of(const std::string& key) const {
@@ -169,43 +204,37 @@ uint32_t Stamps::Of(const std::string& key) const {
   return found != byKey.end() ? found->second : all;
 }
 
-std::string GameOptionsBytes::Bytes() const {
-  ByteWriter out;
-  out.Short(CurrentMissionNumber).Stamp(stamps.Of("CurrentMissionNumber"));
-  out.Short(Accuracy).Stamp(stamps.Of("Accuracy"));
-  out.Short(Speed).Stamp(stamps.Of("Speed"));
-  WriteDone(out, LessonDone, stamps.Of("LessonDone"));
-  WriteDone(out, NotebookDone, stamps.Of("NotebookDone"));
-  WriteDone(out, TypelineDone, stamps.Of("TypelineDone"));
-  WriteDone(out, WindshieldTypersDone, stamps.Of("WindshieldTypersDone"));
-  WriteDone(out, WarpSpeedDone, stamps.Of("WarpSpeedDone"));
-  WriteDone(out, DictationStationDone, stamps.Of("DictationStationDone"));
-  WriteDone(out, KeyFiguresDone, stamps.Of("KeyFiguresDone"));
-  out.Byte(AllMissionsCompleted);
-  return out.Bytes();
+RecordFields GameOptionsBytes::Fields(const std::string& prefix) const {
+  FieldList fields(prefix, stamps);
+  fields.Add("CurrentMissionNumber", 's', CurrentMissionNumber);
+  fields.Add("Accuracy", 's', Accuracy).Add("Speed", 's', Speed);
+  fields.AddArray("LessonDone", 'b', LessonDone).AddArray("NotebookDone", 'b', NotebookDone);
+  fields.AddArray("TypelineDone", 'b', TypelineDone);
+  fields.AddArray("WindshieldTypersDone", 'b', WindshieldTypersDone);
+  fields.AddArray("WarpSpeedDone", 'b', WarpSpeedDone);
+  fields.AddArray("DictationStationDone", 'b', DictationStationDone);
+  fields.AddArray("KeyFiguresDone", 'b', KeyFiguresDone);
+  return fields.Append(
+      {{"", prefix + "AllMissionsCompleted", 'b', false, false, {AllMissionsCompleted}}});
 }
 
-std::string MissionBytes::Bytes(const Stamps& stamps) const {
-  ByteWriter out;
-  out.Short(Notebook).Stamp(stamps.Of("Notebook"));
-  out.Short(Typeline).Stamp(stamps.Of("Typeline"));
-  out.Short(WindshieldTypers).Stamp(stamps.Of("WindshieldTypers"));
-  out.Short(WarpSpeed).Stamp(stamps.Of("WarpSpeed"));
-  out.Short(DictationStation).Stamp(stamps.Of("DictationStation"));
-  out.Short(KeyFigures).Stamp(stamps.Of("KeyFigures"));
-  return out.Bytes();
+RecordFields MissionBytes::Fields(const Stamps& stamps, const std::string& prefix) const {
+  return FieldList(prefix, stamps)
+      .Add("Notebook", 's', Notebook)
+      .Add("Typeline", 's', Typeline)
+      .Add("WindshieldTypers", 's', WindshieldTypers)
+      .Add("WarpSpeed", 's', WarpSpeed)
+      .Add("DictationStation", 's', DictationStation)
+      .Add("KeyFigures", 's', KeyFigures);
 }
 
 OptionsBytes::OptionsBytes() : missions(25) {
-  AddDefaults(values, kGeneralOptions);
-  AddDefaults(values, kPasswordOption);
-  AddDefaults(values, kTutorOptions);
-  AddDefaults(values, kPlayOption);
+  for (const char* const list : {kGeneralOptions, kBehindGameOptions, kBehindMissions}) {
+    ForEachOption(list, [&](const std::string& key, char, int value) { values[key] = value; });
+  }
   for (size_t i = 0; i < missions.size(); ++i) {
-    if (i < 3) {
-      missions[i].Typeline = 0;
-    }
-    missions[i].*kStandardCourse[i] = 1;
+    missions[i].Typeline = i < 3 ? 0 : 2;
+    missions[i].*ActivityOf(kStandardCourse[i]) = 1;
   }
 }
 
@@ -234,49 +263,61 @@ OptionsBytes& OptionsBytes::SetLessonDone(int mission, bool done) {
   return *this;
 }
 
-std::string OptionsBytes::Bytes() const {
-  ByteWriter out;
-  out.Raw("BIN\x01").Long(version);
-  WriteOptions(out, kGeneralOptions, *this);
-  out.Short(hasGameOptions);
-  if (hasGameOptions) {
-    out.Raw(game.Bytes());
-  }
-  WriteOptions(out, kPasswordOption, *this);
-  WriteOptions(out, kTutorOptions, *this);
-  out.Short(static_cast<int>(missions.size()));
+RecordFields OptionsBytes::Fields() const {
+  FieldList fields("", stamps);
+  fields.AddOptions(kGeneralOptions, values);
+  fields.Append({{"", "TOGameDob_Exists", 'u', false, false, {hasGameOptions}}});
+  fields.Append(hasGameOptions ? game.Fields("TOGameDob_") : RecordFields());
+  fields.AddOptions(kBehindGameOptions, values);
+  RecordFields course = FieldList("_Missions").Add("Count", 'u', std::ssize(missions));
   for (const MissionBytes& mission : missions) {
-    out.Raw(mission.Bytes(stamps));
+    const std::string number = std::to_string(&mission - missions.data());
+    for (FieldBytes& field : mission.Fields(stamps, number + "_")) {
+      field.section = "_Missions";
+      course.push_back(field);
+    }
   }
-  WriteOptions(out, kPlayOption, *this);
-  return out.Bytes();
+  return fields.Append(course).AddOptions(kBehindMissions, values);
 }
 
-std::string GameBytes::LessonBytes() const {
-  ByteWriter out;
-  out.Short(lesnExStage).Short(currentExString).Byte(mainString);
-  out.Long(bestTotalTime).Short(bestTotalKeystrokes).Short(bestCorrectKeystrokes);
-  out.Long(aveTotalTime).Short(aveTotalKeystrokes).Short(aveCorrectKeystrokes);
-  out.Short(accRetypes).Short(wpmRetypes).Short(generalRetypes).Short(numLinesPassed);
-  WriteCounts(out, keyErrorsDuringExercises);
-  out.Short(currentLessonNumber).Byte(learnedNewKeys);
-  return out.Bytes();
+std::string OptionsBytes::Bytes() const {
+  return ByteWriter().Raw("BIN\x01").Long(version).Raw(BytesOf(Fields())).Bytes();
+}
+
+RecordFields GameBytes::ErrorFields(const std::string& section) const {
+  return FieldList(section)
+      .AddArray("KeyTypedWrong", 'l', keyTypedWrong)
+      .AddArray("KeyTypedTotal", 'l', keyTypedTotal);
+}
+
+RecordFields GameBytes::LessonFields(const std::string& section) const {
+  FieldList fields(section);
+  fields.Add("LesnExStage", 's', lesnExStage).Add("CurrentExString", 's', currentExString);
+  fields.Add("MainString", 'b', mainString).Add("BestTotalTime", 'L', bestTotalTime);
+  fields.Add("BestTotalKeystrokes", 's', bestTotalKeystrokes);
+  fields.Add("BestCorrectKeystrokes", 's', bestCorrectKeystrokes);
+  fields.Add("AveTotalTime", 'L', aveTotalTime);
+  fields.Add("AveTotalKeystrokes", 's', aveTotalKeystrokes);
+  fields.Add("AveCorrectKeystrokes", 's', aveCorrectKeystrokes);
+  fields.Add("Acc_Retypes", 's', accRetypes).Add("WPM_Retypes", 's', wpmRetypes);
+  fields.Add("General_Retypes", 's', generalRetypes).Add("NumLinesPassed", 's', numLinesPassed);
+  fields.AddArray("KeyErrorsDuringExercises", 'l', keyErrorsDuringExercises);
+  fields.Add("CurrentLessonNumber", 's', currentLessonNumber);
+  return fields.Add("LearnedNewKeys", 'b', learnedNewKeys);
+}
+
+RecordFields GameBytes::Fields() const {
+  FieldList fields("");
+  fields.AddText("FirstName", firstName).AddText("LastName", lastName);
+  fields.AddText("LongFileName", longFileName).Add("PublicFile", 'b', publicFile);
+  fields.Append(options.Fields()).Append(ErrorFields("_ErrorDob"));
+  fields.AddArray("StudGraphData", 's', graphData).Append(LessonFields("_LessonDob"));
+  fields.Add("HandSkinTone", 's', handSkinTone);
+  return fields.Add("DisplayFinalPayoff", 'b', displayFinalPayoff);
 }
 
 std::string GameBytes::Bytes() const {
-  ByteWriter out;
-  out.Raw("Game").Long(version);
-  out.Text(firstName).Text(lastName).Text(longFileName).Byte(publicFile);
-  out.Raw(options.Bytes());
-  WriteCounts(out, keyTypedWrong);
-  WriteCounts(out, keyTypedTotal);
-  out.Short(static_cast<int>(graphData.size()));
-  for (const int value : graphData) {
-    out.Short(value);
-  }
-  out.Raw(LessonBytes());
-  out.Short(handSkinTone).Byte(displayFinalPayoff);
-  return out.Bytes();
+  return ByteWriter().Raw("Game").Long(version).Raw(BytesOf(Fields())).Bytes();
 }
 
 }  // namespace kivtest

@@ -27,15 +27,42 @@ class ByteWriter {
 
 struct IndexLine {
   std::string folder, first, last;
+  bool operator==(const IndexLine&) const = default;
 };
 struct FileLine {
   std::string fileName, longName, extension;
+  bool operator==(const FileLine&) const = default;
 };
 std::string IndexBytes(const std::vector<IndexLine>& logins,
                        const std::vector<FileLine>& files = {});
+// The other way, as far as the bytes go.
+struct IndexImage {
+  std::vector<IndexLine> logins;
+  std::vector<FileLine> files;
+  bool isTorn = false;
+  size_t length = 0;  // of what was read
+};
+IndexImage ReadIndexBytes(const std::string& bytes);
 std::string LongNameBytes(const std::string& first, const std::string& last = "");
 
 inline constexpr uint32_t kDataVersion = 0x00010000;
+
+// A field of a record as its two stored forms have it. A test may change, merge and compare tables
+// of these on its own, and hold a record against them.
+struct FieldBytes {
+  std::string section;  // below the record's own: "" or "_Missions"
+  std::string key;      // with the levels above it: "TOGameDob_Accuracy", "26_Typeline"
+  char type;            // b one byte, a bool; s, u two bytes, u without sign; l, L four; t a text
+  bool isArray = false;
+  bool isStamped = false;
+  std::vector<int64_t> values = {};  // one, or an array's elements
+  uint32_t stamp = 0;
+  std::string text = {};
+
+  std::string Bytes() const;
+};
+using RecordFields = std::vector<FieldBytes>;
+std::string BytesOf(const RecordFields& fields);
 
 // Stamps of a record's fields: one for all, and others by key.
 struct Stamps {
@@ -61,7 +88,7 @@ struct GameOptionsBytes {
   bool AllMissionsCompleted = false;
   Stamps stamps;
 
-  std::string Bytes() const;
+  RecordFields Fields(const std::string& prefix = "") const;
 };
 
 // The activities of one mission: 60 bytes.
@@ -73,7 +100,7 @@ struct MissionBytes {
   int DictationStation = 2;
   int KeyFigures = 2;
 
-  std::string Bytes(const Stamps& stamps) const;
+  RecordFields Fields(const Stamps& stamps, const std::string& prefix = "") const;
 };
 
 // An options.kiv with the tutor's defaults and the standard course.
@@ -94,6 +121,7 @@ struct OptionsBytes {
   std::vector<MissionBytes> missions;
   Stamps stamps;
 
+  RecordFields Fields() const;
   std::string Bytes() const;
 };
 
@@ -125,8 +153,10 @@ struct GameBytes {
   int handSkinTone = -1;
   bool displayFinalPayoff = true;
 
+  RecordFields ErrorFields(const std::string& section = "") const;
+  RecordFields LessonFields(const std::string& section = "") const;
+  RecordFields Fields() const;
   std::string Bytes() const;
-  std::string LessonBytes() const;
 };
 
 }  // namespace kivtest

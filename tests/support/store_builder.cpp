@@ -167,15 +167,6 @@ std::string StoreBuilder::ReadFile(const std::string& file) const {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-std::map<std::string, std::string> StoreBuilder::Snapshot() const {
-  std::map<std::string, std::string> files;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
-    const std::string relative = fs::relative(entry.path(), root).generic_string();
-    files[relative] = entry.is_directory() ? "folder" : ReadFile(relative);
-  }
-  return files;
-}
-
 std::string StoreBuilder::AddEntry(const std::string& list, const std::string& first,
                                    const std::string& last, const std::string& folder) {
   std::vector<IndexLine>& lines = lists.at(list).logins;

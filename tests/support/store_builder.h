@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "tests/support/record_bytes.h"
+#include "tests/support/temp_folder.h"
 
 namespace kivtest {
 
@@ -65,7 +66,7 @@ class StoreBuilder {
   std::string Path(const std::string& relative) const { return root + "/" + relative; }
 
   // Every file of the store with its bytes: to see what a call has changed.
-  std::map<std::string, std::string> Snapshot() const;
+  std::map<std::string, std::string> Snapshot() const { return SnapshotOf(root); }
 
  private:
   struct List {

@@ -25,41 +25,12 @@ bool ReadFileBytes(const fs::path& path, std::string& bytes) {
   return in.is_open();
 }
 
-// Takes from the front; what is not there any more makes it torn.
-class Reader {
- public:
-  explicit Reader(std::string bytes) : bytes(std::move(bytes)) {}
-
-  uint32_t Long() {
-    uint32_t value = 0;
-    for (int i = 0; i < 4; ++i) {
-      value = value << 8 | (at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0);
-      torn = torn || at >= bytes.size();
-      ++at;
-    }
-    return value;
-  }
-  std::string Text() {
-    const size_t end = bytes.find('\0', std::min(at, bytes.size()));
-    torn = torn || end == std::string::npos;
-    const std::string text = torn ? std::string() : bytes.substr(at, end - at);
-    at = end + 1;
-    return text;
-  }
-  bool IsTorn() const { return torn; }
-
- private:
-  std::string bytes;
-  size_t at = 0;
-  bool torn = false;
-};
-
 std::string OwnName(const fs::path& folder) {
   std::string bytes;
   if (!ReadFileBytes(folder / "longname.kiv", bytes)) {
     return "";
   }
-  return Reader(bytes).Text();
+  return bytes.substr(0, bytes.find('\0'));
 }
 
 std::vector<std::string> VisibleFolders(const fs::path& list) {
@@ -107,16 +78,11 @@ class StoreReader {
     std::vector<ListedEntry> entries;
     std::string bytes;
     ReadFileBytes(fs::path(root) / list / "index.kiv", bytes);
-    if (bytes.empty()) {
-      return entries;
+    const IndexImage index = ReadIndexBytes(bytes);
+    for (const IndexLine& line : index.logins) {
+      entries.push_back({list, line.folder, line.first, line.last});
     }
-    Reader reader(bytes);
-    for (uint32_t count = reader.Long(); count > 0 && !reader.IsTorn(); --count) {
-      ListedEntry entry{list, reader.Text(), reader.Text(), reader.Text()};
-      entries.push_back(entry);
-    }
-    reader.Long();
-    if (reader.IsTorn()) {
+    if (index.isTorn && !bytes.empty()) {
       image.faults.push_back("torn index: " + list);
     }
     return entries;

@@ -52,7 +52,26 @@ void RemoveTree(const fs::path& path) {
   fs::remove_all(path, ignored);
 }
 
+constexpr const char* kFolder = "folder";  // what a snapshot has in place of bytes
+
+std::string BytesOf(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    throw std::runtime_error("cannot read " + path.string());
+  }
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
 }  // namespace
+
+Snapshot SnapshotOf(const std::string& root) {
+  Snapshot files;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
+    files[fs::relative(entry.path(), root).generic_string()] =
+        entry.is_directory() ? kFolder : BytesOf(entry.path());
+  }
+  return files;
+}
 
 TempFolder::TempFolder() : root(MakeUniqueFolder().string()) {}
 
@@ -72,11 +91,7 @@ void TempFolder::WriteFile(const std::string& relative, const std::string& bytes
 }
 
 std::string TempFolder::ReadFile(const std::string& relative) const {
-  std::ifstream file(Path(relative), std::ios::binary);
-  if (!file) {
-    throw std::runtime_error("cannot read " + Path(relative));
-  }
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  return BytesOf(Path(relative));
 }
 
 void TempFolder::MakeFolder(const std::string& relative) const {
@@ -85,6 +100,21 @@ void TempFolder::MakeFolder(const std::string& relative) const {
 
 void TempFolder::Remove(const std::string& relative) const {
   RemoveTree(Path(relative));
+}
+
+void TempFolder::Restore(const Snapshot& snapshot) const {
+  const Snapshot now = SnapshotOf(root);
+  for (const auto& [path, bytes] : now) {
+    if (snapshot.count(path) == 0) {
+      Remove(path);
+    }
+  }
+  for (const auto& [path, bytes] : snapshot) {
+    const auto found = now.find(path);
+    if (found == now.end() || found->second != bytes) {
+      bytes == kFolder ? MakeFolder(path) : WriteFile(path, bytes);
+    }
+  }
 }
 
 bool TempFolder::Exists(const std::string& relative) const {

@@ -3,10 +3,15 @@
 // slashes; what cannot be done throws, which fails the test.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
 namespace kivtest {
+
+// Every file below a folder with its bytes, and every folder: to see what a call has changed.
+using Snapshot = std::map<std::string, std::string>;
+Snapshot SnapshotOf(const std::string& root);
 
 class TempFolder {
  public:
@@ -23,6 +28,8 @@ class TempFolder {
   std::string ReadFile(const std::string& relative) const;
   void MakeFolder(const std::string& relative) const;
   void Remove(const std::string& relative) const;  // with everything in it
+  // Puts everything back to how it was, touching nothing else.
+  void Restore(const Snapshot& snapshot) const;
   bool Exists(const std::string& relative) const;
   // The names in a folder, sorted.
   std::vector<std::string> List(const std::string& relative = "") const;

@@ -3,13 +3,14 @@
 #include <map>
 #include <set>
 
+#include "archive/file_version.h"
 #include "foundation/files/file_finder.h"
-#include "foundation/site_mode.h"
 #include "game/game_dob.h"
 #include "records/tutor_options_dob.h"
 #include "store/list/index_file.h"
-#include "store/list/name_derivation.h"
-#include "store/place/layout.h"
+#include "store/list/long_name.h"
+#include "store/place/display_name.h"
+#include "store/place/store_names.h"
 
 namespace kivadmin {
 
@@ -84,7 +85,7 @@ void StoreCheck::CheckClass(const SFileSpec& folder) {
   CheckLock(folder, "index.lok");
   CheckLock(folder, "options.lok");
   CheckOptions(folder);
-  CheckList(Below(folder, SString::FromResource(kTextStudents)), &StoreCheck::CheckStudent);
+  CheckList(Below(folder, CachedText<kTextStudents>()), &StoreCheck::CheckStudent);
   classDone();
 }
 
@@ -111,20 +112,20 @@ void StoreCheck::CheckList(const SFileSpec& folder, CheckEntry checkEntry) {
 
 // Without its lock file a list is looked at as it is.
 bool StoreCheck::ReadLogins(const SFileSpec& folder, SIndexObj& index) {
-  SLockFile lock;
+  SLockFile lock(session.Site());
   try {
-    session.TakeIndexLock(lock, folder, LockKind::kClasses);
-  } catch (const AdminError& error) {
-    Report("busy", folder, "not looked at: " + error.message);
+    session.TakeIndexLock(lock, folder, ListKind::kClasses);
+  } catch (const HostError& error) {
+    Report("busy", folder, std::string("not looked at: ") + error.what());
     return false;
   }
-  SFileSpec file = Below(folder, SString::FromResource(kTextIndexFile));
+  SFileSpec file = Below(folder, CachedText<kTextIndexFile>());
   if (!file.Exists()) {
     Report("index", folder, "index.kiv is missing");
     return true;
   }
   const SFileSpec shown(file);
-  if (!ReadIndex(file, &index) || index.incomplete) {
+  if (!ReadIndex(file, index) || index.incomplete) {
     Report("index", shown, "cannot be read to its end");
   }
   return true;
@@ -142,8 +143,7 @@ void StoreCheck::CompareWithFolders(const SFileSpec& folder, const SIndexObj& in
     return;
   }
   std::set<std::string> listed;
-  for (int32_t i = 0; i < index.logins->GetSize(); ++i) {
-    const SLoginNameObj& entry = *index.LoginAt(i);
+  for (const SLoginNameObj& entry : *index.logins) {
     const std::string name = Folded(entry.folderName);
     const std::string who = session.Show(entry) + " (" + session.Show(entry.folderName) + ")";
     if (!onDisk.contains(name)) {
@@ -163,7 +163,7 @@ void StoreCheck::CompareWithFolders(const SFileSpec& folder, const SIndexObj& in
 bool StoreCheck::CheckUnlisted(const SFileSpec& folder) {
   SLoginNameObj owner;
   SFileSpec file(folder);
-  const bool isNamed = file.Down(SString::FromResource(kTextLongNameFile)) && file.Exists() &&
+  const bool isNamed = file.Down(CachedText<kTextLongNameFile>()) && file.Exists() &&
                        ReadLongName(file, owner.firstName, owner.lastName) &&
                        !owner.firstName.IsEmpty();
   if (isNamed) {
@@ -177,8 +177,7 @@ bool StoreCheck::CheckUnlisted(const SFileSpec& folder) {
 
 void StoreCheck::CheckNames(const SFileSpec& folder, const SIndexObj& index) {
   std::map<std::string, int> names;
-  for (int32_t i = 0; i < index.logins->GetSize(); ++i) {
-    const SLoginNameObj& entry = *index.LoginAt(i);
+  for (const SLoginNameObj& entry : *index.logins) {
     if (++names[Folded(DisplayName(entry))] == 2) {
       Report("name", folder, "more than one entry is called " + session.Show(entry));
     }
@@ -192,7 +191,7 @@ void StoreCheck::CheckLock(const SFileSpec& folder, const char* name) {
 }
 
 void StoreCheck::CheckOptions(const SFileSpec& folder) {
-  const SFileSpec file = Below(folder, SString::FromResource(kTextOptionsFile));
+  const SFileSpec file = Below(folder, CachedText<kTextOptionsFile>());
   if (!file.IsExistingFile()) {
     return;
   }

@@ -1,6 +1,4 @@
-#include <map>
-
-#include "hosts/kivadmin/commands/commands.h"
+#include "hosts/kivadmin/commands/command_line.h"
 
 namespace kivadmin {
 
@@ -14,14 +12,16 @@ void AddStoreArguments(CLI::App& command, CommonOptions& common) {
                       CLI::ignore_case)
                       .description(""))
       ->type_name("local|shared|teachers");
-  command.add_option("--charset", common.charset, "The character set of the store's texts")
-      ->type_name("NAME")
-      ->capture_default_str();
+  AddCharset(command, common, "The character set of the store's texts");
 }
 
 void AddChangeArguments(CLI::App& command, CommonOptions& common) {
   AddStoreArguments(command, common);
   command.add_flag("--dry-run", common.dryRun, "Say what would be done, and change nothing");
+}
+
+void AddCharset(CLI::App& command, CommonOptions& common, const char* ofWhat) {
+  command.add_option("--charset", common.charset, ofWhat)->type_name("NAME")->capture_default_str();
 }
 
 void AddTeacherOption(CLI::App& command, EntryNames& names) {
@@ -39,6 +39,15 @@ CLI::Option* AddClassOption(CLI::App& command, EntryNames& names) {
 CLI::Option* AddStudentOption(CLI::App& command, EntryNames& names) {
   return command.add_option("--student", names.student, "The student: a name, or #N for its place")
       ->type_name("NAME|#N");
+}
+
+void AddFormat(CLI::App& command, bool& isJson, const char* other) {
+  command.add_option("--format", isJson, "The form of the report")
+      ->transform(CLI::CheckedTransformer(
+                      std::map<std::string, bool>{{other, false}, {"json", true}}, CLI::ignore_case)
+                      .description(""))
+      ->type_name(std::string(other) + "|json")
+      ->default_str(other);
 }
 
 }  // namespace kivadmin

@@ -1,9 +1,8 @@
 // The commands of kivadmin: each function adds its own to the command line. A command runs while
-// the line is parsed, and throws AdminError where it fails.
+// the line is parsed, and throws HostError where it fails.
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <string>
 
 #include "hosts/kivadmin/session/session.h"
 
@@ -20,22 +19,6 @@ void AddCheckCommand(CLI::App& app, CommonOptions& common);
 void AddOptionsCommands(CLI::App& app, CommonOptions& common);
 void AddProgressCommand(CLI::App& app, CommonOptions& common);
 void AddDumpCommand(CLI::App& app, CommonOptions& common);
-void AddAboutCommand(CLI::App& app);
-
-// ROOT, --kind and --charset: what every command on a store takes.
-void AddStoreArguments(CLI::App& command, CommonOptions& common);
-// And --dry-run.
-void AddChangeArguments(CLI::App& command, CommonOptions& common);
-
-// Where an entry is, as options tell it.
-struct EntryNames {
-  std::string teacher;
-  std::string group;  // the class
-  std::string student;
-};
-
-void AddTeacherOption(CLI::App& command, EntryNames& names);
-CLI::Option* AddClassOption(CLI::App& command, EntryNames& names);
-CLI::Option* AddStudentOption(CLI::App& command, EntryNames& names);
+void AddAboutCommand(CLI::App& app, CommonOptions& common);
 
 }  // namespace kivadmin

@@ -1,9 +1,10 @@
+// `delete`: a teacher, a class or a student, with all that belongs to it.
 #include <iostream>
-#include <string>
 
 #include "hosts/common/console.h"
+#include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
-#include "hosts/kivadmin/rosters/roster_work.h"
+#include "hosts/kivadmin/rosters/roster_changes.h"
 #include "store/change/deleting.h"
 
 namespace kivadmin {
@@ -17,76 +18,64 @@ struct DeleteArguments {
   bool yes = false;
 };
 
-void Confirm(const Session& session, const DeleteArguments& arguments, const std::string& what) {
+void Confirm(const Session& session, const DeleteArguments& arguments, const SLoginNameObj& entry,
+             const char* level) {
   if (arguments.yes || session.IsDryRun()) {
     return;
   }
+  const std::string what = std::string(level) + ' ' + session.Show(entry);
   if (!kivhost::InputIsTerminal()) {
-    throw AdminError{kWrongUsage, "delete " + what + ": not without --yes"};
+    throw HostError(kWrongUsage, "delete " + what + ": not without --yes");
   }
   std::cerr << "Delete " << what << " and all that belongs to it? [y/N] " << std::flush;
   std::string answer;
   std::getline(std::cin, answer);
   if (answer != "y" && answer != "Y" && answer != "yes") {
-    throw AdminError{kRefused, "nothing deleted"};
+    throw HostError(kRefused, "nothing deleted");
   }
-}
-
-// `remove` answers what the store does. The entry is one of the roster, which may lose it.
-template <class Remove>
-void DeleteEntry(const Session& session, const DeleteArguments& arguments, const Roster& roster,
-                 const SLoginNameObj& entry, const std::string& level, Remove remove) {
-  const std::string what = level + ' ' + session.Show(entry);
-  Confirm(session, arguments, what);
-  const kivstore::SFileSpec folder = FolderOf(roster, entry);
-  if (!session.IsDryRun() && !remove()) {
-    throw session.WhyRefused("unable to delete " + what, roster.folder, &folder);
-  }
-  session.Say("deleted " + what);
 }
 
 void DeleteTeacher(const CommonOptions& common, const DeleteArguments& arguments) {
-  Session session(common, Session::Access::kChange);
+  const Session session(common, Session::Access::kChange);
   RequireTeachers(session);
-  const auto teachers = session.Teachers();
-  const SLoginNameObj* const teacher = session.Find(*teachers, arguments.name, "teacher");
-  DeleteEntry(session, arguments, *teachers, *teacher, "teacher",
-              [&] { return kivstore::DeleteTeacher(teacher, &teachers->list.Array()); });
+  Roster teachers = Teachers(session);
+  const SLoginNameObj& teacher = Find(session, teachers, arguments.name, "teacher");
+  Confirm(session, arguments, teacher, "teacher");
+  DeleteEntry(session, teacher, "teacher",
+              [&] { return kivstore::DeleteTeacher(session.Site(), teacher, teachers.list); });
 }
 
 void DeleteClass(const CommonOptions& common, const DeleteArguments& arguments) {
-  Session session(common, Session::Access::kChange);
-  session.ChooseTeacher(arguments.where.teacher);
-  const auto classes = session.Classes();
-  const SLoginNameObj* const group = session.Find(*classes, arguments.name, "class");
+  const Session session(common, Session::Access::kChange);
+  ChooseTeacher(session, arguments.where.teacher);
+  Roster classes = Classes(session);
+  const SLoginNameObj& group = Find(session, classes, arguments.name, "class");
+  Confirm(session, arguments, group, "class");
   bool stop = false;
-  DeleteEntry(session, arguments, *classes, *group, "class",
-              [&] { return kivstore::DeleteClass(group, &classes->list.Array(), true, stop); });
-}
-
-void DeleteStudent(const CommonOptions& common, const DeleteArguments& arguments) {
-  Session session(common, Session::Access::kChange);
-  session.ChooseTeacher(arguments.where.teacher);
-  const SLoginNameObj group = session.FindClass(arguments.where.group);
-  const auto students = session.Students(group);
-  const SLoginNameObj* const student = session.Find(*students, arguments.name, "student");
-  bool stop = false;
-  DeleteEntry(session, arguments, *students, *student, "student", [&] {
-    return kivstore::DeleteStudent(&group, student, &students->list.Array(), true, stop);
+  DeleteEntry(session, group, "class", [&] {
+    return kivstore::DeleteClass(session.Site(), group, classes.list, true, stop);
   });
 }
 
-using Action = void (*)(const CommonOptions&, const DeleteArguments&);
+void DeleteStudent(const CommonOptions& common, const DeleteArguments& arguments) {
+  const Session session(common, Session::Access::kChange);
+  ChooseTeacher(session, arguments.where.teacher);
+  const SLoginNameObj group = FindClass(session, arguments.where.group);
+  Roster students = Students(session, group);
+  const SLoginNameObj& student = Find(session, students, arguments.name, "student");
+  Confirm(session, arguments, student, "student");
+  bool stop = false;
+  DeleteEntry(session, student, "student", [&] {
+    return kivstore::DeleteStudent(session.Site(), group, student, students.list, true, stop);
+  });
+}
 
-CLI::App* AddOne(CLI::App& parent, CommonOptions& common, const char* level, Action action,
-                 const std::shared_ptr<DeleteArguments>& arguments) {
-  CLI::App* const command = parent.add_subcommand(
-      level, std::string("Delete a ") + level + " with all that belongs to it");
-  AddChangeArguments(*command, common);
-  command->add_option("NAME", arguments->name, "The name, or #N for its place")->required();
-  command->add_flag("--yes", arguments->yes, "Do not ask");
-  command->callback([&common, arguments, action] { action(common, *arguments); });
-  return command;
+DeleteArguments& AddOne(CLI::App& command, CommonOptions& common, Run<DeleteArguments> run) {
+  DeleteArguments& arguments = AddRun(command, common, run);
+  AddChangeArguments(command, common);
+  command.add_option("NAME", arguments.name, "The name, or #N for its place")->required();
+  command.add_flag("--yes", arguments.yes, "Do not ask");
+  return arguments;
 }
 
 }  // namespace
@@ -96,14 +85,19 @@ void AddDeleteCommands(CLI::App& app, CommonOptions& common) {
       "delete",
       "Delete a teacher, a class or a student; asks first, without a terminal needs --yes");
   remove->require_subcommand(1);
-  const auto arguments = std::make_shared<DeleteArguments>();
 
-  AddOne(*remove, common, "teacher", DeleteTeacher, arguments);
-  CLI::App* const group = AddOne(*remove, common, "class", DeleteClass, arguments);
-  AddTeacherOption(*group, arguments->where);
-  CLI::App* const student = AddOne(*remove, common, "student", DeleteStudent, arguments);
-  AddClassOption(*student, arguments->where)->required();
-  AddTeacherOption(*student, arguments->where);
+  CLI::App* const teacher = remove->add_subcommand("teacher", "Delete a teacher with all classes");
+  AddOne(*teacher, common, DeleteTeacher);
+
+  CLI::App* const group = remove->add_subcommand("class", "Delete a class with all students");
+  DeleteArguments& ofClass = AddOne(*group, common, DeleteClass);
+  AddTeacherOption(*group, ofClass.where);
+
+  CLI::App* const student =
+      remove->add_subcommand("student", "Delete a student with options and games");
+  DeleteArguments& ofStudent = AddOne(*student, common, DeleteStudent);
+  AddClassOption(*student, ofStudent.where)->required();
+  AddTeacherOption(*student, ofStudent.where);
 }
 
 }  // namespace kivadmin

@@ -1,15 +1,19 @@
+// `init`: lays out a store, or completes one that is there.
 #include <filesystem>
 
+#include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
 #include "hosts/kivadmin/rosters/layout_maker.h"
 
 namespace kivadmin {
 namespace {
 
-void Init(const CommonOptions& common) {
+struct NoArguments {};
+
+void Init(const CommonOptions& common, const NoArguments&) {
   std::error_code error;
-  if (!common.dryRun) {
-    std::filesystem::create_directories(common.root, error);
+  if (!common.dryRun && !std::filesystem::create_directories(common.root, error) && error) {
+    throw HostError(kNoStore, common.root + ": " + error.message());
   }
   const Session session(common, Session::Access::kLayOut);
   const bool wasThere = session.TopFolder().IsExistingFolder();
@@ -28,8 +32,8 @@ void AddInitCommand(CLI::App& app, CommonOptions& common) {
       "Lay out a store: classes folder, indexes, options, and the lock files of a networked "
       "store.\n"
       "A store that is there is completed. Without --kind a new store is one with teachers.");
+  AddRun(*init, common, Init);
   AddChangeArguments(*init, common);
-  init->callback([&common] { Init(common); });
 }
 
 }  // namespace kivadmin

@@ -4,18 +4,20 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
-#include <map>
-#include <memory>
 
-#include "foundation/site_mode.h"
+#include "hosts/kivadmin/commands/commands.h"
+#include "hosts/kivadmin/rosters/rosters.h"
 
 namespace kivadmin {
 namespace {
 
-struct OptionsLine {
-  CommonOptions* common;
+struct ShowArguments {
   EntryNames names;
   bool json = false;
+};
+
+struct SetArguments {
+  EntryNames names;
   std::vector<std::string> assignments;
 };
 
@@ -53,80 +55,71 @@ void PrintTable(const std::vector<DecidedOption>& decided) {
   }
 }
 
-void Show(const OptionsLine& line) {
-  Session session(*line.common, Session::Access::kLook);
-  const ChosenPlace chosen(session, line.names);
-  const std::vector<DecidedOption> decided = LayerOptions(chosen.Get());
-  line.json ? PrintJson(decided) : PrintTable(decided);
+void Show(const CommonOptions& common, const ShowArguments& arguments) {
+  const Session session(common, Session::Access::kLook);
+  const ChosenPlace chosen(session, arguments.names);
+  (arguments.json ? PrintJson : PrintTable)(LayerOptions(session, chosen.Get()));
 }
 
 void Apply(kivstore::STeacherOptionsDob& options, const std::vector<std::string>& assignments) {
   for (const std::string& assignment : assignments) {
     const size_t equals = assignment.find('=');
     if (equals == std::string::npos) {
-      throw AdminError{kWrongUsage, assignment + ": KEY=VALUE is wanted"};
+      throw HostError(kWrongUsage, assignment + ": KEY=VALUE is wanted");
     }
     SetOption(options, assignment.substr(0, equals), assignment.substr(equals + 1));
   }
 }
 
-void Set(const OptionsLine& line) {
+void Set(const CommonOptions& common, const SetArguments& arguments) {
   kivstore::STeacherOptionsDob trial;
-  Apply(trial, line.assignments);
-  Session session(*line.common, Session::Access::kChange);
-  const ChosenPlace chosen(session, line.names);
-  ChangeOptions(chosen.Get(), session.IsDryRun(),
-                [&](auto& options) { Apply(options, line.assignments); });
+  Apply(trial, arguments.assignments);
+  const Session session(common, Session::Access::kChange);
+  const ChosenPlace chosen(session, arguments.names);
+  ChangeOptions(session, chosen.Get(),
+                [&](auto& options) { Apply(options, arguments.assignments); });
   std::string said;
-  for (const std::string& assignment : line.assignments) {
+  for (const std::string& assignment : arguments.assignments) {
     said += (said.empty() ? "set " : ", ") + assignment;
   }
   session.Say(said + " for " + chosen.Text(session));
 }
 
 void AddShow(CLI::App& options, CommonOptions& common) {
-  const auto line = std::make_shared<OptionsLine>();
-  line->common = &common;
   CLI::App* const command = options.add_subcommand(
       "show", "Each option in force: its value, the level that decided it, and when");
+  ShowArguments& arguments = AddRun(*command, common, Show);
   AddStoreArguments(*command, common);
-  AddLevelOptions(*command, line->names);
-  command->add_option("--format", line->json, "The form of the list")
-      ->transform(CLI::CheckedTransformer(
-          std::map<std::string, bool>{{"table", false}, {"json", true}}, CLI::ignore_case))
-      ->type_name("table|json")
-      ->default_str("table");
-  command->callback([line] { Show(*line); });
+  AddLevelOptions(*command, arguments.names);
+  AddFormat(*command, arguments.json, "table");
 }
 
 void AddSet(CLI::App& options, CommonOptions& common) {
-  const auto line = std::make_shared<OptionsLine>();
-  line->common = &common;
   CLI::App* const command = options.add_subcommand(
       "set", "Decides options for the store, or for the class or student named");
+  SetArguments& arguments = AddRun(*command, common, Set);
   AddChangeArguments(*command, common);
-  AddLevelOptions(*command, line->names);
+  AddLevelOptions(*command, arguments.names);
   command
-      ->add_option("KEY=VALUE", line->assignments,
+      ->add_option("KEY=VALUE", arguments.assignments,
                    "What to decide: yes or no, a number, or missions as in 1-4,7")
       ->required();
   command->footer(
       "Keys are those that `options show` lists: SoundOn, Missions.4.Typeline (0 to 2),\n"
       "TOGameDob.CurrentMissionNumber (1 to 25), TOGameDob.LessonDone (missions), ...");
-  command->callback([line] { Set(*line); });
 }
 
 }  // namespace
 
-ChosenPlace::ChosenPlace(Session& session, const EntryNames& names) {
-  session.ChooseTeacher(names.teacher);
+ChosenPlace::ChosenPlace(const Session& session, const EntryNames& names) {
+  ChooseTeacher(session, names.teacher);
   if (names.group.empty()) {
     return;
   }
-  classEntry = session.FindClass(names.group);
+  classEntry = FindClass(session, names.group);
   place.classEntry = &classEntry;
   if (!names.student.empty()) {
-    student = session.FindStudent(classEntry, names.student);
+    student = FindStudent(session, classEntry, names.student);
     place.student = &student;
   }
 }
@@ -138,19 +131,8 @@ std::string ChosenPlace::Text(const Session& session) const {
   if (place.classEntry != nullptr) {
     return "class " + session.Show(classEntry);
   }
-  return kivstore::gCurrentTeacher != nullptr
-             ? "teacher " + session.Show(*kivstore::gCurrentTeacher)
-             : "the store";
-}
-
-std::string ValueText(const Json& value) {
-  if (value.is_array()) {
-    return MissionsText(value.get<std::vector<int>>());
-  }
-  if (value.is_boolean()) {
-    return value.get<bool>() ? "yes" : "no";
-  }
-  return value.dump();
+  const kivstore::SLoginNameObj* const teacher = session.Site().GetCurrentTeacher();
+  return teacher != nullptr ? "teacher " + session.Show(*teacher) : "the store";
 }
 
 void AddLevelOptions(CLI::App& command, EntryNames& names) {

@@ -4,7 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-#include "hosts/kivadmin/commands/commands.h"
+#include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/options/option_levels.h"
 
 namespace kivadmin {
@@ -18,7 +18,7 @@ void AddOptionsImport(CLI::App& options, CommonOptions& common);
 // The place that the command line names; holds its entries.
 class ChosenPlace {
  public:
-  ChosenPlace(Session& session, const EntryNames& names);
+  ChosenPlace(const Session& session, const EntryNames& names);
   ChosenPlace(const ChosenPlace&) = delete;
   ChosenPlace& operator=(const ChosenPlace&) = delete;
 
@@ -30,8 +30,5 @@ class ChosenPlace {
   kivstore::SLoginNameObj student;
   OptionsPlace place;
 };
-
-// An option's value as a table and `options set` have it.
-std::string ValueText(const Json& value);
 
 }  // namespace kivadmin

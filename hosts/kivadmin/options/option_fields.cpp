@@ -1,10 +1,13 @@
 #include "hosts/kivadmin/options/option_fields.h"
 
 #include "hosts/common/charset.h"
-#include "hosts/kivadmin/session/session.h"
+#include "hosts/common/host_error.h"
 
 namespace kivadmin {
 namespace {
+
+using kivhost::HostError;
+using kivhost::kWrongUsage;
 
 using kivstore::SStamped;
 
@@ -12,7 +15,7 @@ constexpr Limits kAnyNumber{0, INT16_MAX};
 
 [[noreturn]] void RefuseValue(const std::string& key, const std::string& value,
                               const std::string& wanted) {
-  throw AdminError{kWrongUsage, key + "=" + value + ": " + wanted};
+  throw HostError(kWrongUsage, key + "=" + value + ": " + wanted);
 }
 
 std::string RangeText(Limits limits) {
@@ -103,8 +106,18 @@ void SetOption(kivstore::STeacherOptionsDob& options, const std::string& key,
     options.SetDirty(true);
   });
   if (!known) {
-    throw AdminError{kWrongUsage, key + ": there is no such option"};
+    throw HostError(kWrongUsage, key + ": there is no such option");
   }
+}
+
+std::string ValueText(const Json& value) {
+  if (value.is_array()) {
+    return MissionsText(value.get<std::vector<int>>());
+  }
+  if (value.is_boolean()) {
+    return value.get<bool>() ? "yes" : "no";
+  }
+  return value.dump();
 }
 
 // The course has 25 missions, and a mission's activity is out (0), the one it is built around (1)

@@ -49,10 +49,13 @@ struct Option {
 std::vector<Option> ListOptions(kivstore::STeacherOptionsDob& options);
 
 // Changes one option by its key, letter case ignored, as decided now even if the value is the same.
-// Throws AdminError, with nothing changed, for an unknown key and for a value that the option does
+// Throws HostError, with nothing changed, for an unknown key and for a value that the option does
 // not take.
 void SetOption(kivstore::STeacherOptionsDob& options, const std::string& key,
                const std::string& value);
+
+// A value as a table and a command line have it.
+std::string ValueText(const Json& value);
 
 // What a number option takes.
 Limits LimitsOf(const std::string& key);

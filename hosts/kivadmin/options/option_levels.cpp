@@ -2,10 +2,8 @@
 
 #include <map>
 
-#include "foundation/site_mode.h"
-#include "hosts/kivadmin/session/session.h"
-#include "store/lock/lock_file.h"
-#include "store/place/layout.h"
+#include "archive/file_version.h"
+#include "store/place/placing.h"
 
 namespace kivadmin {
 namespace {
@@ -43,42 +41,36 @@ std::string FaultOf(const SFileSpec& spec) {
   }
 }
 
-// Clean, and with no option decided, if there is no file.
-void ReadOptions(STeacherOptionsDob& options, const SFileSpec& spec, const OptionsPlace& place) {
-  options.Clear();
-  options.SetDirty(false);
-  if (!spec.IsExistingFile()) {
-    return;
+void RefuseForGood(const SFileSpec& spec, const OptionsPlace& place) {
+  const std::string fault = FaultOf(spec);
+  if (!fault.empty()) {
+    throw HostError(kNoStore, FileOf(place) + ' ' + fault);
   }
+}
+
+// A shared file may be in somebody's hands just now.
+bool LoadPatiently(const Session& session, STeacherOptionsDob& options, const SFileSpec& spec,
+                   const OptionsPlace& place) {
   int16_t step = 1;
   while (!options.LoadFromFile(spec)) {
-    const std::string fault = FaultOf(spec);
-    if (!fault.empty()) {
-      throw AdminError{kNoStore, FileOf(place) + ' ' + fault};
-    }
-    if (!kivstore::IsSharedSite() || step > kLastStep) {
-      throw AdminError{kNoStore, FileOf(place) + " cannot be read: it is damaged or in use"};
+    RefuseForGood(spec, place);
+    if (!session.Site().IsShared() || step > kLastStep) {
+      return false;
     }
     kivstore::BackoffWait(step);
   }
+  return true;
 }
 
-SFileSpec PlaceFile(const OptionsPlace& place) {
-  SFileSpec spec;
-  kivstore::OptionsFile(spec, place.classEntry, place.student);
-  if (!spec.IsValid()) {
-    throw AdminError{kNoStore, FileOf(place) + " has no place: its folder is missing"};
+// Clean, and with no option decided, if there is no file.
+void ReadOptions(const Session& session, STeacherOptionsDob& options, const SFileSpec& spec,
+                 const OptionsPlace& place) {
+  options.Clear();
+  options.SetDirty(false);
+  if (spec.IsExistingFile()) {
+    session.Need("read " + FileOf(place), spec,
+                 [&] { return LoadPatiently(session, options, spec, place); });
   }
-  return spec;
-}
-
-AdminError WhyNotLocked(const SFileSpec& spec, const OptionsPlace& place) {
-  SFileSpec lockFile = spec;
-  lockFile.Up();
-  lockFile.Down("options.lok");
-  return lockFile.IsExistingFile()
-             ? AdminError{kRefused, FileOf(place) + " is locked by another workstation"}
-             : AdminError{kNoStore, FileOf(place) + " has no lock file, and none can be made"};
 }
 
 std::vector<OptionsPlace> LevelsDownTo(const OptionsPlace& place) {
@@ -113,17 +105,17 @@ void NoteDeciders(STeacherOptionsDob& options, STeacherOptionsDob& level, const 
 
 }  // namespace
 
-std::vector<DecidedOption> LayerOptions(const OptionsPlace& place) {
+std::vector<DecidedOption> LayerOptions(const Session& session, const OptionsPlace& place) {
   STeacherOptionsDob options;
   options.SetDirty(false);
   Deciders deciders;
   for (const OptionsPlace& at : LevelsDownTo(place)) {
-    const SFileSpec spec = PlaceFile(at);
+    const SFileSpec spec = OptionsFileOf(session, at);
     if (!spec.IsExistingFile()) {
       continue;
     }
     STeacherOptionsDob level;
-    ReadOptions(level, spec, at);
+    ReadOptions(session, level, spec, at);
     NoteDeciders(options, level, LevelOf(at), deciders);
     options.Merge(level);
   }
@@ -136,23 +128,34 @@ std::vector<DecidedOption> LayerOptions(const OptionsPlace& place) {
   return decided;
 }
 
-void ChangeOptions(const OptionsPlace& place, bool dryRun,
-                   const std::function<void(STeacherOptionsDob&)>& change) {
-  SFileSpec spec = PlaceFile(place);
-  kivstore::SLockFile lock;
-  if (!dryRun) {
-    lock.Retarget(spec, kivstore::SString());
-    if (!lock.Lock()) {
-      throw WhyNotLocked(spec, place);
-    }
-    spec.Refresh();
-  }
+void TryOptions(const Session& session, const OptionsPlace& place, const OptionsChange& change) {
   STeacherOptionsDob options;
-  ReadOptions(options, spec, place);
+  ReadOptions(session, options, OptionsFileOf(session, place), place);
   change(options);
-  if (!dryRun && !options.SaveMergedToFile(spec)) {
-    throw AdminError{kNoStore, FileOf(place) + " cannot be written"};
+}
+
+void ChangeOptions(const Session& session, const OptionsPlace& place, const OptionsChange& change) {
+  if (session.IsDryRun()) {
+    TryOptions(session, place, change);
+    return;
   }
+  SFileSpec spec = OptionsFileOf(session, place);
+  kivstore::SLockFile lock(session.Site(), spec, kivstore::SString());
+  session.TakeLock(lock, FileOf(place));
+  spec.Refresh();
+  STeacherOptionsDob options;
+  ReadOptions(session, options, spec, place);
+  change(options);
+  session.Need("write " + FileOf(place), spec, [&] { return options.SaveMergedToFile(spec); });
+}
+
+SFileSpec OptionsFileOf(const Session& session, const OptionsPlace& place) {
+  SFileSpec spec;
+  kivstore::OptionsFile(session.Site(), spec, place.classEntry, place.student);
+  if (!spec.IsValid()) {
+    throw HostError(kNoStore, FileOf(place) + " has no place: its folder is missing");
+  }
+  return spec;
 }
 
 }  // namespace kivadmin

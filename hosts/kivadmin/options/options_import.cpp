@@ -67,6 +67,15 @@ std::vector<Option> Listed(STeacherOptionsDob& options, const std::set<std::stri
   return list;
 }
 
+// What keeps the text's time, under the lock that ChangeOptions holds: it stores what is decided
+// now, and over a missing file everything.
+void StoreTimes(const Session& session, STeacherOptionsDob& options, const OptionsPlace& place) {
+  kivstore::SFileSpec spec = OptionsFileOf(session, place);
+  if (spec.IsExistingFile()) {
+    session.Need("write the options", spec, [&] { return options.SaveToFile(spec); });
+  }
+}
+
 }  // namespace
 
 OptionsTaken TakeOptions(STeacherOptionsDob& level, OptionsText text) {
@@ -88,6 +97,21 @@ OptionsTaken TakeOptions(STeacherOptionsDob& level, OptionsText text) {
   result.taken = Listed(level, keys.taken);
   result.kept = Listed(level, keys.kept);
   result.outdated = Listed(given, keys.kept);
+  return result;
+}
+
+OptionsTaken ImportOptions(const Session& session, const OptionsPlace& place,
+                           const OptionsText& text) {
+  OptionsTaken result;
+  TryOptions(session, place, [&](auto& options) { result = TakeOptions(options, text); });
+  if (!result.taken.empty() && !session.IsDryRun()) {
+    ChangeOptions(session, place, [&](auto& options) {
+      result = TakeOptions(options, text);
+      if (result.hasTimes) {
+        StoreTimes(session, options, place);
+      }
+    });
+  }
   return result;
 }
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "hosts/kivadmin/options/option_fields.h"
+#include "hosts/kivadmin/options/option_levels.h"
 #include "hosts/kivadmin/options/options_text.h"
 
 namespace kivadmin {
@@ -24,8 +24,13 @@ struct OptionsTaken {
 //   earlier                  the level's stays
 //   none                     decided now, even if the value is the same
 //
-// AllMissionsCompleted has no time: another value is taken. Throws AdminError as
+// AllMissionsCompleted has no time: another value is taken. Throws HostError as
 // OptionsText::ReadOver does, with the level unchanged.
 OptionsTaken TakeOptions(kivstore::STeacherOptionsDob& level, OptionsText text);
+
+// Takes the text for the level at `place`, in a dry run up to the writing. What changes nothing
+// leaves the store's files alone.
+OptionsTaken ImportOptions(const Session& session, const OptionsPlace& place,
+                           const OptionsText& text);
 
 }  // namespace kivadmin

@@ -4,12 +4,15 @@
 #include <utility>
 
 #include "archive/pref_scanner.h"
+#include "hosts/common/host_error.h"
 #include "hosts/kivadmin/options/options_text_archive.h"
-#include "hosts/kivadmin/session/session.h"
 #include "platform/base/bytes.h"
 
 namespace kivadmin {
 namespace {
+
+using kivhost::HostError;
+using kivhost::kWrongUsage;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
@@ -51,7 +54,7 @@ class LineCounter {
 
 OptionsText::OptionsText(const std::string& name, std::string bytes) : name(name) {
   if (bytes.find('\0') != std::string::npos) {
-    throw AdminError{kWrongUsage, name + ": is no text file of options"};
+    throw HostError(kWrongUsage, name + ": is no text file of options");
   }
   char* const start =
       bytes.data() + (bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
@@ -63,8 +66,8 @@ OptionsText::OptionsText(const std::string& name, std::string bytes) : name(name
     line.starts_with('[') ? OpenSection(line, number) : AddLine(line, number);
   }
   if (!sections.contains(Folded(kOptionsSection))) {
-    throw AdminError{kWrongUsage, name + ": has no section [" + kOptionsSection +
-                                      "]; kivadmin options export writes a file that has"};
+    throw HostError(kWrongUsage, name + ": has no section [" + kOptionsSection +
+                                     "]; kivadmin options export writes a file that has");
   }
   ThrowIfRefused();
 }
@@ -161,7 +164,7 @@ void OptionsText::RefuseUnknown() {
 
 void OptionsText::ThrowIfRefused() const {
   if (IsRefused()) {
-    throw AdminError{kWrongUsage, refusal};
+    throw HostError(kWrongUsage, refusal);
   }
 }
 

@@ -37,13 +37,13 @@ class OptionsText {
     const std::optional<std::string>& Value() const { return given ? given : own; }
   };
 
-  // `name` is the file's, for errors. Throws AdminError for what is no such file and for a line or
+  // `name` is the file's, for errors. Throws HostError for what is no such file and for a line or
   // section that stands there twice.
   OptionsText(const std::string& name, std::string bytes);
 
   // The text's options laid over the level's, each with the time that counts: the text's, or the
   // fresh mark where it gives a value without a time, or the level's where it gives no value.
-  // Throws AdminError, naming key, value and line, for a value that its option does not take and a
+  // Throws HostError, naming key, value and line, for a value that its option does not take and a
   // key that is none. Once for each text.
   void ReadOver(kivstore::STeacherOptionsDob& level, kivstore::STeacherOptionsDob& options);
 

@@ -1,11 +1,12 @@
 #include "hosts/kivadmin/rosters/layout_maker.h"
 
 #include "foundation/files/file_type.h"
-#include "foundation/site_mode.h"
+#include "hosts/kivadmin/rosters/rosters.h"
+#include "platform/text_numbers.h"
 #include "records/tutor_options_dob.h"
 #include "store/list/index_file.h"
-#include "store/list/listing.h"
-#include "store/place/layout.h"
+#include "store/list/reconcile.h"
+#include "store/place/store_names.h"
 
 namespace kivadmin {
 namespace {
@@ -17,9 +18,9 @@ constexpr const char* kOptionsLock = "options.lok";
 
 // A folder that is there afterwards, or an error.
 SFileSpec NeedFolder(const Session& session, SFileSpec spec) {
-  if (!spec.IsValid() || (!spec.Exists() && !spec.CreateFolder(0)) || !spec.IsExistingFolder()) {
-    throw AdminError{kNoStore, session.Show(spec) + ": the folder could not be made"};
-  }
+  session.Need("make the folder", spec, [&] {
+    return spec.IsValid() && (spec.Exists() || spec.CreateFolder(0)) && spec.IsExistingFolder();
+  });
   return spec;
 }
 
@@ -36,11 +37,10 @@ void LayoutMaker::CompleteStore() const {
     CompleteAllClasses();
     return;
   }
-  const auto teachers = session.Teachers();
-  for (int32_t i = 0; i < teachers->list.GetSize(); ++i) {
-    const SLoginNameObj& teacher = *teachers->list.At(i);
-    CompleteEntry(teachers->folder, teacher.folderName, &LayoutMaker::CompleteTeacher);
-    SelectTeacher(&teacher);
+  const Roster teachers = Teachers(session);
+  for (const SLoginNameObj& teacher : teachers.list) {
+    CompleteEntry(teachers.folder, teacher.folderName, &LayoutMaker::CompleteTeacher);
+    session.Site().SelectTeacher(&teacher);
     CompleteAllClasses();
   }
 }
@@ -48,7 +48,7 @@ void LayoutMaker::CompleteStore() const {
 void LayoutMaker::CompleteTopList() const {
   const SFileSpec top = NeedFolder(session, session.TopFolder());
   if (session.HasTeachers()) {
-    CompleteList(top, LockKind::kTeachers);
+    CompleteList(top, ListKind::kTeachers);
   } else {
     CompleteClassList(top);
   }
@@ -62,8 +62,8 @@ void LayoutMaker::CompleteTeacher(const SFileSpec& folder) const {
 void LayoutMaker::CompleteClass(const SFileSpec& folder) const {
   MakeLock(folder, kIndexLock);
   MakeLock(folder, kOptionsLock);
-  CompleteList(NeedFolder(session, Below(folder, SString::FromResource(kTextStudents))),
-               LockKind::kStudents);
+  CompleteList(NeedFolder(session, Below(folder, CachedText<kTextStudents>())),
+               ListKind::kStudents);
 }
 
 void LayoutMaker::CompleteStudent(const SFileSpec& folder) const {
@@ -80,46 +80,44 @@ void LayoutMaker::CompleteEntry(const SFileSpec& list, const SString& folderName
 }
 
 void LayoutMaker::CompleteDefaultClass() const {
-  CompleteEntry(session.ClassesFolder(), SString::FromResource(kTextDefault),
-                &LayoutMaker::CompleteClass);
+  CompleteEntry(ClassesFolder(session), CachedText<kTextDefault>(), &LayoutMaker::CompleteClass);
 }
 
 void LayoutMaker::CompleteClassList(const SFileSpec& folder) const {
-  CompleteList(folder, LockKind::kClasses);
+  CompleteList(folder, ListKind::kClasses);
   MakeLock(folder, kOptionsLock);
   MakeDefaultOptions(folder);
 }
 
 void LayoutMaker::CompleteAllClasses() const {
-  const auto classes = session.Classes();
-  for (int32_t i = 0; i < classes->list.GetSize(); ++i) {
-    CompleteEntry(classes->folder, classes->list.At(i)->folderName, &LayoutMaker::CompleteClass);
-    CompleteAllStudents(*classes->list.At(i));
+  const Roster classes = Classes(session);
+  for (const SLoginNameObj& group : classes.list) {
+    CompleteEntry(classes.folder, group.folderName, &LayoutMaker::CompleteClass);
+    CompleteAllStudents(group);
   }
 }
 
 void LayoutMaker::CompleteAllStudents(const SLoginNameObj& classEntry) const {
-  const auto students = session.Students(classEntry);
-  for (int32_t i = 0; i < students->list.GetSize(); ++i) {
-    CompleteEntry(students->folder, students->list.At(i)->folderName,
-                  &LayoutMaker::CompleteStudent);
+  const Roster students = Students(session, classEntry);
+  for (const SLoginNameObj& student : students.list) {
+    CompleteEntry(students.folder, student.folderName, &LayoutMaker::CompleteStudent);
   }
 }
 
 // A folder that lost its index has entries all the same: listing writes them into a new one, and
 // only a list without any gets an empty index here.
-void LayoutMaker::CompleteList(const SFileSpec& folder, LockKind lockKind) const {
+void LayoutMaker::CompleteList(const SFileSpec& folder, ListKind kind) const {
   MakeLock(folder, kIndexLock);
-  SLockFile lock;
-  session.TakeIndexLock(lock, folder, lockKind);
-  if (Below(folder, SString::FromResource(kTextIndexFile)).Exists()) {
+  SLockFile lock(session.Site());
+  session.TakeIndexLock(lock, folder, kind);
+  if (Below(folder, CachedText<kTextIndexFile>()).Exists()) {
     return;
   }
   SIndexObj index;
   index.NeedLogins();
   index.NeedFiles();
-  ReconcileLogins(folder, &index);
-  if (!Below(folder, SString::FromResource(kTextIndexFile)).Exists()) {
+  ReconcileLogins(session.Site(), folder, index);
+  if (!Below(folder, CachedText<kTextIndexFile>()).Exists()) {
     WriteIndex(folder, index);
   }
 }
@@ -129,21 +127,20 @@ void LayoutMaker::MakeLock(const SFileSpec& folder, const char* name) const {
     return;
   }
   SFileSpec spec = Below(folder, name);
-  if (!spec.Exists() && !spec.CreateFile(FindFileType(kFileTypeLock), 0, 0, 0)) {
-    throw AdminError{kNoStore, session.Show(spec) + ": could not be made"};
-  }
+  session.Need("make a lock file", spec, [&] {
+    return spec.Exists() || spec.CreateFile(FindFileType(kFileTypeLock), 0, 0, 0);
+  });
 }
 
 void LayoutMaker::MakeDefaultOptions(const SFileSpec& folder) const {
-  SFileSpec spec = Below(folder, SString::FromResource(kTextOptionsFile));
+  SFileSpec spec = Below(folder, CachedText<kTextOptionsFile>());
   if (!makesOptions || spec.Exists()) {
     return;
   }
-  SLockFile lock(spec, SString());
+  SLockFile lock(session.Site(), spec, SString());
+  session.TakeLock(lock, "the options");
   STeacherOptionsDob options;
-  if (!lock.Lock() || !options.SaveToFile(spec)) {
-    throw AdminError{kNoStore, session.Show(spec) + ": could not be written"};
-  }
+  session.Need("make the options", spec, [&] { return options.SaveToFile(spec); });
 }
 
 }  // namespace kivadmin

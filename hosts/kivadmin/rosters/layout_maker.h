@@ -34,7 +34,7 @@ class LayoutMaker {
   void CompleteClassList(const kivstore::SFileSpec& folder) const;
   void CompleteAllClasses() const;
   void CompleteAllStudents(const kivstore::SLoginNameObj& classEntry) const;
-  void CompleteList(const kivstore::SFileSpec& folder, kivstore::LockKind lockKind) const;
+  void CompleteList(const kivstore::SFileSpec& folder, kivstore::ListKind kind) const;
   void MakeLock(const kivstore::SFileSpec& folder, const char* name) const;
   void MakeDefaultOptions(const kivstore::SFileSpec& folder) const;
 

@@ -1,0 +1,161 @@
+// The teacher options in force: up to three files, the deeper laid over the upper ones.
+#include "app/file_outcome.h"
+#include "app/kiv_app.h"
+#include "archive/file_version.h"
+#include "records/teacher_options_dob.h"
+#include "store/change/default_entries.h"
+#include "store/place/display_name.h"
+#include "store/place/placing.h"
+#include "store/place/store_names.h"
+
+namespace kivstore {
+namespace {
+
+// What OptionsReadFailed decides.
+constexpr int16_t kGoOn = 0;
+constexpr int16_t kGiveUp = 1;
+constexpr int16_t kTryAgain = 2;
+
+constexpr int16_t kLastStep = 32;
+
+bool TakeOptionsLock(SLockFile& lock, const SFileSpec& spec, const SString& waitText) {
+  lock.Retarget(spec, SString());
+  lock.waitText = waitText;
+  lock.lockedText.LoadResource(kTextOptionsLocked);
+  lock.failText.Empty();
+  return lock.Lock();
+}
+
+SString RootWaitText(const SSite& site) {
+  return SString::FromResource(site.IsMultiUser() ? kTextWaitForAllClasses : kTextWaitForOptions);
+}
+
+SString WaitTextFor(int id, const SString& name) {
+  SString text;
+  text.FormatResource(id, name.GetText());
+  return text;
+}
+
+Outcome Read(SKivTeacherOptionsDob& record, const SFileSpec& spec, bool merge) {
+  return TryToRead([&] { return merge ? record.MergeFromFile(spec) : record.LoadFromFile(spec); });
+}
+
+bool IsDone(Outcome outcome) {
+  return outcome == Outcome::kRead || outcome == Outcome::kNothingThere;
+}
+
+}  // namespace
+
+bool SKivApp::LoadTeacherOptions(const SOptionsRequest& request) {
+  SKivTeacherOptionsDob* const target = request.record != nullptr ? request.record : options.get();
+  if (target == nullptr) {
+    return false;
+  }
+  const bool takeCurrent = request.useCurrent && currentUser.valid;
+  const SLoginNameObj* const classEntry =
+      request.classEntry == nullptr && takeCurrent ? &currentUser.classEntry : request.classEntry;
+  const SLoginNameObj* const student = request.studentEntry == nullptr && takeCurrent
+                                           ? &currentUser.studentEntry
+                                           : request.studentEntry;
+  return (request.goesOn || LoadStoreOptions(*target, request.rootLock)) &&
+         MergeClassOptions(*target, classEntry, request.classLock) &&
+         MergeStudentOptions(*target, classEntry, student, request.studentLock);
+}
+
+void SKivApp::PlaceOptions(SFileSpec& spec, const SLoginNameObj* classEntry,
+                           const SLoginNameObj* studentEntry) {
+  PrepareClassList(site);
+  EntryFileToOpen(site, spec, classEntry, studentEntry, CachedText<kTextOptionsFile>());
+}
+
+bool SKivApp::LoadStoreOptions(SKivTeacherOptionsDob& record, SLockFile* lock) {
+  record.Clear();
+  SFileSpec spec;
+  PlaceOptions(spec, nullptr, nullptr);
+  if (lock != nullptr && !TakeOptionsLock(*lock, spec, RootWaitText(site))) {
+    return false;
+  }
+  const Outcome first = spec.IsExistingFile() ? Read(record, spec, false) : Outcome::kNothingThere;
+  if (first != Outcome::kNothingThere) {
+    return first == Outcome::kRead || Retry(record, spec, false);
+  }
+  if (!spec.Refresh()) {
+    record.SaveToFile(spec);
+  }
+  return ReadWithRetry(record, spec, false);
+}
+
+bool SKivApp::MergeClassOptions(SKivTeacherOptionsDob& record, const SLoginNameObj* classEntry,
+                                SLockFile* lock) {
+  if (!site.IsMultiUser() || classEntry == nullptr) {
+    return true;
+  }
+  SFileSpec spec;
+  PlaceOptions(spec, classEntry, nullptr);
+  if (lock != nullptr &&
+      !TakeOptionsLock(*lock, spec, WaitTextFor(kTextWaitForClassOptions, classEntry->firstName))) {
+    return false;
+  }
+  return ReadWithRetry(record, spec, true);
+}
+
+bool SKivApp::MergeStudentOptions(SKivTeacherOptionsDob& record, const SLoginNameObj* classEntry,
+                                  const SLoginNameObj* studentEntry, SLockFile* lock) {
+  if (studentEntry == nullptr) {
+    return true;
+  }
+  SFileSpec spec;
+  PlaceOptions(spec, classEntry, studentEntry);
+  if (lock != nullptr &&
+      !TakeOptionsLock(*lock, spec,
+                       WaitTextFor(kTextWaitForStudentOptions, DisplayName(*studentEntry)))) {
+    return false;
+  }
+  return ReadWithRetry(record, spec, true);
+}
+
+// A level without a file is no failure.
+bool SKivApp::ReadWithRetry(SKivTeacherOptionsDob& record, SFileSpec& spec, bool merge) {
+  return !spec.IsExistingFile() || IsDone(Read(record, spec, merge)) || Retry(record, spec, merge);
+}
+
+// After a first try that failed. Only a shared file is worth waiting for: seven tries with it, six
+// waits.
+bool SKivApp::Retry(SKivTeacherOptionsDob& record, SFileSpec& spec, bool merge) {
+  const int16_t decision = OptionsReadFailed(record, spec);
+  if (decision == kGoOn || decision == kGiveUp) {
+    return decision == kGoOn;
+  }
+  if (!site.IsShared()) {
+    return true;
+  }
+  for (int16_t step = 1; step <= kLastStep;) {
+    BackoffWait(step);
+    if (IsDone(Read(record, spec, merge))) {
+      return true;
+    }
+  }
+  return false;
+}
+
+int16_t SKivApp::OptionsReadFailed(SDob& /*record*/, SFileSpec& spec) {
+  int32_t status = SDob::kCannotOpen;
+  SDob::CheckFileVersion(status, spec, gFileVersion);
+  if (status == SDob::kVersionEqual || status == SDob::kCannotOpen) {
+    return kTryAgain;
+  }
+  spec.Delete(false);
+  return kGoOn;
+}
+
+bool SKivApp::ReloadCurrentOptions() {
+  SOptionsRequest request;
+  request.useCurrent = true;
+  if (!LoadTeacherOptions(request)) {
+    return false;
+  }
+  OptionsChanged();
+  return true;
+}
+
+}  // namespace kivstore

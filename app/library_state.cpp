@@ -1,0 +1,10 @@
+#include "app/library_state.h"
+
+namespace kivstore {
+
+SLibraryState& LibraryState() {
+  static SLibraryState state;
+  return state;
+}
+
+}  // namespace kivstore

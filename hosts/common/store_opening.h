@@ -1,0 +1,40 @@
+// Opening a store: from the root that a user gives to a site that stands on it.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/general_call.h"
+
+namespace kivhost {
+
+// Classes at the top without locks, with locks, and below teachers with locks.
+enum class SiteKind { kLocal, kShared, kTeachers };
+
+const char* NameOf(SiteKind kind);
+
+// The store and the application object of one run of a program; one at a time. The file services
+// that are in place when it opens stay in place while it is open.
+class OpenStore {
+ public:
+  // `root` is the data root or its classes folder. Without a kind the tree tells. Throws HostError
+  // if there is no store, unless it is still to be laid out: such a store is one with teachers.
+  OpenStore(const std::string& root, std::optional<SiteKind> kind, bool isToBeLaidOut = false);
+  OpenStore(const OpenStore&) = delete;
+  OpenStore& operator=(const OpenStore&) = delete;
+
+  SiteKind Kind() const { return kind; }
+  bool HasTeachers() const { return kind == SiteKind::kTeachers; }
+  kivstore::SSite& Site() const { return call.GetSite(); }
+  kivstore::SZEPApp& App() const { return *call.GetApp(); }
+  // The list of teachers, or without teachers of classes.
+  kivstore::SFileSpec TopFolder() const;
+
+ private:
+  void SetKind(SiteKind newKind);
+
+  kivstore::SGeneralCall call;
+  SiteKind kind = SiteKind::kTeachers;
+};
+
+}  // namespace kivhost

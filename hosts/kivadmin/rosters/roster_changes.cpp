@@ -1,0 +1,113 @@
+#include "hosts/kivadmin/rosters/roster_changes.h"
+
+#include "hosts/kivadmin/rosters/layout_maker.h"
+#include "store/change/adding.h"
+#include "store/place/display_name.h"
+
+namespace kivadmin {
+namespace {
+
+using namespace kivstore;
+
+// Nobody but `self` has this display name.
+void RequireFree(const Session& session, const Roster& roster, const PersonName& name,
+                 const std::string& level, const SLoginNameObj* self = nullptr) {
+  const SLoginNameObj* const owner = FindName(roster, name.first, name.last);
+  if (owner != nullptr && owner != self) {
+    throw HostError(kRefused,
+                    "name taken: there is a " + level + ' ' + session.Show(*owner) + " already");
+  }
+}
+
+void RequireRoom(const Session& session, const Roster& roster) {
+  if (roster.IsFull()) {
+    throw HostError(kRefused, "full: the list in " + session.Show(roster.folder) + " has " +
+                                  std::to_string(roster.list.GetSize()) + " entries already");
+  }
+}
+
+using AddAt = bool (*)(SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut);
+
+// What differs between the levels.
+struct Level {
+  const char* name;
+  LayoutMaker::Complete complete;
+  AddAt add;
+};
+
+constexpr Level kTeacherLevel = {
+    "teacher", &LayoutMaker::CompleteTeacher,
+    [](SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut) {
+      return AddTeacherAt(site, spec, name.first, folderOut);
+    }};
+constexpr Level kClassLevel = {
+    "class", &LayoutMaker::CompleteClass,
+    [](SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut) {
+      return AddClassAt(site, spec, name.first, folderOut);
+    }};
+constexpr Level kStudentLevel = {
+    "student", &LayoutMaker::CompleteStudent,
+    [](SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut) {
+      return AddStudentAt(site, spec, name.first, name.last, folderOut);
+    }};
+
+SLoginNameObj Enter(const Session& session, const Roster& roster, const PersonName& name,
+                    const Level& level) {
+  RequireFree(session, roster, name, level.name);
+  RequireRoom(session, roster);
+  SLoginNameObj entry(name.first, name.last, SString());
+  session.Change(std::string("add ") + level.name + ' ' + session.Show(entry), [&] {
+    SFileSpec spec(roster.folder);
+    return level.add(session.Site(), spec, name, entry.folderName);
+  });
+  if (!session.IsDryRun()) {
+    LayoutMaker(session).CompleteEntry(roster.folder, entry.folderName, level.complete);
+  }
+  return entry;
+}
+
+}  // namespace
+
+PersonName NewPerson(const Session& session, const std::string& first, const std::string& last) {
+  return {session.NewName(first, "first name"),
+          last.empty() ? SString() : session.NewName(last, "last name")};
+}
+
+SLoginNameObj EnterTeacher(const Session& session, const Roster& teachers, const SString& name) {
+  return Enter(session, teachers, {name, SString()}, kTeacherLevel);
+}
+
+SLoginNameObj EnterClass(const Session& session, const Roster& classes, const SString& name) {
+  return Enter(session, classes, {name, SString()}, kClassLevel);
+}
+
+SLoginNameObj EnterStudent(const Session& session, const Roster& students, const PersonName& name) {
+  return Enter(session, students, name, kStudentLevel);
+}
+
+void RenameEntry(const Session& session, const Roster& roster, const SLoginNameObj& entry,
+                 const PersonName& newName, const std::string& level, const Operation& rename) {
+  RequireFree(session, roster, newName, level, &entry);
+  const std::string what = level + ' ' + session.Show(entry);
+  session.Change("rename " + what, rename);
+  session.Say("renamed " + what + " to " +
+              session.Show(SLoginNameObj(newName.first, newName.last, SString())));
+}
+
+void MoveEntry(const Session& session, const Roster& destination, const SLoginNameObj& entry,
+               const std::string& level, const std::string& to, const Operation& move) {
+  RequireFree(session, destination, {entry.firstName, entry.lastName}, level);
+  RequireRoom(session, destination);
+  const std::string what = level + ' ' + session.Show(entry);
+  session.Change("move " + what, move);
+  session.Say("moved " + what + " to " + to);
+}
+
+void DeleteEntry(const Session& session, const SLoginNameObj& entry, const std::string& level,
+                 const Operation& remove) {
+  const std::string what = level + ' ' + session.Show(entry);
+  session.Change("delete " + what, remove);
+  session.Say("deleted " + what);
+}
+
+}  // namespace kivadmin

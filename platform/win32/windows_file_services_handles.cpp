@@ -1,0 +1,98 @@
+#include <windows.h>
+
+#include "platform/win32/windows_error.h"
+#include "platform/win32/windows_file_services.h"
+
+namespace kivstore {
+namespace {
+
+constexpr DWORD kOpenFlags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS;
+
+HANDLE ToSystem(FileHandle file) {
+  return reinterpret_cast<HANDLE>(file);
+}
+
+DWORD ToMethod(SeekOrigin origin) {
+  switch (origin) {
+    case SeekOrigin::kEnd:
+      return FILE_END;
+    case SeekOrigin::kCurrent:
+      return FILE_CURRENT;
+    default:
+      return FILE_BEGIN;
+  }
+}
+
+// -1 on failure. The low half may look like the failure's value: then the last error decides.
+int64_t MovePosition(HANDLE file, int64_t offset, DWORD method) {
+  LONG high = static_cast<LONG>(offset >> 32);
+  const DWORD low = SetFilePointer(file, static_cast<LONG>(offset), &high, method);
+  if (low == INVALID_SET_FILE_POINTER && GetLastError() != NO_ERROR) {
+    return -1;
+  }
+  return static_cast<int64_t>(high) << 32 | low;
+}
+
+}  // namespace
+
+FileHandle SWindowsFileServices::Open(const char* path, FileAccess access, SystemError& error) {
+  const bool alone = access == FileAccess::kReadWrite;
+  const HANDLE file =
+      CreateFileA(path, alone ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ,
+                  alone ? 0 : FILE_SHARE_READ, nullptr, OPEN_EXISTING, kOpenFlags, nullptr);
+  return Report(file != INVALID_HANDLE_VALUE, error) ? reinterpret_cast<FileHandle>(file) : nullptr;
+}
+
+void SWindowsFileServices::Close(FileHandle file) {
+  CloseHandle(ToSystem(file));
+}
+
+int32_t SWindowsFileServices::Read(FileHandle file, void* buffer, int32_t count) {
+  DWORD moved = 0;
+  if (count < 1 ||
+      !Report(ReadFile(ToSystem(file), buffer, static_cast<DWORD>(count), &moved, nullptr) != 0,
+              transferError)) {
+    return 0;
+  }
+  return static_cast<int32_t>(moved);
+}
+
+int32_t SWindowsFileServices::Write(FileHandle file, const void* buffer, int32_t count) {
+  DWORD moved = 0;
+  if (count < 1 ||
+      !Report(WriteFile(ToSystem(file), buffer, static_cast<DWORD>(count), &moved, nullptr) != 0,
+              transferError)) {
+    return 0;
+  }
+  if (static_cast<int32_t>(moved) < count) {
+    transferError = SystemError::kDiskFull;
+  }
+  return static_cast<int32_t>(moved);
+}
+
+bool SWindowsFileServices::Seek(FileHandle file, SeekOrigin origin, int64_t offset) {
+  return MovePosition(ToSystem(file), offset, ToMethod(origin)) >= 0;
+}
+
+int64_t SWindowsFileServices::Tell(FileHandle file) {
+  return MovePosition(ToSystem(file), 0, FILE_CURRENT);
+}
+
+int64_t SWindowsFileServices::Size(FileHandle file) {
+  DWORD high = 0;
+  const DWORD low = GetFileSize(ToSystem(file), &high);
+  if (low == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) {
+    return -1;
+  }
+  return static_cast<int64_t>(high) << 32 | low;
+}
+
+bool SWindowsFileServices::SetEnd(FileHandle file) {
+  return Report(SetEndOfFile(ToSystem(file)) != 0, transferError);
+}
+
+bool SWindowsFileServices::Flush(FileHandle file) {
+  return Report(FlushFileBuffers(ToSystem(file)) != 0, transferError);
+}
+
+}  // namespace kivstore

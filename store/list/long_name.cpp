@@ -1,0 +1,35 @@
+#include "store/list/long_name.h"
+
+#include "archive/binary_stream.h"
+#include "archive/stream_file.h"
+#include "store/place/store_names.h"
+
+namespace kivstore {
+
+bool WriteLongName(const SFileSpec& folder, const SString& first, const SString& last) {
+  SFileSpec file(folder);
+  file.Down(CachedText<kTextLongNameFile>());
+  if (!file.Exists()) {
+    file.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0);
+  }
+  SStreamSrcFile source(file);
+  SBinaryStream stream(SBinaryStream::kWrite, &source, false);
+  if (stream.HasError() || !stream.WriteText(first) || !stream.WriteText(last)) {
+    return false;
+  }
+  stream.FinishWriting(false);
+  return !stream.HasError();
+}
+
+bool ReadLongName(const SFileSpec& file, SString& first, SString& last) {
+  SStreamSrcFile source(file);
+  SBinaryStream stream(SBinaryStream::kRead, &source, false);
+  if (stream.HasError()) {
+    return false;
+  }
+  stream.ReadText(first);
+  stream.ReadText(last);
+  return true;
+}
+
+}  // namespace kivstore

@@ -1,0 +1,310 @@
+// What the POSIX services do to be the file system that the store was written for.
+#ifndef _WIN32
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "foundation/files/file.h"
+#include "foundation/files/file_finder.h"
+#include "platform/platform.h"
+#include "platform/posix/dos_attribute.h"
+#include "platform/posix/wildcard.h"
+#include "tests/support/temp_folder.h"
+
+namespace kivstore {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class PosixServicesTest : public testing::Test {
+ protected:
+  SFileSpec Spec(const std::string& relative) const {
+    return SFileSpec(temp.Path(relative).c_str());
+  }
+
+  SystemError Look(const std::string& relative) {
+    SystemError error = SystemError::kOther;
+    files.Attributes(temp.Path(relative).c_str(), attributes, error);
+    return error;
+  }
+
+  SystemError Move(const std::string& from, const std::string& to) {
+    SystemError error = SystemError::kOther;
+    files.Move(temp.Path(from).c_str(), temp.Path(to).c_str(), error);
+    return error;
+  }
+
+  SystemError Delete(const std::string& relative) {
+    SystemError error = SystemError::kOther;
+    files.Delete(temp.Path(relative).c_str(), error);
+    return error;
+  }
+
+  bool Mark(const std::string& relative, const std::string& value) const {
+    return setxattr(temp.Path(relative).c_str(), "user.DOSATTRIB", value.data(), value.size(), 0) ==
+           0;
+  }
+
+  Names Find(uint16_t mask) const {
+    SFileFinder finder(SFileSpec(temp.Path().c_str()), mask);
+    Names names;
+    SFileSpec spec;
+    while (finder.Next(spec)) {
+      names.push_back(spec.GetFileName().GetText());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  kivtest::TempFolder temp;
+  IFileServices& files = *Platform().files;
+  FileAttributes attributes;
+};
+
+// Runs `body` in a process of its own.
+bool HoldsInChild(const std::function<bool()>& body) {
+  const pid_t child = fork();
+  if (child == 0) {
+    _exit(body() ? 0 : 1);
+  }
+  int status = 1;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// What no Windows folder can hold.
+TEST_F(PosixServicesTest, OfNamesThatDifferInCaseTheExactOneWins) {
+  temp.WriteFile("both/NAME", "upper");
+  temp.WriteFile("both/name", "lower");
+  temp.WriteFile("both/nAmE", "mixed");
+  const struct {
+    const char* asked;
+    const char* found;
+  } cases[] = {{"both/name", "lower"}, {"both/nAmE", "mixed"}, {"BOTH/Name", "upper"}};
+  for (const auto& c : cases) {
+    SFile file;
+    char text[5] = "";
+    ASSERT_TRUE(file.Open(SFile::kRead, Spec(c.asked)));
+    EXPECT_EQ(std::string(text, static_cast<size_t>(file.Read(5, text))), c.found) << c.asked;
+  }
+}
+
+TEST_F(PosixServicesTest, SmallFilesAreReadWithoutAskingForTheirSize) {
+  temp.WriteFile("file", "0123456789");
+  SystemError error;
+  const FileHandle file = files.Open(temp.Path("file").c_str(), FileAccess::kRead, error);
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(files.Size(file), 10);
+  // What was read ahead is served though the file has changed behind everybody's back.
+  ASSERT_EQ(truncate(temp.Path("file").c_str(), 0), 0);
+  char bytes[16];
+  EXPECT_EQ(files.Read(file, bytes, sizeof bytes), 10);
+  files.Close(file);
+}
+
+TEST_F(PosixServicesTest, APipeHasNoSizeAndStopsNobody) {
+  ASSERT_EQ(mkfifo(temp.Path("pipe").c_str(), 0600), 0);
+  SystemError error;
+  const FileHandle file = files.Open(temp.Path("pipe").c_str(), FileAccess::kRead, error);
+  ASSERT_NE(file, nullptr);
+  char byte;
+  EXPECT_EQ(files.Size(file), -1);
+  EXPECT_EQ(files.Read(file, &byte, 1), 0);
+  files.Close(file);
+  EXPECT_EQ(Delete("pipe"), SystemError::kNone);
+}
+
+TEST_F(PosixServicesTest, LinksAreEnteredAndRemovedAsThemselves) {
+  kivtest::TempFolder outside;
+  outside.WriteFile("kept/file", "kept");
+  temp.MakeFolder("tree");
+  ASSERT_EQ(symlink(outside.Path("kept").c_str(), temp.Path("tree/link").c_str()), 0);
+  ASSERT_EQ(symlink(outside.Path("kept/file").c_str(), temp.Path("tree/file link").c_str()), 0);
+  ASSERT_EQ(symlink("nowhere", temp.Path("tree/dangling").c_str()), 0);
+  ASSERT_EQ(symlink(".", temp.Path("tree/self").c_str()), 0);
+  EXPECT_TRUE(Spec("tree/link/file").IsExistingFile());
+  EXPECT_TRUE(Spec("tree/link").IsExistingFolder());
+  EXPECT_EQ(Look("tree/dangling"), SystemError::kFileNotFound);
+  EXPECT_TRUE(Spec("tree").Delete(true));
+  EXPECT_FALSE(temp.Exists("tree"));
+  EXPECT_EQ(outside.ReadFile("kept/file"), "kept");
+}
+
+TEST_F(PosixServicesTest, DeletesATreeDownToABoundedDepth) {
+  const struct {
+    int depth;
+    bool deleted;
+  } cases[] = {{30, true}, {140, false}};
+  for (const auto& c : cases) {
+    std::string path = "deep";
+    for (int i = 0; i < c.depth; ++i) {
+      path += "/d";
+    }
+    temp.WriteFile(path + "/file", "x");
+    EXPECT_EQ(Spec("deep").Delete(true), c.deleted);
+  }
+}
+
+// As a user who owns nothing: the superuser may do everything.
+TEST_F(PosixServicesTest, WithoutPermissionAccessIsDenied) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "needs another user to become";
+  }
+  temp.WriteFile("folder/Readable", "x");
+  temp.WriteFile("folder/secret", "x");
+  temp.WriteFile("unlisted/Name", "x");
+  chmod(temp.Path("folder/secret").c_str(), 0600);
+  chmod(temp.Path("unlisted").c_str(), 0711);
+  const auto openError = [&](const char* name, FileAccess access) {
+    SystemError error = SystemError::kNone;
+    const FileHandle file = files.Open(temp.Path(name).c_str(), access, error);
+    if (file != nullptr) {
+      files.Close(file);
+    }
+    return error;
+  };
+  EXPECT_TRUE(HoldsInChild([&] {
+    return setuid(65534) == 0 &&
+           openError("folder/Readable", FileAccess::kRead) == SystemError::kNone &&
+           openError("folder/READABLE", FileAccess::kReadWrite) == SystemError::kAccessDenied &&
+           openError("folder/secret", FileAccess::kRead) == SystemError::kAccessDenied &&
+           openError("unlisted/Name", FileAccess::kRead) == SystemError::kNone &&
+           openError("unlisted/NAME", FileAccess::kRead) == SystemError::kFileNotFound &&
+           Delete("folder/Readable") == SystemError::kAccessDenied &&
+           Move("folder/Readable", "folder/other") == SystemError::kAccessDenied;
+  }));
+  EXPECT_TRUE(temp.Exists("folder/Readable"));
+}
+
+TEST_F(PosixServicesTest, NamesThatNoPathCanHaveAreSkippedAndTwoDotsAtAnEndAreNoStepUp) {
+  temp.MakeFolder("odd..");
+  temp.WriteFile("with\\backslash", "");
+  EXPECT_EQ(Find(SFileFinder::kEverything), Names({"odd.."}));
+  SFileSpec spec = Spec("");
+  EXPECT_TRUE(spec.Down("odd..") && spec.GetFileName() == "odd.." && spec.Delete(true));
+}
+
+TEST_F(PosixServicesTest, AsksEntriesForTheirMarkIfTheFolderHasOne) {
+  temp.WriteFile("plain", "");
+  temp.WriteFile("marked", "");
+  temp.MakeFolder("folder");
+  if (!Mark("marked", "0x22") || !Mark("folder", "0x12")) {
+    GTEST_SKIP() << "no extended attributes here";
+  }
+  EXPECT_EQ(Find(SFileFinder::kVisibleFiles), Names({"marked", "plain"}));
+  ASSERT_TRUE(Mark("", "0x10"));
+  EXPECT_EQ(Find(SFileFinder::kVisibleFiles), Names({"plain"}));
+  EXPECT_EQ(Find(SFileFinder::kVisibleFolders), Names());
+  EXPECT_EQ(Find(SFileFinder::kEverything), Names({"folder", "marked", "plain"}));
+}
+
+TEST_F(PosixServicesTest, HidingAFileHidesItFromWalks) {
+  temp.WriteFile("folder/file", "");
+  temp.WriteFile(".dot", "");
+  SFileSpec file = Spec("folder/file");
+  if (!Mark(".dot", "0x20")) {
+    GTEST_SKIP() << "no extended attributes here";
+  }
+  EXPECT_FALSE(file.IsHidden() || file.SetHidden(false));
+  EXPECT_TRUE(file.SetHidden(true) && file.IsHidden());
+  EXPECT_FALSE(file.SetHidden(true));
+  SFileSpec shown;
+  EXPECT_FALSE(SFileFinder(Spec("folder"), SFileFinder::kVisibleFiles).Next(shown));
+  EXPECT_TRUE(file.SetHidden(false));
+  EXPECT_TRUE(SFileFinder(Spec("folder"), SFileFinder::kVisibleFiles).Next(shown));
+  EXPECT_TRUE(Spec(".dot").IsHidden());
+  EXPECT_FALSE(Spec(".dot").SetHidden(false));
+}
+
+TEST(DosAttribute, ReadsTheTextAndTheLongForm) {
+  using std::string_literals::operator""s;
+  const struct {
+    std::string value;
+    bool hidden;
+  } cases[] = {{"0x2", true},
+               {"0x22"s, true},
+               {"0x22\0"s, true},
+               {"0x20"s, false},
+               {"0xF\0"s, true},
+               {"0x22x"s, false},
+               {"0x", false},
+               {"22", false},
+               {"", false},
+               // Version 3 behind a text that says otherwise; the long form goes first.
+               {"0x20\0\0\3\0\3\0\0\0\x11\0\0\0\x22\0\0\0rest"s, true},
+               // Versions 4 and 5, without a text.
+               {"\0\0\4\0\4\0\0\0\x51\0\0\0\x02\0\0\0"s, true},
+               {"\0\0\5\0\5\0\0\0\x11\0\0\0\x20\0\0\0"s, false},
+               // Bits that are not valid, a version of the future, a cut value.
+               {"\0\0\4\0\4\0\0\0\x10\0\0\0\x02\0\0\0"s, false},
+               {"\0\0\6\0\6\0\0\0\x11\0\0\0\x02\0\0\0"s, false},
+               {"\0\0\4\0\4\0\0\0\x11\0\0\0\x02\0\0"s, false},
+               {"0x22\0\0\4\0\4\0\0\0"s, true}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(HasHiddenBit(c.value), c.hidden) << testing::PrintToString(c.value);
+    std::string changed = c.value;
+    if (ChangeHiddenBit(changed.data(), static_cast<int>(changed.size()), !c.hidden)) {
+      EXPECT_EQ(HasHiddenBit(changed), !c.hidden);
+      EXPECT_TRUE(ChangeHiddenBit(changed.data(), static_cast<int>(changed.size()), c.hidden));
+      EXPECT_EQ(HasHiddenBit(changed), c.hidden);
+    }
+  }
+}
+
+TEST(MatchesWildcard, IgnoresLetterCaseAndEndsInTime) {
+  const struct {
+    const char* name;
+    const char* mask;
+    bool matches;
+  } cases[] = {{"a.kiv", "*.KIV", true},   {"a.kiv", "?.kiv", true},
+               {"ab.kiv", "?.kiv", false}, {"", "*", true},
+               {"", "?", false},           {"abcabd", "*ab?", true},
+               {"abc", "abc*", true},      {"abc", "ab", false},
+               {"a.b.zep", "*.zep", true}, {"mississippi", "*s*p*i", true}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(MatchesWildcard(c.name, c.mask), c.matches) << c.name << " " << c.mask;
+  }
+  std::string stars;
+  for (int i = 0; i < 100; ++i) {
+    stars += "a*";
+  }
+  EXPECT_FALSE(MatchesWildcard(std::string(255, 'a'), stars + "b"));
+}
+
+TEST_F(PosixServicesTest, ADoubleSeparatorInFrontLeadsNowhereSpecial) {
+  const SFileSpec spec(("/" + temp.Path()).c_str());
+  EXPECT_TRUE(spec.IsExistingFolder());
+  // Up to the fourth backslash, or without one the whole path.
+  EXPECT_EQ(spec.GetRoot(), spec.GetPath());
+  EXPECT_EQ(SFileSpec(temp.Path().c_str()).GetRoot(), spec.GetPath().Mid(1, 3));
+}
+
+TEST_F(PosixServicesTest, LeavesTheFolderThatIsToGo) {
+  temp.MakeFolder("tree/inside");
+  char before[4096];
+  ASSERT_NE(getcwd(before, sizeof before), nullptr);
+  ASSERT_TRUE(files.SetCurrentFolder(temp.Path("TREE\\inside").c_str()));
+  char inside[4096];
+  ASSERT_TRUE(files.CurrentFolder(inside, sizeof inside));
+  EXPECT_TRUE(std::string(inside).ends_with("\\tree\\inside"));
+  EXPECT_FALSE(files.CurrentFolder(inside, 5));
+  SFileSpec tree = Spec("tree");
+  EXPECT_TRUE(tree.Rename("other"));
+  ASSERT_TRUE(files.CurrentFolder(inside, sizeof inside));
+  EXPECT_STREQ(inside, "\\");
+  ASSERT_EQ(chdir(before), 0);
+}
+
+}  // namespace
+}  // namespace kivstore
+
+#endif

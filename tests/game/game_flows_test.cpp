@@ -1,0 +1,367 @@
+// Opening, saving and changing games, with a user who answers as the test says.
+#include <functional>
+
+#include "store/list/listing.h"
+#include "store/place/failure_report.h"
+#include "tests/support/fault_file_services.h"
+#include "tests/support/site_fixture.h"
+#include "tests/support/test_game.h"
+
+namespace kivtest {
+namespace {
+
+using namespace kivstore;
+using Codes = std::vector<int>;
+
+// The answers of a test's user, and what happened.
+struct User {
+  std::vector<SFileSpec> picks;  // one after the other; none: nothing is picked
+  std::string longName = "Mine";
+  bool shared = false;
+  int saveChanges = 0;
+  bool openForeign = false;
+  Codes errors;
+};
+
+class TalkingHost : public TestGameHost {
+ public:
+  using TestGameHost::TestGameHost;
+  SKivGameDob* CreateGame() override;
+
+  User asked;
+};
+
+class TalkingGame : public SGameDob {
+ public:
+  explicit TalkingGame(TalkingHost* host) : SGameDob(host), host(*host) {}
+
+  bool PickSaveFile(SFileSpec& spec, SString& longName, bool& shared, const SFileType&,
+                    void*) override {
+    shared = host.asked.shared;
+    return Pick(spec, longName);
+  }
+  bool PickOpenFile(SFileSpec& spec, SString& longName, const SFileType&, void*) override {
+    return Pick(spec, longName);
+  }
+  int AskSaveChanges(void*) override { return host.asked.saveChanges; }
+  bool ConfirmForeignGame(void*) override {
+    host.events.push_back("foreign?");
+    return host.asked.openForeign;
+  }
+  void ReportError(int16_t code) override {
+    host.asked.errors.push_back(code);
+    SGameDob::ReportError(code);
+  }
+  void OnLoaded() override { host.events.push_back("loaded"); }
+  void OnReplaced() override { host.events.push_back("replaced"); }
+
+ private:
+  bool Pick(SFileSpec& spec, SString& pickedName) {
+    std::vector<SFileSpec>& picks = host.asked.picks;
+    host.events.push_back("pick");
+    if (picks.empty()) {
+      return false;
+    }
+    spec = picks.front();
+    pickedName = host.asked.longName.c_str();
+    picks.erase(picks.begin());
+    return true;
+  }
+
+  TalkingHost& host;
+};
+
+SKivGameDob* TalkingHost::CreateGame() {
+  return outOfMemory ? nullptr : new TalkingGame(this);
+}
+
+GameBytes GameOf(const char* first, const char* last, bool shared, bool progress) {
+  GameBytes bytes;
+  bytes.firstName = first;
+  bytes.lastName = last;
+  bytes.longFileName = progress ? "Mine" : "";
+  bytes.publicFile = shared;
+  bytes.learnedNewKeys = progress;
+  return bytes;
+}
+
+std::string AnnsGame() {
+  return GameOf("Ann", "Lee", false, true).Bytes();
+}
+
+// A local site whose games go to the test's folder, and Ann Lee's unsaved game as the current one.
+// Files are made only after LetFilesBeMade.
+class GameFlow : public SiteFixture {
+ protected:
+  GameFlow() {
+    site.SetSiteMode(kSiteLocal);
+    host.options->UseSystemIODialogs.value = true;
+    host.game.reset(host.CreateGame());
+    Game().firstName = "Ann";
+    Game().lastName = "Lee";
+    Game().longFileName = "Mine";
+    Game().lessonDob.learnedNewKeys = true;
+    Game().SetDirty(true);
+  }
+
+  TalkingGame& Game() { return *static_cast<TalkingGame*>(host.GetGame()); }
+  TalkingGame* Pending() { return static_cast<TalkingGame*>(host.pending); }
+  bool Load(const std::string& bytes) {
+    temp.WriteFile("game.zep", bytes);
+    host.asked.errors.clear();
+    host.events.clear();
+    return Game().LoadFile(Spec("game.zep"), "Picked", nullptr);
+  }
+  static void LetFilesBeMade() { Platform().files = &CreatingFileServices(); }
+
+  TalkingHost host{site};
+  // Puts back what the test changed.
+  SPlatformOverride<IFileServices> services{Platform().files, Platform().files};
+};
+
+TEST_F(GameFlow, SavingWritesTheFileItsLineInTheIndexAndTheUsersMemory) {
+  host.asked.picks = {Spec("ann.zep"), Spec("ann.zep")};
+  EXPECT_FALSE(Game().Save(true, nullptr));  // where no file is made
+  EXPECT_EQ(host.asked.errors, Codes{1000});
+  EXPECT_TRUE(temp.List().empty() && Game().IsDirty() && !Game().fileSpec.IsValid());
+  host.events.clear();
+  LetFilesBeMade();
+  // The second time to the place it has by then: no question, no second line, no longer file.
+  for (const bool first : {true, false}) {
+    ASSERT_TRUE(Game().Save(first, nullptr));
+    EXPECT_EQ(temp.ReadFile("ann.zep"), AnnsGame());
+    EXPECT_EQ(temp.ReadFile("index.kiv"), IndexBytes({}, {{"ann.zep", "Mine", "zep"}}));
+    EXPECT_EQ(temp.List(), (Lines{"ann.zep", "index.kiv"}));
+    EXPECT_FALSE(Game().IsDirty());
+    EXPECT_EQ(host.events, first ? (Lines{"pick", "ann.zep as zep"}) : Lines{"ann.zep as zep"});
+    host.events.clear();
+  }
+}
+
+TEST_F(GameFlow, SavingAsksAgainInsteadOfWritingOverASharedGame) {
+  LetFilesBeMade();
+  const std::string shared = GameOf("", "", true, false).Bytes();
+  temp.WriteFile("shared.zep", shared);
+  host.asked.picks = {Spec("shared.zep"), Spec("shared.zep"), Spec("ann.zep")};
+  EXPECT_TRUE(Game().Save(true, nullptr));
+  EXPECT_FALSE(Game().Save(true, nullptr));  // no place is picked
+  EXPECT_EQ(host.events, (Lines{"pick", "pick", "pick", "ann.zep as zep", "pick"}));
+  EXPECT_EQ(host.asked.errors, (Codes{3, 3}));
+  EXPECT_EQ(temp.ReadFile("shared.zep"), shared);
+}
+
+// What goes to the shared file is a game of its own: the owner's name and nothing of the progress.
+// Only its folder is locked.
+TEST_F(GameFlow, SharingSavesADefaultGameUnderTheFoldersLock) {
+  site.SetSiteMode(kSiteShared);
+  SFileSpec spec = Spec("ann.zep");
+  Game().publicFile = true;
+  EXPECT_FALSE(Game().SaveFile(spec, "Mine", nullptr));
+  EXPECT_TRUE(host.asked.errors.empty());
+  LetFilesBeMade();
+  Game().publicFile = false;
+  EXPECT_TRUE(Game().SaveFile(spec, "Mine", nullptr));
+  EXPECT_FALSE(temp.Exists("index.lok"));
+  Game().fileSpec.Reset();
+  Game().SetDirty(true);
+  host.asked.shared = true;
+  host.asked.picks = {Spec("all.zep"), Spec("more.zep")};
+  ASSERT_TRUE(Game().Save(true, nullptr));
+  ASSERT_TRUE(Game().SaveSharedCopy(nullptr));
+  for (const char* file : {"all.zep", "more.zep"}) {
+    EXPECT_EQ(temp.ReadFile(file), GameOf("Ann", "Lee", true, false).Bytes());
+  }
+  EXPECT_TRUE(temp.Exists("index.lok"));
+  EXPECT_TRUE(Game().IsDirty());
+  EXPECT_FALSE(Game().fileSpec.IsValid());
+}
+
+// Whatever fails: no file is left of a first save, and the record still knows that it is unsaved.
+// If the process dies the file may be torn, but a listing has it once.
+TEST_F(GameFlow, AFirstSaveIsBrokenOffAnywhere) {
+  LetFilesBeMade();
+  for (const bool dies : {false, true}) {
+    bool struck = true;
+    for (int n = 1; struck && n < 100; ++n) {
+      Game().fileSpec.Reset();
+      Game().SetDirty(true);
+      SFileSpec spec = Spec("ann.zep");
+      FaultFileServices faults(*Platform().files);
+      const SPlatformOverride<IFileServices> installed(Platform().files, &faults);
+      dies ? faults.DieAt(n) : faults.FailAt(n, SystemError::kDiskFull);
+      const bool saved = Game().SaveFile(spec, "Mine", nullptr);
+      struck = faults.HasStruck();
+      faults.FailNever();
+      EXPECT_EQ(Game().IsDirty(), !saved) << n;
+      EXPECT_EQ(Game().fileSpec.IsValid(), saved) << n;
+      EXPECT_TRUE(faults.OpenPaths().empty()) << n;
+      const bool isThere = temp.Exists("ann.zep");
+      EXPECT_TRUE(isThere == saved || (dies && struck)) << n;
+      EXPECT_TRUE(!saved || temp.ReadFile("ann.zep") == AnnsGame()) << n;
+      SFileList files;
+      LoadFileListAt(site, files, SpecOn(temp.Path()), "zep", true);
+      EXPECT_EQ(files.GetSize(), isThere ? 1 : 0) << n;
+      for (const std::string& file : temp.List()) {
+        temp.Remove(file);
+      }
+    }
+    EXPECT_FALSE(struck);
+  }
+}
+
+TEST_F(GameFlow, OpeningDecidesWhoseTheGameIs) {
+  const struct {
+    const char *first, *last;
+    bool shared, agrees, opens;
+    bool ours;  // it lies in the file that was opened
+    Lines events;
+  } games[] = {{"ANN", "lee", false, false, true, true, {"game.zep as zep", "loaded"}},
+               {"", "Ann Lee", false, false, true, true, {"game.zep as zep", "loaded"}},
+               {"", "", false, false, true, false, {" as zep", "loaded"}},
+               {"Bob", "Ray", false, false, false, false, {"foreign?"}},
+               {"Bob", "Ray", false, true, true, false, {"foreign?", " as zep", "loaded"}},
+               {"Bob", "Ray", true, false, true, false, {" as zep", "loaded"}},
+               {"Ann", "Lee", true, false, true, false, {" as zep", "loaded"}}};
+  for (const auto& c : games) {
+    SCOPED_TRACE(&c - games);
+    host.SetPendingGame(nullptr);
+    host.asked.openForeign = c.agrees;
+    Game().SetDirty(true);
+    EXPECT_EQ(Load(GameOf(c.first, c.last, c.shared, true).Bytes()), c.opens);
+    EXPECT_EQ(host.events, c.events);
+    EXPECT_TRUE(host.asked.errors.empty());
+    EXPECT_EQ(Game().IsDirty(), !c.opens);
+    ASSERT_EQ(Pending() != nullptr, c.opens);
+    if (c.opens) {
+      EXPECT_EQ(Pending()->fileSpec.IsValid(), c.ours);
+      EXPECT_EQ(Pending()->IsDirty(), !c.ours);
+      EXPECT_EQ(Pending()->GetFullNameUpper(), "ANN LEE");
+      EXPECT_EQ(Pending()->longFileName, "Picked");
+      EXPECT_FALSE(Pending()->publicFile);
+      EXPECT_TRUE(Pending()->lessonDob.learnedNewKeys);
+    }
+  }
+}
+
+TEST_F(GameFlow, OpeningReportsWhyItFailed) {
+  std::string newer = AnnsGame();
+  newer[7] = 1;
+  for (const auto& [bytes, code] : {std::pair("BIN\1" + AnnsGame().substr(4), 0),
+                                    {newer, 0},
+                                    {"", 0},
+                                    {AnnsGame().substr(0, AnnsGame().size() - 1), 1004}}) {
+    EXPECT_FALSE(Load(bytes)) << bytes.size();
+    EXPECT_EQ(host.asked.errors, Codes{code}) << bytes.size();
+  }
+  host.outOfMemory = true;
+  EXPECT_FALSE(Load(AnnsGame()));
+  EXPECT_FALSE(Game().LoadFile(Spec("missing.zep"), "", nullptr));
+  EXPECT_EQ(host.asked.errors, (Codes{1, 1001}));
+  EXPECT_TRUE(Game().IsDirty());
+  EXPECT_EQ(Pending(), nullptr);
+  for (const auto& [code, text] : std::vector<std::pair<int16_t, std::string>>{
+           {0,
+            "Unable to open the file you selected because the file is not a valid zep game "
+            "file."},
+           {1, "There is not enough memory to open that file."},
+           {2, "This game was not saved under your name. Do you want to open it anyway?"},
+           {3, "You cannot save over that file because it is a shared file."},
+           {1001, "Unable to open the file you selected."},
+           {4, ""}}) {
+    site.ClearFailure();
+    Game().ReportError(code);
+    EXPECT_EQ(Said(), text) << code;
+  }
+}
+
+TEST_F(GameFlow, OpeningAsksForThePlaceOnceTheOldGameMayGo) {
+  temp.WriteFile("game.zep", AnnsGame());
+  temp.WriteFile("index.kiv", IndexBytes({}, {{"game.zep", "Monday", "zep"}}));
+  host.asked.longName = "";
+  host.asked.picks = {Spec("game.zep")};
+  host.asked.saveChanges = 2;
+  EXPECT_FALSE(Game().Open(nullptr));
+  host.asked.saveChanges = 4;
+  EXPECT_TRUE(Game().Open(nullptr));
+  EXPECT_EQ(Pending()->longFileName, "Monday");  // from the index
+  EXPECT_FALSE(Game().Open(nullptr));
+}
+
+TEST_F(GameFlow, AnUnsavedGameIsClosedAsTheAnswerSays) {
+  LetFilesBeMade();
+  for (const auto& [answer, closes] :
+       {std::pair(-1, false), {0, true}, {1, true}, {2, false}, {3, false}, {4, true}, {5, true}}) {
+    host.asked.saveChanges = answer;
+    EXPECT_EQ(Game().ConfirmClose(nullptr), closes) << answer;
+  }
+  host.asked.saveChanges = 3;
+  host.asked.picks = {Spec("ann.zep")};
+  EXPECT_TRUE(Game().ConfirmClose(nullptr));
+  EXPECT_FALSE(Game().IsDirty());
+  host.asked.saveChanges = -1;
+  EXPECT_TRUE(Game().ConfirmClose(nullptr));
+}
+
+STeacherOptionsGameDob& OptionsOf(const SKivGameDob& game) {
+  return *static_cast<STeacherOptionsGameDob*>(game.GetOptions());
+}
+
+TEST_F(GameFlow, ANewGameStartsWithTheOptionsOfItsKind) {
+  host.options->GetGameOptions()->Speed.value = 20;
+  OptionsOf(Game()).Speed.value = 30;
+  STeacherOptionsGameDob chosen;
+  chosen.Speed.value = 40;
+  const struct {
+    std::function<bool()> start;
+    int16_t speed;
+    Lines events;
+  } starts[] = {{[&] { return Game().NewGame(nullptr); }, 20, {"replaced"}},
+                {[&] { return Game().NewGameWithOptions(chosen, nullptr); }, 40, {}},
+                {[&] { return Game().NewGameKeepingOptions(nullptr); }, 30, {}}};
+  for (const auto& c : starts) {
+    host.SetPendingGame(nullptr);
+    host.events.clear();
+    host.asked.saveChanges = 2;
+    EXPECT_FALSE(c.start());
+    host.asked.saveChanges = 0;
+    host.outOfMemory = true;
+    EXPECT_FALSE(c.start());
+    EXPECT_EQ(Pending(), nullptr);
+    host.outOfMemory = false;
+    ASSERT_TRUE(c.start());
+    EXPECT_EQ(OptionsOf(*Pending()).Speed.value, c.speed);
+    EXPECT_EQ(Pending()->GetFullName(), "Ann Lee");
+    EXPECT_FALSE(Pending()->IsDirty());
+    EXPECT_EQ(host.events, c.events);
+  }
+  host.events.clear();
+  Game().OnActivated();
+  EXPECT_EQ(host.events, Lines{"options"});
+}
+
+TEST_F(GameFlow, TheGameThatIsReplacedMayBeThePendingOne) {
+  ASSERT_TRUE(Game().NewDefaultGame(nullptr));
+  ASSERT_TRUE(Pending()->NewDefaultGame(nullptr));
+  temp.WriteFile("game.zep", AnnsGame());
+  EXPECT_TRUE(Pending()->LoadFile(Spec("game.zep"), "Second", nullptr));
+  EXPECT_EQ(Pending()->longFileName, "Second");
+  EXPECT_EQ(host.events, (Lines{"replaced", "game.zep as zep"}));
+}
+
+TEST_F(GameFlow, GamesGoWhereTheOptionsSay) {
+  StoreBuilder store(temp.Path(), Kind::kLocal);
+  store.AddStudent(store.AddClass("", "Default", "Default"), "Ann", "Lee", "AnnLee");
+  store.Finish();
+  host.user.studentEntry = Entry("AnnLee", "Ann", "Lee");
+  SFileSpec spec;
+  Game().DefaultGameFolder(spec);
+  EXPECT_EQ(spec.GetPath(), Spec("").GetPath());
+  host.options->UseSystemIODialogs.value = false;
+  Game().DefaultGameFolder(spec);
+  EXPECT_EQ(PlaceAndKind(spec), "folder Classes.zep/Default/Students/AnnLee/");
+  SGameDob().DefaultGameFolder(spec);
+  EXPECT_FALSE(spec.IsValid());
+}
+
+}  // namespace
+}  // namespace kivtest

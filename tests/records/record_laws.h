@@ -1,0 +1,216 @@
+// For one source of a program: the laws that every record keeps, whatever its fields. Each record
+// gives a maker and the table of its defaults; random tables are tried, so that a law holds for
+// every field and both stored forms.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "tests/records/record_model.h"
+
+namespace kivtest {
+
+struct RecordSubject {
+  const char* name;
+  std::function<std::unique_ptr<kivstore::SDob>()> make;
+  RecordFields defaults;
+
+  friend std::ostream& operator<<(std::ostream& out, const RecordSubject& subject) {
+    return out << subject.name;
+  }
+};
+
+class RecordLaws : public testing::TestWithParam<RecordSubject> {
+ protected:
+  using SDob = kivstore::SDob;
+
+  // A clean record with the fields of the table.
+  std::unique_ptr<SDob> Made(const RecordFields& fields) const {
+    std::unique_ptr<SDob> record = GetParam().make();
+    EXPECT_TRUE(Fill(*record, BytesOf(fields)));
+    EXPECT_FALSE(record->IsDirty());
+    return record;
+  }
+  RecordFields Random(Draw& draw, bool withLengths = true) const {
+    return Randomized(GetParam().defaults, draw, withLengths);
+  }
+  // The defaults; texts are the owner's and stay.
+  RecordFields Cleared(const RecordFields& fields) const {
+    RecordFields cleared = GetParam().defaults;
+    for (size_t i = 0; i < cleared.size(); ++i) {
+      cleared[i].text = fields[i].text;
+    }
+    return cleared;
+  }
+  // A mission of the list that is begun has the default of a mission, not the course's.
+  static FieldBytes Begun(FieldBytes field) {
+    if (field.section == "_Missions" && !IsStructure(field)) {
+      field.values = {2};
+    }
+    return field;
+  }
+  const TestClock clock;
+  const PrefText pref;
+};
+
+TEST_P(RecordLaws, StartsAtItsDefaultsAndComesBackToThem) {
+  Draw draw(1);
+  const RecordFields table = Random(draw);
+  const std::unique_ptr<SDob> fresh = GetParam().make(), record = Made(table);
+  const std::unique_ptr<SDob> sibling(record->CreateNew());
+  EXPECT_TRUE(sibling->IsEqual(*fresh));
+  EXPECT_EQ(sibling->GetClassId(), record->GetClassId());
+  fresh->SetDirty(false);
+  EXPECT_EQ(Differing(*fresh, GetParam().defaults), "");
+  EXPECT_FALSE(fresh->IsDirty());
+  record->Clear();
+  EXPECT_TRUE(record->IsDirty());
+  EXPECT_TRUE(record->GetModified().IsFresh());
+  record->SetDirty(false);
+  EXPECT_EQ(Differing(*record, Cleared(table)), "");
+}
+
+TEST_P(RecordLaws, ComesBackWholeFromItsBytes) {
+  ForSeeds(20, [&](Draw& draw) {
+    const RecordFields table = Random(draw);
+    EXPECT_EQ(Differing(*Made(table), table), "");
+  });
+}
+
+// What lies whole before the cut is read, what lies whole behind it has its default. (A torn text
+// is as long as it came.)
+TEST_P(RecordLaws, ReadsTornBytesAsFarAsTheyGo) {
+  Draw draw(1);
+  const RecordFields table = Stored(Random(draw, false)), defaults = Cleared(table);
+  const std::string bytes = BytesOf(table);
+  const std::unique_ptr<SDob> record = GetParam().make();
+  for (size_t cut = 0; cut < bytes.size(); cut += 1 + cut / 64) {
+    ASSERT_FALSE(Fill(*record, bytes.substr(0, cut))) << cut;
+    ASSERT_FALSE(record->IsDirty()) << cut;
+    const std::string read = BytesOf(*record);
+    size_t start = 0;
+    for (size_t i = 0; i < table.size() && table[0].type != 't'; ++i) {
+      const std::string wanted = table[i].Bytes(), held = read.substr(start, wanted.size());
+      const size_t end = start + wanted.size();
+      ASSERT_TRUE((start < cut && cut < end) ||
+                  (end <= cut ? held == wanted
+                              : held == defaults[i].Bytes() || held == Begun(defaults[i]).Bytes()))
+          << table[i].key << ", cut at " << cut;
+      start = end;
+    }
+  }
+}
+
+TEST_P(RecordLaws, IsEqualByEachValueAndNoStamp) {
+  Draw draw(1);
+  const RecordFields table = Random(draw, false);
+  const std::unique_ptr<SDob> record = Made(table);
+  for (size_t i = 0; i < table.size(); ++i) {
+    RecordFields stamped = table, other = table, shorter = table;
+    stamped[i].stamp += table[i].isStamped;
+    EXPECT_TRUE(record->IsEqual(*Made(stamped))) << table[i].key;
+    if (!IsStructure(table[i])) {
+      other[i].text += "x";
+      other[i].values.empty() ? 0 : other[i].values.back() ^= 1;
+      EXPECT_TRUE(record->IsNotEqual(*Made(other))) << table[i].key;
+    }
+    if (table[i].isArray) {
+      shorter[i].values.pop_back();
+      EXPECT_FALSE(record->IsEqual(*Made(shorter))) << table[i].key;
+    }
+  }
+}
+
+TEST_P(RecordLaws, CopiesValuesStampsAndDirt) {
+  Draw draw(1);
+  const RecordFields table = Random(draw), before = Random(draw);
+  const std::unique_ptr<SDob> source = Made(table), record = Made(before);
+  record->Copy(*record);
+  EXPECT_EQ(Differing(*record, before), "");
+  for (const bool dirty : {true, false}) {
+    ASSERT_TRUE(Fill(*source, BytesOf(table)));
+    dirty ? source->SetDirty(true) : void();
+    record->Copy(*source);
+    EXPECT_EQ(Differing(*record, table), "");
+    EXPECT_EQ(record->IsDirty(), dirty);
+    EXPECT_TRUE(record->IsEqual(*source));
+  }
+}
+
+TEST_P(RecordLaws, IsCleanWithoutStampsAndModifiedAtItsNewest) {
+  Draw draw(1);
+  RecordFields table = Random(draw);
+  uint32_t newest = 0;
+  for (const FieldBytes& field : table) {
+    newest = std::max(newest, field.stamp);
+  }
+  const std::unique_ptr<SDob> record = Made(table);
+  EXPECT_EQ(record->GetModified().Raw(), newest);
+  record->ClearStamps();
+  for (FieldBytes& field : table) {
+    field.stamp = field.stamp == kFresh ? kFresh : 0;
+  }
+  EXPECT_EQ(Differing(*record, table), "");
+  record->SetDirty(true);
+  EXPECT_TRUE(record->IsDirty());
+  EXPECT_TRUE(record->GetModified().IsFresh());
+  record->SetDirty(false);
+  for (FieldBytes& field : table) {
+    field.stamp = 0;
+  }
+  EXPECT_EQ(Differing(*record, table), "");
+  EXPECT_EQ(record->GetModified().Raw(), 0u);
+}
+
+TEST_P(RecordLaws, SharesOnlyDirtWithAForeignRecord) {
+  Draw draw(1);
+  const RecordFields table = Random(draw);
+  const std::unique_ptr<SDob> record = Made(table);
+  SDob plain;
+  for (const bool dirty : {true, false}) {
+    plain.SetDirty(dirty);
+    record->Merge(plain);
+    EXPECT_TRUE(record->IsDirty());
+  }
+  record->Copy(plain);
+  record->MarkDifferences(plain);
+  EXPECT_FALSE(record->IsDirty() || record->HasDifferences());
+  EXPECT_EQ(Differing(*record, table), "");
+  EXPECT_FALSE(record->IsEqual(plain) || plain.IsEqual(*record) || plain.IsA(*record));
+  EXPECT_TRUE(record->IsA(plain) && record->IsA(*record));
+}
+
+TEST_P(RecordLaws, ComesBackWholeFromItsText) {
+  Draw draw(1);
+  const kivstore::SFileSpec spec = pref.Write("; notes\r\n");
+  const RecordFields table = Stored(Random(draw));
+  std::set<std::string> lines = LinesOf(table, "Me");
+  lines.insert("; notes");
+  ASSERT_TRUE(Made(table)->SaveToPref(spec, "Me"));
+  EXPECT_EQ(pref.Lines(), lines);
+  const std::unique_ptr<SDob> read = GetParam().make();
+  EXPECT_TRUE(read->LoadFromPref(spec, "Me"));
+  EXPECT_EQ(Differing(*read, table), "");
+  EXPECT_TRUE(read->DeleteFromPref(spec, "Me"));
+  EXPECT_EQ(pref.Lines(), std::set<std::string>{"; notes"});
+}
+
+// An absent key is a failure, but the rest is read.
+TEST_P(RecordLaws, KeepsTheDefaultOfWhatATextLacks) {
+  ForSeeds(5, [&](Draw& draw) {
+    RecordFields table = Stored(Random(draw, false));
+    FieldBytes& lacking = table[static_cast<size_t>(draw.Below(static_cast<int>(table.size())))];
+    std::set<std::string> lines = LinesOf(table, "Me");
+    for (const std::string& line : LinesOf({lacking}, "Me")) {
+      lines.erase(line);
+    }
+    lacking = Begun(GetParam().defaults[static_cast<size_t>(&lacking - table.data())]);
+    const std::unique_ptr<SDob> read = GetParam().make();
+    EXPECT_FALSE(read->LoadFromPref(pref.Write(lines), "Me")) << lacking.key;
+    EXPECT_EQ(Differing(*read, table), "");
+  });
+}
+
+}  // namespace kivtest

@@ -1,0 +1,134 @@
+#include "store/list/name_derivation.h"
+
+#include "store/list/long_name.h"
+#include "tests/support/site_fixture.h"
+
+using namespace kivstore;
+using namespace kivtest;
+using namespace std::string_literals;
+
+namespace {
+
+struct Derived {
+  std::string name;
+  bool exists = false;
+};
+
+Derived FolderFor(const TempFolder& folder, const char* first, const char* last) {
+  SFileSpec spec = SpecOn(folder.Path());
+  const SString path = spec.GetPath();
+  Derived derived{"", true};
+  derived.name = Bytes(DeriveFolderName(spec, first, last, derived.exists));
+  EXPECT_EQ(spec.GetPath(), path);
+  return derived;
+}
+
+TEST(DeriveFolderName, KeepsLettersAndDigitsThenThinsVowelsThenCuts) {
+  const TempFolder folder;
+  const struct {
+    const char *first, *last, *name;
+  } cases[] = {
+      {"Christopher", "Applebaum", "Chrstphr"},
+      {"Room 12", "", "Room12"},
+      {"Anneliese", "", "Annliese"},
+      {"AEIOUAEIOUx", "", "AEIOUAEI"},
+      {"Zo\xE9", "O'Hara-Smith", "ZOHrSmth"},
+      {"", "", "Empty"},
+      {"...", "!?", "Empty"},
+      {"..\\x", "/", "x"},
+      // one by one taken: padded with noughts, then through the digits
+      {"Ann", "Lee", "AnnLee"},
+      {"Ann", "Lee", "AnnLee0"},
+      {"Ann", "Lee", "AnnLee00"},
+      {"Ann", "Lee", "AnnLee01"},
+      {"Ann", "Lee", "AnnLee02"},
+  };
+  for (const auto& c : cases) {
+    const Derived derived = FolderFor(folder, c.first, c.last);
+    EXPECT_EQ(derived.name, c.name);
+    EXPECT_FALSE(derived.exists);
+    if (derived.name != "Empty") {
+      folder.MakeFolder(derived.name);
+    }
+  }
+}
+
+TEST(DeriveFolderName, ExistsOnlyForAFolderThatSaysSo) {
+  const TempFolder folder;
+  folder.WriteFile("AnnLee/longname.kiv", "Anna\0Lee\0"s);
+  folder.WriteFile("AnnLee0", "a file in the way");
+  folder.MakeFolder("AnnLee00/longname.kiv");
+  folder.WriteFile("AnnLee01/longname.kiv", "");
+  EXPECT_EQ(FolderFor(folder, "Ann", "Lee").name, "AnnLee02");
+  folder.WriteFile("annlee02/LONGNAME.KIV", "ANN LEE\0\0"s);
+  const Derived derived = FolderFor(folder, "Ann", "Lee");
+  EXPECT_EQ(derived.name, "AnnLee02");
+  EXPECT_TRUE(derived.exists);
+}
+
+TEST(DeriveName, GivesTheLastVariantWhenAllAreTaken) {
+  const TempFolder folder;
+  const std::string digits = "0123456789abcdefghijklmnopqrstuvwxyz";
+  for (const char first : digits) {
+    for (const char second : digits) {
+      folder.MakeFolder({first, second});
+    }
+  }
+  SFileSpec spec = SpecOn(folder.Path());
+  bool exists = true;
+  EXPECT_EQ(DeriveName(spec, "q", "q", "Empty", 2, exists, SString()), "zz");
+  EXPECT_FALSE(exists);
+  EXPECT_EQ(DeriveName(spec, "q", "q", "Empty", 0, exists, SString()), "");
+}
+
+TEST(DeriveFileName, CountsAFileOfTheNameAsTaken) {
+  const TempFolder folder;
+  folder.WriteFile("UserFile.zep", "");
+  folder.WriteFile("Mygame.txt", "");
+  const struct {
+    const char *longName, *name;
+    bool exists;
+  } cases[] = {{"My game!", "Mygame", false}, {"???", "UserFil0", true}};
+  for (const auto& c : cases) {
+    SFileSpec spec = SpecOn(folder.Path());
+    bool exists = !c.exists;
+    EXPECT_EQ(DeriveFileName(spec, c.longName, exists, "zep"), c.name);
+    EXPECT_EQ(exists, c.exists);
+  }
+}
+
+TEST(LongName, IsTwoTextsAndIsMadeOnlyWhereFilesAre) {
+  const TempFolder folder;
+  const SFileSpec spec = SpecOn(folder.Path());
+  WriteLongName(spec, "Room 12", "");
+  EXPECT_FALSE(folder.Exists("longname.kiv"));
+  {
+    const CreatingScope creating;
+    WriteLongName(spec, "A longer name", "");
+  }
+  WriteLongName(spec, "Ann", "Lee");
+  EXPECT_EQ(folder.ReadFile("longname.kiv"), "Ann\0Lee\0"s);
+}
+
+TEST(LongName, KeepsTheLastNameWhereTheFileEndsWithinTheFirst) {
+  const TempFolder folder;
+  const struct {
+    std::string bytes;
+    const char *first, *last;
+  } cases[] = {
+      {"", "", "before"},      {"An", "An", "before"},        {"Ann\0"s, "Ann", ""},
+      {"Ann\0L"s, "Ann", "L"}, {"Ann\0Lee\0"s, "Ann", "Lee"}, {"\0\0"s, "", ""},
+  };
+  for (const auto& c : cases) {
+    folder.WriteFile("longname.kiv", c.bytes);
+    SString first, last = "before";
+    EXPECT_TRUE(ReadLongName(SpecOn(folder.Path("longname.kiv")), first, last));
+    EXPECT_EQ(first, c.first);
+    EXPECT_EQ(last, c.last);
+  }
+  SString first = "x", last = "y";
+  EXPECT_FALSE(ReadLongName(SpecOn(folder.Path("none.kiv")), first, last));
+  EXPECT_EQ(first + last, "xy");
+}
+
+}  // namespace

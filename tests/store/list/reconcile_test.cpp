@@ -1,0 +1,213 @@
+#include <set>
+
+#include "store/list/listing.h"
+#include "tests/support/fault_file_services.h"
+#include "tests/support/site_fixture.h"
+
+using namespace kivstore;
+using namespace kivtest;
+
+namespace {
+
+const std::string kList = "Classes.zep/Room/Students";
+
+// The list at hand is that of the students of one class.
+class ReconcileTest : public SiteFixture {
+ protected:
+  StoreBuilder Build(Kind kind, const std::vector<IndexLine>& students) {
+    UseSite(kind);
+    temp.Remove("Classes.zep");
+    StoreBuilder store(temp.Path(), kind);
+    store.AddClass("", "Room", "Room");
+    for (const IndexLine& student : students) {
+      store.AddStudent("Classes.zep/Room", student.first, student.last, student.folder);
+    }
+    store.Finish();
+    return store;
+  }
+  // A folder that the index does not know.
+  void AddFolder(const std::string& folder, const std::string& first,
+                 const std::string& last = "") const {
+    temp.WriteFile(In(folder + "/longname.kiv"), LongNameBytes(first, last));
+    temp.WriteFile(In(folder + "/index.lok"), "");
+  }
+  Lines Listed() {
+    SLoginList list;
+    LoadStudentList(site, list, Entry("Room", "Room"), true, true);
+    return Described(list);
+  }
+  std::string Index() const { return temp.ReadFile(kList + "/index.kiv"); }
+  static std::string In(const std::string& folder) { return kList + "/" + folder; }
+};
+
+TEST_F(ReconcileTest, AFolderThatTellsItsNameIsListedOnceInDisplayOrder) {
+  Build(Kind::kShared, {{"a", "Zoe", ""}, {"b", "Bob", "Ray"}, {"c", "Ann", "Lee"}});
+  AddFolder("aaa", "Mia", "Kay");
+  EXPECT_EQ(Listed(), Lines({"c:Ann:Lee", "b:Bob:Ray", "aaa:Mia:Kay", "a:Zoe:"}));
+  EXPECT_EQ(
+      Index(),
+      IndexBytes(
+          {{"c", "Ann", "Lee"}, {"b", "Bob", "Ray"}, {"aaa", "Mia", "Kay"}, {"a", "Zoe", ""}}));
+  const auto repaired = Snapshot();
+  EXPECT_EQ(Listed(), Lines({"a:Zoe:", "aaa:Mia:Kay", "b:Bob:Ray", "c:Ann:Lee"}));
+  EXPECT_EQ(Changes(repaired, Snapshot()), Lines());
+}
+
+TEST_F(ReconcileTest, AnEntryWithoutAFolderOfItsOwnGoes) {
+  const struct {
+    const char* rule;
+    Lines folders;
+    std::vector<IndexLine> before, after;  // in the index
+    Lines listed;
+  } cases[] = {
+      {"in display order",
+       {"a", "c"},
+       {{"a", "Zoe", ""}, {"b", "Bob", "Ray"}, {"c", "Ann", "Lee"}},
+       {{"c", "Ann", "Lee"}, {"a", "Zoe", ""}},
+       {"c:Ann:Lee", "a:Zoe:"}},
+      {"names that differ in letter case are one",
+       {"annLee"},
+       {{"ANNLEE", "Ann", "Lee"}, {"AnnLee", "Ann", "Twice"}},
+       {{"ANNLEE", "Ann", "Lee"}},
+       {"ANNLEE:Ann:Lee"}},
+      {"long names are told apart behind the eighth character",
+       {"Folder-number-2", "Folder-number-10"},
+       {{"FOLDER-NUMBER-1", "Ann", ""}, {"FOLDER-NUMBER-2", "Bob", ""}},
+       {{"FOLDER-NUMBER-2", "Bob", ""}},
+       {"FOLDER-NUMBER-2:Bob:"}},
+      {"a name of eight is told from a longer one",
+       {"eightlet"},
+       {{"eightlet", "Ann", ""}, {"eightlett", "Bob", ""}},
+       {{"eightlet", "Ann", ""}},
+       {"eightlet:Ann:"}},
+      {"names that lead elsewhere are no folders",
+       {"a"},
+       {{"", "Empty", ""},
+        {"..", "Up", ""},
+        {"..\\Students\\a", "Round", ""},
+        {"../Shared", "Slash", ""},
+        {"a", "Zoe", ""}},
+       {{"a", "Zoe", ""}},
+       {"a:Zoe:"}},
+  };
+  for (const auto& c : cases) {
+    Build(Kind::kLocal, {});
+    temp.WriteFile(In("b"), "a file is no folder");
+    for (const std::string& folder : c.folders) {
+      temp.MakeFolder(In(folder));
+    }
+    temp.WriteFile(kList + "/index.kiv", IndexBytes(c.before, {{"x.zep", "X", "zep"}}));
+    EXPECT_EQ(Listed(), c.listed) << c.rule;
+    EXPECT_EQ(Index(), IndexBytes(c.after, {{"x.zep", "X", "zep"}})) << c.rule;
+  }
+}
+
+TEST_F(ReconcileTest, AHiddenFolderIsAsGoodAsGone) {
+  const StoreBuilder store = Build(Kind::kLocal, {{"a", "Zoe", ""}, {"b", "Bob", "Ray"}});
+  if (!store.Hide(In("b"))) {
+    GTEST_SKIP() << "this disk keeps no hidden mark";
+  }
+  EXPECT_EQ(Listed(), Lines({"a:Zoe:"}));
+}
+
+TEST_F(ReconcileTest, AFolderThatTellsNoNameStaysUnknown) {
+  Build(Kind::kShared, {{"a", "Zoe", ""}});
+  temp.MakeFolder(In("silent"));
+  AddFolder("nameless", "", "Lee");
+  temp.WriteFile(In("lockless/longname.kiv"), LongNameBytes("Ann", "Lee"));
+  AddFolder("busy", "Bob", "Ray");
+  const auto before = Snapshot();
+  {
+    const Holder other(Spec(In("busy/index.lok")));
+    EXPECT_EQ(Listed(), Lines({"a:Zoe:"}));
+    EXPECT_EQ(Why(), "locked students " + In("busy/index.lok"));
+  }
+  EXPECT_EQ(Changes(before, Snapshot()), Lines());
+  EXPECT_EQ(Listed(), Lines({"busy:Bob:Ray", "a:Zoe:"}));
+}
+
+TEST_F(ReconcileTest, EntriesOfOneNameAreToldApartByTheirEnds) {
+  const struct {
+    const char* rule;
+    std::vector<IndexLine> found;  // by their folders alone
+    Lines listed;
+  } cases[] = {
+      {"the second one's last name changes",
+       {{"AnnLee", "Ann", "Lee"}, {"AnnLee0", "ann", "LEE"}},
+       {"AnnLee0:ann:LE0", "AnnLee:Ann:Lee"}},
+      {"a first name alone changes itself",
+       {{"R1", "Room", ""}, {"R2", "Room", ""}, {"R3", "Room", ""}},
+       {"R2:Roo0:", "R3:Roo1:", "R1:Room:"}},
+      {"behind others the first of the two is met first",
+       {{"A", "Amy", ""}, {"B1", "Bob", ""}, {"B2", "Bob", ""}},
+       {"A:Amy:", "B1:Bo0:", "B2:Bob:"}},
+      {"the new name may sort behind the old",
+       {{"F1", "A-", ""}, {"F2", "A-", ""}, {"F3", "B", ""}},
+       {"F1:A-:", "F2:A0:", "F3:B:"}},
+      {"one display name from different parts",
+       {{"a", "Ann Lee", ""}, {"b", "Ann", "Lee"}},
+       {"b:Ann:Le0", "a:Ann Lee:"}},
+      {"Default gives its folder's name",
+       {{"Default", "Default", ""}, {"Other", "Default", ""}},
+       {"Default:Default:", "Other:Other:"}},
+      {"and is varied where that is taken",
+       {{"Default", "Default", ""}, {"Other", "Default", ""}, {"Third", "Other", ""}},
+       {"Default:Default:", "Other:Othe0:", "Third:Other:"}},
+  };
+  for (const auto& c : cases) {
+    Build(Kind::kShared, {});
+    for (const IndexLine& folder : c.found) {
+      AddFolder(folder.folder, folder.first, folder.last);
+    }
+    EXPECT_EQ(Listed(), c.listed) << c.rule;
+    // The new name is in the folder too: the same comes out once the index is lost.
+    temp.Remove(kList + "/index.kiv");
+    EXPECT_EQ(Listed(), c.listed) << c.rule;
+  }
+}
+
+TEST_F(ReconcileTest, ABusyFolderKeepsItsOldNameFile) {
+  const StoreBuilder store =
+      Build(Kind::kShared, {{"a", "Ann", ""}, {"b", "Ann", ""}, {"c", "Cid", ""}});
+  store.RemoveFolder(In("c"));
+  const Holder other(Spec(In("b/index.lok")));
+  EXPECT_EQ(Listed(), Lines({"b:An0:", "a:Ann:"}));
+  EXPECT_EQ(Index(), IndexBytes({{"b", "An0", ""}, {"a", "Ann", ""}}));
+  EXPECT_EQ(temp.ReadFile(In("b/longname.kiv")), LongNameBytes("Ann"));
+}
+
+TEST_F(ReconcileTest, NamesThatRunOutOfVariantsEndTheSearch) {
+  Build(Kind::kLocal, {});
+  for (int i = 0; i < 40; ++i) {
+    AddFolder("f" + std::to_string(i), "z");
+  }
+  std::multiset<std::string> names;
+  for (const std::string& line : Listed()) {
+    names.insert(line.substr(line.find(':')));
+  }
+  EXPECT_EQ(names.size(), 40u);
+  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), 36u);
+}
+
+// An entry whose folder tells no name lives by its line in the index alone.
+TEST_F(ReconcileTest, NoFailureOnTheWayCostsAnEntry) {
+  const StoreBuilder store = Build(Kind::kShared, {{"b", "Bob", ""}, {"a", "Zoe", ""}});
+  store.RemoveFile(In("a") + "/longname.kiv");
+  const auto before = Snapshot();
+  for (const bool forever : {false, true}) {
+    FaultFileServices services(*Platform().files);
+    const SPlatformOverride<IFileServices> installed(Platform().files, &services);
+    bool struck = true;
+    for (int n = 1; struck && n < 200; ++n) {
+      services.FailAt(n, SystemError::kSharingViolation, forever);
+      Listed();
+      struck = services.HasStruck();
+      services.FailNever();
+      EXPECT_EQ(Changes(before, Snapshot()), Lines()) << n;
+      EXPECT_EQ(services.OpenPaths(), Lines()) << n;
+    }
+    EXPECT_FALSE(struck);
+  }
+}
+
+}  // namespace
