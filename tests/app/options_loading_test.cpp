@@ -101,8 +101,8 @@ TEST_F(OptionsLoading, LocksStayHeldAndOneThatCannotBeHadEndsTheLoad) {
     STeacherOptionsDob record;
     SSite& site = call->GetSite();
     SLockFile ofRoot(site), ofClass(site), ofStudent(site);
-    EXPECT_EQ(free, App().LoadTeacherOptions(
-                        {&classEntry, &annEntry, false, &record, false, &ofRoot, &ofClass, &ofStudent}));
+    EXPECT_EQ(free, App().LoadTeacherOptions({&classEntry, &annEntry, false, &record, false,
+                                              &ofRoot, &ofClass, &ofStudent}));
     EXPECT_EQ(site.GetFailure().kind, free ? FailureKind::kNone : FailureKind::kMissing);
     EXPECT_EQ(record.TextSize.value, free ? 5 : 3);
     EXPECT_TRUE(ofRoot.IsFileOpen());
