@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # What run.sh and compare_builds.sh share: two sides play the same calls on the same stores, and every
 # answer and everything that is left is compared. To be sourced by a script that has said what
 # `play_one STORE` and `play_other STORE` are.
