@@ -3,6 +3,12 @@
 #include <windows.h>
 
 namespace kivstore {
+namespace {
+
+// Not in every toolchain's headers.
+constexpr DWORD kDiskQuotaExceeded = 1295;
+
+}  // namespace
 
 SystemError LastSystemError() {
   const DWORD code = GetLastError();
@@ -22,7 +28,7 @@ SystemError LastSystemError() {
     case ERROR_LOCK_VIOLATION:
       return SystemError::kSharingViolation;
     case ERROR_HANDLE_DISK_FULL:
-    case ERROR_DISK_QUOTA_EXCEEDED:
+    case kDiskQuotaExceeded:
       return SystemError::kDiskFull;
     case ERROR_NOT_READY:
     case ERROR_BAD_NETPATH:
