@@ -108,4 +108,9 @@ need_wine() {
   WINEPREFIX=$PWD/build/windows64/wine
   WINEDEBUG=-all
   export WINEPREFIX WINEDEBUG
+  # The first start lays out the prefix, and now and then it takes a second one.
+  "$wine" cmd /c ver >/dev/null 2>&1 || "$wine" cmd /c ver >/dev/null 2>&1 || {
+    echo "Wine does not start; nothing of Windows can be run" >&2
+    return 1
+  }
 }

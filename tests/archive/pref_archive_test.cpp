@@ -96,12 +96,14 @@ TEST_F(PrefArchives, ReadsWhatFitsAndLeavesTheVariableOtherwise) {
 
 TEST_F(PrefArchives, PathsEndAt240Characters) {
   for (const size_t length : {240u, 241u}) {
-    SDobPrefArchive archive = Reading("");
-    archive.PushSection(std::string(length, 'p').c_str());
-    EXPECT_EQ(archive.HasError(), length == 241);
-    EXPECT_EQ(archive.GetSection(), length == 240 ? std::string(240, 'p') : "_Default");
-    archive.PopSection();
-    EXPECT_STREQ(archive.GetSection(), "_Default");
+    {
+      SDobPrefArchive archive = Reading("");
+      archive.PushSection(std::string(length, 'p').c_str());
+      EXPECT_EQ(archive.HasError(), length == 241);
+      EXPECT_EQ(archive.GetSection(), length == 240 ? std::string(240, 'p') : "_Default");
+      archive.PopSection();
+      EXPECT_STREQ(archive.GetSection(), "_Default");
+    }
     SDobPrefArchive keys = Reading("");
     keys.PushKey("k");
     keys.PushKey(std::string(length - 2, 'k').c_str());

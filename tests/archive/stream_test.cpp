@@ -99,16 +99,18 @@ TEST_F(FileStreams, DoNotOpenWhatIsNoFileAndTellWhatHoldsOne) {
 
 TEST_F(FileStreams, AFailedWriteStaysAnErrorAndLeavesTheRestAlone) {
   for (const bool refuses : {false, true}) {
-    SStreamSrcFile stream(FileOf("the old contents"));
-    stream.Open(kWrite);
-    stream.Write("NEW", 3, false);
-    if (refuses) {
-      EXPECT_EQ(stream.ReadByte(), 0);
-    } else {
-      files.FallShortAt(1, 1);
+    {
+      SStreamSrcFile stream(FileOf("the old contents"));
+      stream.Open(kWrite);
+      stream.Write("NEW", 3, false);
+      if (refuses) {
+        EXPECT_EQ(stream.ReadByte(), 0);
+      } else {
+        files.FallShortAt(1, 1);
+      }
+      EXPECT_FALSE(stream.Close());
+      EXPECT_TRUE(stream.HasError());
     }
-    EXPECT_FALSE(stream.Close());
-    EXPECT_TRUE(stream.HasError());
     EXPECT_EQ(Stored(), refuses ? "the old contents" : "Nhe old contents");
     files.FailNever();
   }

@@ -48,8 +48,10 @@ class FileFailureTest : public testing::Test {
   // The path of the last failure below the folder of the test, with slashes.
   std::string Where() const {
     std::string path = SFileSpec::LastFailure().path.GetText();
+    std::string root = temp.Path() + "/";
     std::replace(path.begin(), path.end(), '\\', '/');
-    return path.starts_with(temp.Path() + "/") ? path.substr(temp.Path().size() + 1) : path;
+    std::replace(root.begin(), root.end(), '\\', '/');
+    return path.starts_with(root) ? path.substr(root.size()) : path;
   }
 
   kivtest::TempFolder temp;

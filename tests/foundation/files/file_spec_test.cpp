@@ -290,7 +290,8 @@ TEST_F(FileSpecTest, RenamesFilesAndFoldersButToNoBadOrTakenName) {
     EXPECT_TRUE(file.IsEqual(Spec("/folder/file.txt")));
   }
   EXPECT_FALSE(none.Rename("x"));
-  EXPECT_TRUE(file.Rename(tooLong.substr(1).c_str()) && file.Rename("other.txt"));
+  const std::string longest(kivtest::RunsUnderWine() ? 100 : 255, 'n');  // a path has 260 there
+  EXPECT_TRUE(file.Rename(longest.c_str()) && file.Rename("other.txt"));
   EXPECT_EQ(Describe(file), "valid there " + Held("/folder/other.txt") + " | other.txt");
   EXPECT_TRUE(folder.Rename("place"));
   EXPECT_EQ(Describe(folder), "valid there folder " + Held("/place/") + " | place");

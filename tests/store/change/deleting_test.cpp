@@ -219,8 +219,10 @@ TEST_F(DeletingFilesTest, AFileThatCannotGoLeavesTheIndexAlone) {
     EXPECT_EQ(Why(), c.why);
   }
   const SFileSpec busy = Spec(home + "/c.doc");
-  const Holder other(busy);
-  DeleteSuffixes({"doc"}, "");
+  {
+    const Holder other(busy);
+    DeleteSuffixes({"doc"}, "");
+  }
   EXPECT_EQ(Bytes(site.GetFailure().text),
             "The file '" + Bytes(busy.GetPath()) +
                 "' could not be %2d.  Make sure you have the necessary privileges to create, read, "

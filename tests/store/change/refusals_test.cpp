@@ -112,8 +112,11 @@ TEST_F(Refusals, ALockHeldElsewhereKeepsOutThoseWhoNeedIt) {
       }
       Restore();
       Why();
-      const Holder other(Spec(path));
-      if (!transaction.run()) {
+      const auto isRefused = [&] {
+        const Holder other(Spec(path));
+        return !transaction.run();
+      };
+      if (isRefused()) {
         EXPECT_EQ(Place(site.GetFailure().path), path) << transaction.name;
         EXPECT_TRUE(!transaction.goes.empty() || Changed().empty()) << transaction.name;
         const std::string why = Why();
