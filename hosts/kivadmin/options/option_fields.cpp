@@ -9,8 +9,6 @@ namespace {
 using kivhost::HostError;
 using kivhost::kWrongUsage;
 
-using kivstore::SStamped;
-
 constexpr Limits kAnyNumber{0, INT16_MAX};
 
 [[noreturn]] void RefuseValue(const std::string& key, const std::string& value,
