@@ -7,7 +7,7 @@
 namespace kivadmin {
 namespace {
 
-using AddCommand = void (*)(CLI::App& app, CommonOptions& common);
+using AddCommand = void (*)(const kivhost::Command& app, CommonOptions& common);
 
 constexpr AddCommand kCommands[] = {AddInitCommand,     AddAddCommands,    AddRenameCommands,
                                     AddMoveCommands,    AddDeleteCommands, AddImportCommand,
@@ -16,11 +16,10 @@ constexpr AddCommand kCommands[] = {AddInitCommand,     AddAddCommands,    AddRe
 
 int Run(int argc, char** argv) {
   CommonOptions common;
-  CLI::App app("Lays out a store and runs it.", "kivadmin");
-  app.set_version_flag("--version", "kivadmin " KIVSTORE_VERSION);
-  app.require_subcommand(1);
-  app.allow_windows_style_options(false);
-  app.footer(
+  const kivhost::CommandLine app("kivadmin", "Lays out a store and runs it.",
+                                 "kivadmin " KIVSTORE_VERSION);
+  app.RequireCommand();
+  app.SetFooter(
       "NAME is a name as shown, letter case ignored, or #N for its place in the list.\n"
       "Exit codes:\n"
       "  0  done\n"
@@ -30,10 +29,13 @@ int Run(int argc, char** argv) {
   for (const AddCommand add : kCommands) {
     add(app, common);
   }
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kDone : kWrongUsage;
+  switch (app.Run(argc, argv)) {
+    case kivhost::CommandLine::Result::kRun:
+      break;
+    case kivhost::CommandLine::Result::kShown:
+      return kDone;
+    case kivhost::CommandLine::Result::kWrong:
+      return kWrongUsage;
   }
   std::cout << std::flush;
   return std::cout ? kDone : kNoStore;

@@ -59,10 +59,10 @@ void About(const CommonOptions&, const AboutArguments& arguments) {
 
 }  // namespace
 
-void AddAboutCommand(CLI::App& app, CommonOptions& common) {
-  CLI::App* const command = app.add_subcommand(
+void AddAboutCommand(const Command& app, CommonOptions& common) {
+  const Command command = app.AddCommand(
       "about", "This program's version, and what the workstation states of itself and measures");
-  AddFormat(*command, AddRun(*command, common, About).json, "table");
+  AddFormat(command, AddRun(command, common, About).json, "table");
 }
 
 }  // namespace kivadmin

@@ -39,28 +39,28 @@ void AddStudent(const CommonOptions& common, const AddArguments& arguments) {
 
 }  // namespace
 
-void AddAddCommands(CLI::App& app, CommonOptions& common) {
-  CLI::App* const add = app.add_subcommand("add", "Add a teacher, a class or a student");
-  add->require_subcommand(1);
+void AddAddCommands(const Command& app, CommonOptions& common) {
+  const Command add = app.AddCommand("add", "Add a teacher, a class or a student");
+  add.RequireCommand();
 
-  CLI::App* const teacher = add->add_subcommand("teacher", "Add a teacher to the store");
-  AddArguments& ofTeacher = AddRun(*teacher, common, AddTeacher);
-  AddChangeArguments(*teacher, common);
-  teacher->add_option("NAME", ofTeacher.name, "The new teacher's name")->required();
+  const Command teacher = add.AddCommand("teacher", "Add a teacher to the store");
+  AddArguments& ofTeacher = AddRun(teacher, common, AddTeacher);
+  AddChangeArguments(teacher, common);
+  teacher.AddOption("NAME", ofTeacher.name, "The new teacher's name").Require();
 
-  CLI::App* const group = add->add_subcommand("class", "Add a class to the store");
-  AddArguments& ofClass = AddRun(*group, common, AddClass);
-  AddChangeArguments(*group, common);
-  group->add_option("NAME", ofClass.name, "The new class's name")->required();
-  AddTeacherOption(*group, ofClass.where);
+  const Command group = add.AddCommand("class", "Add a class to the store");
+  AddArguments& ofClass = AddRun(group, common, AddClass);
+  AddChangeArguments(group, common);
+  group.AddOption("NAME", ofClass.name, "The new class's name").Require();
+  AddTeacherOption(group, ofClass.where);
 
-  CLI::App* const student = add->add_subcommand("student", "Add a student to the store");
-  AddArguments& ofStudent = AddRun(*student, common, AddStudent);
-  AddChangeArguments(*student, common);
-  student->add_option("FIRST", ofStudent.name, "The new student's first name")->required();
-  student->add_option("LAST", ofStudent.last, "And last name");
-  AddClassOption(*student, ofStudent.where)->required();
-  AddTeacherOption(*student, ofStudent.where);
+  const Command student = add.AddCommand("student", "Add a student to the store");
+  AddArguments& ofStudent = AddRun(student, common, AddStudent);
+  AddChangeArguments(student, common);
+  student.AddOption("FIRST", ofStudent.name, "The new student's first name").Require();
+  student.AddOption("LAST", ofStudent.last, "And last name");
+  AddClassOption(student, ofStudent.where).Require();
+  AddTeacherOption(student, ofStudent.where);
 }
 
 }  // namespace kivadmin

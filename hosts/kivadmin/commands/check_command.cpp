@@ -55,17 +55,17 @@ void Check(const CommonOptions& common, const CheckArguments& arguments) {
 
 }  // namespace
 
-void AddCheckCommand(CLI::App& app, CommonOptions& common) {
-  CLI::App* const check = app.add_subcommand(
+void AddCheckCommand(const Command& app, CommonOptions& common) {
+  const Command check = app.AddCommand(
       "check",
       "Walk the whole store and say what is not in order: indexes that differ from their folders,\n"
       "folders nobody can name, missing lock files, options and game files that cannot be read,\n"
       "names that collide. Exit code 0 if all is in order or has been repaired, else 1.");
-  CheckArguments& arguments = AddRun(*check, common, Check);
-  AddChangeArguments(*check, common);
-  check->add_flag("--repair", arguments.repair,
-                  "Repair the lists as any listing does, and make missing lock files");
-  AddFormat(*check, arguments.json, "text");
+  CheckArguments& arguments = AddRun(check, common, Check);
+  AddChangeArguments(check, common);
+  check.AddFlag("--repair", arguments.repair,
+                "Repair the lists as any listing does, and make missing lock files");
+  AddFormat(check, arguments.json, "text");
 }
 
 }  // namespace kivadmin

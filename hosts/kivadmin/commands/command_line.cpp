@@ -2,52 +2,44 @@
 
 namespace kivadmin {
 
-void AddStoreArguments(CLI::App& command, CommonOptions& common) {
-  command.add_option("ROOT", common.root, "The data root of the store")->required();
-  command.add_option("--kind", common.kind, "The kind of site; without it the tree tells")
-      ->transform(CLI::CheckedTransformer(
-                      std::map<std::string, SiteKind>{{"local", SiteKind::kLocal},
-                                                      {"shared", SiteKind::kShared},
-                                                      {"teachers", SiteKind::kTeachers}},
-                      CLI::ignore_case)
-                      .description(""))
-      ->type_name("local|shared|teachers");
+void AddStoreArguments(const Command& command, CommonOptions& common) {
+  command.AddOption("ROOT", common.root, "The data root of the store").Require();
+  command.AddChoice<SiteKind>("--kind", common.kind, "The kind of site; without it the tree tells",
+                              {{"local", SiteKind::kLocal},
+                               {"shared", SiteKind::kShared},
+                               {"teachers", SiteKind::kTeachers}});
   AddCharset(command, common, "The character set of the store's texts");
 }
 
-void AddChangeArguments(CLI::App& command, CommonOptions& common) {
+void AddChangeArguments(const Command& command, CommonOptions& common) {
   AddStoreArguments(command, common);
-  command.add_flag("--dry-run", common.dryRun, "Say what would be done, and change nothing");
+  command.AddFlag("--dry-run", common.dryRun, "Say what would be done, and change nothing");
 }
 
-void AddCharset(CLI::App& command, CommonOptions& common, const char* ofWhat) {
-  command.add_option("--charset", common.charset, ofWhat)->type_name("NAME")->capture_default_str();
+void AddCharset(const Command& command, CommonOptions& common, const char* ofWhat) {
+  command.AddOption("--charset", common.charset, ofWhat).Takes("NAME").ShowDefault();
 }
 
-void AddTeacherOption(CLI::App& command, EntryNames& names) {
+void AddTeacherOption(const Command& command, EntryNames& names) {
   command
-      .add_option("--teacher", names.teacher,
-                  "The teacher: a name, or #N for its place; may be left out if there is only one")
-      ->type_name("NAME|#N");
+      .AddOption("--teacher", names.teacher,
+                 "The teacher: a name, or #N for its place; may be left out if there is only one")
+      .Takes("NAME|#N");
 }
 
-CLI::Option* AddClassOption(CLI::App& command, EntryNames& names) {
-  return command.add_option("--class", names.group, "The class: a name, or #N for its place")
-      ->type_name("NAME|#N");
+CommandOption AddClassOption(const Command& command, EntryNames& names) {
+  return command.AddOption("--class", names.group, "The class: a name, or #N for its place")
+      .Takes("NAME|#N");
 }
 
-CLI::Option* AddStudentOption(CLI::App& command, EntryNames& names) {
-  return command.add_option("--student", names.student, "The student: a name, or #N for its place")
-      ->type_name("NAME|#N");
+CommandOption AddStudentOption(const Command& command, EntryNames& names) {
+  return command.AddOption("--student", names.student, "The student: a name, or #N for its place")
+      .Takes("NAME|#N");
 }
 
-void AddFormat(CLI::App& command, bool& isJson, const char* other) {
-  command.add_option("--format", isJson, "The form of the report")
-      ->transform(CLI::CheckedTransformer(
-                      std::map<std::string, bool>{{other, false}, {"json", true}}, CLI::ignore_case)
-                      .description(""))
-      ->type_name(std::string(other) + "|json")
-      ->default_str(other);
+void AddFormat(const Command& command, bool& isJson, const char* other) {
+  command.AddChoice<bool>("--format", isJson, "The form of the report",
+                          {{other, false}, {"json", true}}, other);
 }
 
 }  // namespace kivadmin

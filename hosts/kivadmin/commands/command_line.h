@@ -1,21 +1,23 @@
 // What the commands have in common on the command line.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 
+#include "hosts/common/command_line.h"
 #include "hosts/kivadmin/session/session.h"
 
 namespace kivadmin {
 
+using kivhost::Command;
+using kivhost::CommandOption;
+
 // ROOT, --kind and --charset: what every command on a store takes.
-void AddStoreArguments(CLI::App& command, CommonOptions& common);
+void AddStoreArguments(const Command& command, CommonOptions& common);
 // And --dry-run.
-void AddChangeArguments(CLI::App& command, CommonOptions& common);
-void AddCharset(CLI::App& command, CommonOptions& common, const char* ofWhat);
+void AddChangeArguments(const Command& command, CommonOptions& common);
+void AddCharset(const Command& command, CommonOptions& common, const char* ofWhat);
 
 // Where an entry is, as options tell it.
 struct EntryNames {
@@ -24,20 +26,20 @@ struct EntryNames {
   std::string student;
 };
 
-void AddTeacherOption(CLI::App& command, EntryNames& names);
-CLI::Option* AddClassOption(CLI::App& command, EntryNames& names);
-CLI::Option* AddStudentOption(CLI::App& command, EntryNames& names);
+void AddTeacherOption(const Command& command, EntryNames& names);
+CommandOption AddClassOption(const Command& command, EntryNames& names);
+CommandOption AddStudentOption(const Command& command, EntryNames& names);
 
 // --format json, or `other` without it.
-void AddFormat(CLI::App& command, bool& isJson, const char* other);
+void AddFormat(const Command& command, bool& isJson, const char* other);
 
 // Arguments that live as long as the command.
 template <class Arguments>
 using Run = void (*)(const CommonOptions&, const Arguments&);
 template <class Arguments>
-Arguments& AddRun(CLI::App& command, const CommonOptions& common, Run<Arguments> run) {
+Arguments& AddRun(const Command& command, const CommonOptions& common, Run<Arguments> run) {
   const auto arguments = std::make_shared<Arguments>();
-  command.callback([&common, arguments, run] { run(common, *arguments); });
+  command.OnRun([&common, arguments, run] { run(common, *arguments); });
   return *arguments;
 }
 

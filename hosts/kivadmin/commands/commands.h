@@ -2,23 +2,22 @@
 // the line is parsed, and throws HostError where it fails.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
+#include "hosts/common/command_line.h"
 #include "hosts/kivadmin/session/session.h"
 
 namespace kivadmin {
 
-void AddInitCommand(CLI::App& app, CommonOptions& common);
-void AddAddCommands(CLI::App& app, CommonOptions& common);
-void AddRenameCommands(CLI::App& app, CommonOptions& common);
-void AddMoveCommands(CLI::App& app, CommonOptions& common);
-void AddDeleteCommands(CLI::App& app, CommonOptions& common);
-void AddImportCommand(CLI::App& app, CommonOptions& common);
-void AddExportCommand(CLI::App& app, CommonOptions& common);
-void AddCheckCommand(CLI::App& app, CommonOptions& common);
-void AddOptionsCommands(CLI::App& app, CommonOptions& common);
-void AddProgressCommand(CLI::App& app, CommonOptions& common);
-void AddDumpCommand(CLI::App& app, CommonOptions& common);
-void AddAboutCommand(CLI::App& app, CommonOptions& common);
+void AddInitCommand(const kivhost::Command& app, CommonOptions& common);
+void AddAddCommands(const kivhost::Command& app, CommonOptions& common);
+void AddRenameCommands(const kivhost::Command& app, CommonOptions& common);
+void AddMoveCommands(const kivhost::Command& app, CommonOptions& common);
+void AddDeleteCommands(const kivhost::Command& app, CommonOptions& common);
+void AddImportCommand(const kivhost::Command& app, CommonOptions& common);
+void AddExportCommand(const kivhost::Command& app, CommonOptions& common);
+void AddCheckCommand(const kivhost::Command& app, CommonOptions& common);
+void AddOptionsCommands(const kivhost::Command& app, CommonOptions& common);
+void AddProgressCommand(const kivhost::Command& app, CommonOptions& common);
+void AddDumpCommand(const kivhost::Command& app, CommonOptions& common);
+void AddAboutCommand(const kivhost::Command& app, CommonOptions& common);
 
 }  // namespace kivadmin

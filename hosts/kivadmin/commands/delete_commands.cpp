@@ -70,34 +70,33 @@ void DeleteStudent(const CommonOptions& common, const DeleteArguments& arguments
   });
 }
 
-DeleteArguments& AddOne(CLI::App& command, CommonOptions& common, Run<DeleteArguments> run) {
+DeleteArguments& AddOne(const Command& command, CommonOptions& common, Run<DeleteArguments> run) {
   DeleteArguments& arguments = AddRun(command, common, run);
   AddChangeArguments(command, common);
-  command.add_option("NAME", arguments.name, "The name, or #N for its place")->required();
-  command.add_flag("--yes", arguments.yes, "Do not ask");
+  command.AddOption("NAME", arguments.name, "The name, or #N for its place").Require();
+  command.AddFlag("--yes", arguments.yes, "Do not ask");
   return arguments;
 }
 
 }  // namespace
 
-void AddDeleteCommands(CLI::App& app, CommonOptions& common) {
-  CLI::App* const remove = app.add_subcommand(
+void AddDeleteCommands(const Command& app, CommonOptions& common) {
+  const Command remove = app.AddCommand(
       "delete",
       "Delete a teacher, a class or a student; asks first, without a terminal needs --yes");
-  remove->require_subcommand(1);
+  remove.RequireCommand();
 
-  CLI::App* const teacher = remove->add_subcommand("teacher", "Delete a teacher with all classes");
-  AddOne(*teacher, common, DeleteTeacher);
+  const Command teacher = remove.AddCommand("teacher", "Delete a teacher with all classes");
+  AddOne(teacher, common, DeleteTeacher);
 
-  CLI::App* const group = remove->add_subcommand("class", "Delete a class with all students");
-  DeleteArguments& ofClass = AddOne(*group, common, DeleteClass);
-  AddTeacherOption(*group, ofClass.where);
+  const Command group = remove.AddCommand("class", "Delete a class with all students");
+  DeleteArguments& ofClass = AddOne(group, common, DeleteClass);
+  AddTeacherOption(group, ofClass.where);
 
-  CLI::App* const student =
-      remove->add_subcommand("student", "Delete a student with options and games");
-  DeleteArguments& ofStudent = AddOne(*student, common, DeleteStudent);
-  AddClassOption(*student, ofStudent.where)->required();
-  AddTeacherOption(*student, ofStudent.where);
+  const Command student = remove.AddCommand("student", "Delete a student with options and games");
+  DeleteArguments& ofStudent = AddOne(student, common, DeleteStudent);
+  AddClassOption(student, ofStudent.where).Require();
+  AddTeacherOption(student, ofStudent.where);
 }
 
 }  // namespace kivadmin

@@ -31,13 +31,12 @@ void Dump(const CommonOptions& common, const DumpArguments& arguments) {
 
 }  // namespace
 
-void AddDumpCommand(CLI::App& app, CommonOptions& common) {
-  CLI::App* const command = app.add_subcommand("dump", "Any file of a store as JSON");
-  DumpArguments& arguments = AddRun(*command, common, Dump);
-  command
-      ->add_option("FILE", arguments.file, "An index, options, game, last, long name or lock file")
-      ->required();
-  AddCharset(*command, common, "The character set of the file's texts");
+void AddDumpCommand(const Command& app, CommonOptions& common) {
+  const Command command = app.AddCommand("dump", "Any file of a store as JSON");
+  DumpArguments& arguments = AddRun(command, common, Dump);
+  command.AddOption("FILE", arguments.file, "An index, options, game, last, long name or lock file")
+      .Require();
+  AddCharset(command, common, "The character set of the file's texts");
 }
 
 }  // namespace kivadmin

@@ -24,13 +24,13 @@ void Export(const CommonOptions& common, const ExportArguments& arguments) {
 
 }  // namespace
 
-void AddExportCommand(CLI::App& app, CommonOptions& common) {
-  CLI::App* const command = app.add_subcommand(
+void AddExportCommand(const Command& app, CommonOptions& common) {
+  const Command command = app.AddCommand(
       "export", "Write the teachers, classes and students in the form that import takes");
-  ExportArguments& arguments = AddRun(*command, common, Export);
-  AddStoreArguments(*command, common);
-  command->add_option("--output", arguments.output, "Write to this file instead of standard output")
-      ->type_name("FILE");
+  ExportArguments& arguments = AddRun(command, common, Export);
+  AddStoreArguments(command, common);
+  command.AddOption("--output", arguments.output, "Write to this file instead of standard output")
+      .Takes("FILE");
 }
 
 }  // namespace kivadmin

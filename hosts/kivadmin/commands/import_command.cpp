@@ -35,16 +35,16 @@ void Import(const CommonOptions& common, const ImportArguments& arguments) {
 
 }  // namespace
 
-void AddImportCommand(CLI::App& app, CommonOptions& common) {
-  CLI::App* const import = app.add_subcommand(
+void AddImportCommand(const Command& app, CommonOptions& common) {
+  const Command import = app.AddCommand(
       "import",
       "Add the teachers, classes and students of a CSV file, UTF-8, with the header\n"
       "teacher,class,first_name,last_name. A line without a student adds the class, one without\n"
       "a class the teacher. What is there already stays as it is; a line that cannot be taken is\n"
       "reported with its number, and the rest is taken.");
-  ImportArguments& arguments = AddRun(*import, common, Import);
-  AddChangeArguments(*import, common);
-  import->add_option("FILE", arguments.file, "The CSV file")->required();
+  ImportArguments& arguments = AddRun(import, common, Import);
+  AddChangeArguments(import, common);
+  import.AddOption("FILE", arguments.file, "The CSV file").Require();
 }
 
 }  // namespace kivadmin

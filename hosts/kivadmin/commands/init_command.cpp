@@ -26,14 +26,14 @@ void Init(const CommonOptions& common, const NoArguments&) {
 
 }  // namespace
 
-void AddInitCommand(CLI::App& app, CommonOptions& common) {
-  CLI::App* const init = app.add_subcommand(
+void AddInitCommand(const Command& app, CommonOptions& common) {
+  const Command init = app.AddCommand(
       "init",
       "Lay out a store: classes folder, indexes, options, and the lock files of a networked "
       "store.\n"
       "A store that is there is completed. Without --kind a new store is one with teachers.");
-  AddRun(*init, common, Init);
-  AddChangeArguments(*init, common);
+  AddRun(init, common, Init);
+  AddChangeArguments(init, common);
 }
 
 }  // namespace kivadmin

@@ -93,28 +93,26 @@ void MoveStudent(const CommonOptions& common, const MoveArguments& arguments) {
 
 }  // namespace
 
-void AddMoveCommands(CLI::App& app, CommonOptions& common) {
-  CLI::App* const move = app.add_subcommand("move", "Move a class or a student");
-  move->require_subcommand(1);
+void AddMoveCommands(const Command& app, CommonOptions& common) {
+  const Command move = app.AddCommand("move", "Move a class or a student");
+  move.RequireCommand();
 
-  CLI::App* const group = move->add_subcommand("class", "Move a class to another teacher");
-  MoveArguments& ofClass = AddRun(*group, common, MoveClass);
-  AddChangeArguments(*group, common);
-  group->add_option("NAME", ofClass.name, "The class: a name, or #N for its place")->required();
-  group->add_option("--teacher", ofClass.from.teacher, "The teacher it is of")->required();
-  group->add_option("--to-teacher", ofClass.to.teacher, "The teacher it goes to")->required();
+  const Command group = move.AddCommand("class", "Move a class to another teacher");
+  MoveArguments& ofClass = AddRun(group, common, MoveClass);
+  AddChangeArguments(group, common);
+  group.AddOption("NAME", ofClass.name, "The class: a name, or #N for its place").Require();
+  group.AddOption("--teacher", ofClass.from.teacher, "The teacher it is of").Require();
+  group.AddOption("--to-teacher", ofClass.to.teacher, "The teacher it goes to").Require();
 
-  CLI::App* const student = move->add_subcommand("student", "Move a student to another class");
-  MoveArguments& ofStudent = AddRun(*student, common, MoveStudent);
-  AddChangeArguments(*student, common);
-  student->add_option("NAME", ofStudent.name, "The student: a name, or #N for its place")
-      ->required();
-  AddClassOption(*student, ofStudent.from)->required();
-  student->add_option("--to-class", ofStudent.to.group, "The class the student goes to")
-      ->required();
-  AddTeacherOption(*student, ofStudent.from);
-  student->add_option("--to-teacher", ofStudent.to.teacher,
-                      "The teacher of that class; without it the same teacher");
+  const Command student = move.AddCommand("student", "Move a student to another class");
+  MoveArguments& ofStudent = AddRun(student, common, MoveStudent);
+  AddChangeArguments(student, common);
+  student.AddOption("NAME", ofStudent.name, "The student: a name, or #N for its place").Require();
+  AddClassOption(student, ofStudent.from).Require();
+  student.AddOption("--to-class", ofStudent.to.group, "The class the student goes to").Require();
+  AddTeacherOption(student, ofStudent.from);
+  student.AddOption("--to-teacher", ofStudent.to.teacher,
+                    "The teacher of that class; without it the same teacher");
 }
 
 }  // namespace kivadmin

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <nlohmann/json.hpp>
 
 #include "hosts/kivadmin/commands/commands.h"
 #include "hosts/kivadmin/rosters/rosters.h"
@@ -22,11 +23,12 @@ struct SetArguments {
 };
 
 void PrintJson(const std::vector<DecidedOption>& decided) {
+  using Json = nlohmann::ordered_json;
   Json json = Json::object();
   for (const DecidedOption& entry : decided) {
     const std::string when = IsoTime(entry.option.stamp);
-    json[entry.option.key] = {
-        {"value", entry.option.value}, {"level", entry.level}, {"changed", when}};
+    const Json value = std::visit([](const auto& held) { return Json(held); }, entry.option.value);
+    json[entry.option.key] = {{"value", value}, {"level", entry.level}, {"changed", when}};
   }
   std::cout << json.dump(2) << '\n';
 }
@@ -85,26 +87,26 @@ void Set(const CommonOptions& common, const SetArguments& arguments) {
   session.Say(said + " for " + chosen.Text(session));
 }
 
-void AddShow(CLI::App& options, CommonOptions& common) {
-  CLI::App* const command = options.add_subcommand(
+void AddShow(const Command& options, CommonOptions& common) {
+  const Command command = options.AddCommand(
       "show", "Each option in force: its value, the level that decided it, and when");
-  ShowArguments& arguments = AddRun(*command, common, Show);
-  AddStoreArguments(*command, common);
-  AddLevelOptions(*command, arguments.names);
-  AddFormat(*command, arguments.json, "table");
+  ShowArguments& arguments = AddRun(command, common, Show);
+  AddStoreArguments(command, common);
+  AddLevelOptions(command, arguments.names);
+  AddFormat(command, arguments.json, "table");
 }
 
-void AddSet(CLI::App& options, CommonOptions& common) {
-  CLI::App* const command = options.add_subcommand(
-      "set", "Decides options for the store, or for the class or student named");
-  SetArguments& arguments = AddRun(*command, common, Set);
-  AddChangeArguments(*command, common);
-  AddLevelOptions(*command, arguments.names);
+void AddSet(const Command& options, CommonOptions& common) {
+  const Command command =
+      options.AddCommand("set", "Decides options for the store, or for the class or student named");
+  SetArguments& arguments = AddRun(command, common, Set);
+  AddChangeArguments(command, common);
+  AddLevelOptions(command, arguments.names);
   command
-      ->add_option("KEY=VALUE", arguments.assignments,
-                   "What to decide: yes or no, a number, or missions as in 1-4,7")
-      ->required();
-  command->footer(
+      .AddOption("KEY=VALUE", arguments.assignments,
+                 "What to decide: yes or no, a number, or missions as in 1-4,7")
+      .Require();
+  command.SetFooter(
       "Keys are those that `options show` lists: SoundOn, Missions.4.Typeline (0 to 2),\n"
       "TOGameDob.CurrentMissionNumber (1 to 25), TOGameDob.LessonDone (missions), ...");
 }
@@ -135,19 +137,19 @@ std::string ChosenPlace::Text(const Session& session) const {
   return teacher != nullptr ? "teacher " + session.Show(*teacher) : "the store";
 }
 
-void AddLevelOptions(CLI::App& command, EntryNames& names) {
+void AddLevelOptions(const Command& command, EntryNames& names) {
   AddTeacherOption(command, names);
-  CLI::Option* const group = AddClassOption(command, names);
-  AddStudentOption(command, names)->needs(group);
+  const CommandOption group = AddClassOption(command, names);
+  AddStudentOption(command, names).Needs(group);
 }
 
-void AddOptionsCommands(CLI::App& app, CommonOptions& common) {
-  CLI::App* const options = app.add_subcommand("options", "What the teacher decided");
-  options->require_subcommand(1);
-  AddShow(*options, common);
-  AddSet(*options, common);
-  AddOptionsExport(*options, common);
-  AddOptionsImport(*options, common);
+void AddOptionsCommands(const Command& app, CommonOptions& common) {
+  const Command options = app.AddCommand("options", "What the teacher decided");
+  options.RequireCommand();
+  AddShow(options, common);
+  AddSet(options, common);
+  AddOptionsExport(options, common);
+  AddOptionsImport(options, common);
 }
 
 }  // namespace kivadmin

@@ -1,7 +1,6 @@
 // What the commands below `options` have in common.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "hosts/kivadmin/commands/command_line.h"
@@ -10,10 +9,10 @@
 namespace kivadmin {
 
 // --teacher, --class and --student.
-void AddLevelOptions(CLI::App& command, EntryNames& names);
+void AddLevelOptions(const Command& command, EntryNames& names);
 
-void AddOptionsExport(CLI::App& options, CommonOptions& common);
-void AddOptionsImport(CLI::App& options, CommonOptions& common);
+void AddOptionsExport(const Command& options, CommonOptions& common);
+void AddOptionsImport(const Command& options, CommonOptions& common);
 
 // The place that the command line names; holds its entries.
 class ChosenPlace {

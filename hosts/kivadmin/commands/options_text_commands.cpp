@@ -58,28 +58,28 @@ void Import(const CommonOptions& common, const TextFileArguments& arguments) {
 
 }  // namespace
 
-void AddOptionsExport(CLI::App& options, CommonOptions& common) {
-  CLI::App* const command = options.add_subcommand(
+void AddOptionsExport(const Command& options, CommonOptions& common) {
+  const Command command = options.AddCommand(
       "export",
       "Writes the options of the store, or of the class or student named, to a text file that\n"
       "import takes; where nothing is decided yet, the defaults");
-  TextFileArguments& arguments = AddRun(*command, common, Export);
-  AddStoreArguments(*command, common);
-  AddLevelOptions(*command, arguments.names);
-  command->add_option("FILE", arguments.file, "The text file")->required();
-  command->add_flag("--force", arguments.force, "Replace the file if it is there");
+  TextFileArguments& arguments = AddRun(command, common, Export);
+  AddStoreArguments(command, common);
+  AddLevelOptions(command, arguments.names);
+  command.AddOption("FILE", arguments.file, "The text file").Require();
+  command.AddFlag("--force", arguments.force, "Replace the file if it is there");
 }
 
-void AddOptionsImport(CLI::App& options, CommonOptions& common) {
-  CLI::App* const command = options.add_subcommand(
+void AddOptionsImport(const Command& options, CommonOptions& common) {
+  const Command command = options.AddCommand(
       "import",
       "Takes the options of a text file for the store, or for the class or student named. What\n"
       "was edited is decided now; what the store decided later stays; a line that is missing\n"
       "changes nothing. A file with a fault is refused as a whole.");
-  TextFileArguments& arguments = AddRun(*command, common, Import);
-  AddChangeArguments(*command, common);
-  AddLevelOptions(*command, arguments.names);
-  command->add_option("FILE", arguments.file, "The text file")->required();
+  TextFileArguments& arguments = AddRun(command, common, Import);
+  AddChangeArguments(command, common);
+  AddLevelOptions(command, arguments.names);
+  command.AddOption("FILE", arguments.file, "The text file").Require();
 }
 
 }  // namespace kivadmin

@@ -54,25 +54,25 @@ void SetProgress(const CommonOptions& common, const ProgressArguments& arguments
 
 }  // namespace
 
-void AddProgressCommand(CLI::App& app, CommonOptions& common) {
-  CLI::App* const command =
-      app.add_subcommand("progress", "Says how far a student has come, in options and game");
-  ProgressArguments& arguments = AddRun(*command, common, SetProgress);
-  AddChangeArguments(*command, common);
-  AddTeacherOption(*command, arguments.names);
-  AddClassOption(*command, arguments.names)->required();
-  AddStudentOption(*command, arguments.names)->required();
-  command->add_option("--mission", arguments.mission, "The mission the student is at, 1 to 25")
-      ->type_name("N");
+void AddProgressCommand(const Command& app, CommonOptions& common) {
+  const Command command =
+      app.AddCommand("progress", "Says how far a student has come, in options and game");
+  ProgressArguments& arguments = AddRun(command, common, SetProgress);
+  AddChangeArguments(command, common);
+  AddTeacherOption(command, arguments.names);
+  AddClassOption(command, arguments.names).Require();
+  AddStudentOption(command, arguments.names).Require();
+  command.AddOption("--mission", arguments.mission, "The mission the student is at, 1 to 25")
+      .Takes("N");
   command
-      ->add_option("--lessons-done", arguments.lessonsDone,
-                   "All missions whose lesson is done, as in 1-4,7, or none")
-      ->type_name("LIST");
+      .AddOption("--lessons-done", arguments.lessonsDone,
+                 "All missions whose lesson is done, as in 1-4,7, or none")
+      .Takes("LIST");
   command
-      ->add_option("--learned-keys", arguments.learnedKeys,
-                   "Whether the new keys of the mission are learned; one at whose start they are "
-                   "not is reported as the mission before")
-      ->type_name("yes|no");
+      .AddOption("--learned-keys", arguments.learnedKeys,
+                 "Whether the new keys of the mission are learned; one at whose start they are "
+                 "not is reported as the mission before")
+      .Takes("yes|no");
 }
 
 }  // namespace kivadmin

@@ -58,34 +58,34 @@ void RenameStudent(const CommonOptions& common, const RenameArguments& arguments
   });
 }
 
-RenameArguments& AddOne(CLI::App& command, CommonOptions& common, Run<RenameArguments> run) {
+RenameArguments& AddOne(const Command& command, CommonOptions& common, Run<RenameArguments> run) {
   RenameArguments& arguments = AddRun(command, common, run);
   AddChangeArguments(command, common);
-  command.add_option("NAME", arguments.name, "The present name, or #N for its place")->required();
+  command.AddOption("NAME", arguments.name, "The present name, or #N for its place").Require();
   return arguments;
 }
 
 }  // namespace
 
-void AddRenameCommands(CLI::App& app, CommonOptions& common) {
-  CLI::App* const rename = app.add_subcommand("rename", "Rename a teacher, a class or a student");
-  rename->require_subcommand(1);
+void AddRenameCommands(const Command& app, CommonOptions& common) {
+  const Command rename = app.AddCommand("rename", "Rename a teacher, a class or a student");
+  rename.RequireCommand();
 
-  CLI::App* const teacher = rename->add_subcommand("teacher", "Give a teacher another name");
-  RenameArguments& ofTeacher = AddOne(*teacher, common, RenameTeacher);
-  teacher->add_option("NEW", ofTeacher.newName, "The new name")->required();
+  const Command teacher = rename.AddCommand("teacher", "Give a teacher another name");
+  RenameArguments& ofTeacher = AddOne(teacher, common, RenameTeacher);
+  teacher.AddOption("NEW", ofTeacher.newName, "The new name").Require();
 
-  CLI::App* const group = rename->add_subcommand("class", "Give a class another name");
-  RenameArguments& ofClass = AddOne(*group, common, RenameClass);
-  group->add_option("NEW", ofClass.newName, "The new name")->required();
-  AddTeacherOption(*group, ofClass.where);
+  const Command group = rename.AddCommand("class", "Give a class another name");
+  RenameArguments& ofClass = AddOne(group, common, RenameClass);
+  group.AddOption("NEW", ofClass.newName, "The new name").Require();
+  AddTeacherOption(group, ofClass.where);
 
-  CLI::App* const student = rename->add_subcommand("student", "Give a student another name");
-  RenameArguments& ofStudent = AddOne(*student, common, RenameStudent);
-  student->add_option("NEWFIRST", ofStudent.newName, "The new first name")->required();
-  student->add_option("NEWLAST", ofStudent.newLast, "And last name; without it there is none");
-  AddClassOption(*student, ofStudent.where)->required();
-  AddTeacherOption(*student, ofStudent.where);
+  const Command student = rename.AddCommand("student", "Give a student another name");
+  RenameArguments& ofStudent = AddOne(student, common, RenameStudent);
+  student.AddOption("NEWFIRST", ofStudent.newName, "The new first name").Require();
+  student.AddOption("NEWLAST", ofStudent.newLast, "And last name; without it there is none");
+  AddClassOption(student, ofStudent.where).Require();
+  AddTeacherOption(student, ofStudent.where);
 }
 
 }  // namespace kivadmin

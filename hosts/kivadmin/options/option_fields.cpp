@@ -20,13 +20,13 @@ std::string RangeText(Limits limits) {
   return "a number from " + std::to_string(limits.lowest) + " to " + std::to_string(limits.highest);
 }
 
-Json JsonOf(bool value) {
+OptionValue ValueOf(bool value) {
   return value;
 }
-Json JsonOf(int16_t value) {
+OptionValue ValueOf(int16_t value) {
   return value;
 }
-Json JsonOf(const MissionFlags& flags) {
+OptionValue ValueOf(const MissionFlags& flags) {
   return MissionsIn(flags);
 }
 
@@ -85,7 +85,7 @@ std::vector<Option> ListOptions(kivstore::STeacherOptionsDob& options) {
       closeGame();
     }
     inGame = ofGame;
-    list.push_back({key, JsonOf(field.value), field.stamp});
+    list.push_back({key, ValueOf(field.value), field.stamp});
   });
   closeGame();
   return list;
@@ -108,14 +108,14 @@ void SetOption(kivstore::STeacherOptionsDob& options, const std::string& key,
   }
 }
 
-std::string ValueText(const Json& value) {
-  if (value.is_array()) {
-    return MissionsText(value.get<std::vector<int>>());
+std::string ValueText(const OptionValue& value) {
+  if (const auto* const missions = std::get_if<std::vector<int>>(&value)) {
+    return MissionsText(*missions);
   }
-  if (value.is_boolean()) {
-    return value.get<bool>() ? "yes" : "no";
+  if (const bool* const flag = std::get_if<bool>(&value)) {
+    return *flag ? "yes" : "no";
   }
-  return value.dump();
+  return std::to_string(std::get<int16_t>(value));
 }
 
 // The course has 25 missions, and a mission's activity is out (0), the one it is built around (1)

@@ -3,13 +3,11 @@
 //   SoundOn                        the framework's and the tutor's own
 //   TOGameDob.LessonDone           the per-game options; a list of missions
 //   Missions.4.Typeline            an activity of a mission, counted from 1
-//
-// Values are JSON: a bool, a number, or a list of mission numbers.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <type_traits>
+#include <variant>
 #include <vector>
 
 #include "hosts/kivadmin/options/option_text.h"
@@ -17,7 +15,6 @@
 
 namespace kivadmin {
 
-using Json = nlohmann::ordered_json;
 using MissionFlags = kivstore::STeacherOptionsGameDob::BoolArray;
 
 inline constexpr const char* kGamePrefix = "TOGameDob.";
@@ -39,9 +36,12 @@ void ForEachOption(kivstore::STeacherOptionsDob& options, Function function) {
   }
 }
 
+// Yes or no, a number, or mission numbers.
+using OptionValue = std::variant<bool, int16_t, std::vector<int>>;
+
 struct Option {
   std::string key;
-  Json value;
+  OptionValue value;
   kivstore::SDateTime stamp;
 };
 
@@ -55,7 +55,7 @@ void SetOption(kivstore::STeacherOptionsDob& options, const std::string& key,
                const std::string& value);
 
 // A value as a table and a command line have it.
-std::string ValueText(const Json& value);
+std::string ValueText(const OptionValue& value);
 
 // What a number option takes.
 Limits LimitsOf(const std::string& key);

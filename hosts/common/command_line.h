@@ -1,0 +1,95 @@
+// A program's command line: its commands, their options, and what each command runs. The parser
+// behind it is CLI11, which stands in command_line.cpp alone: its headers cost every file that
+// includes them seconds.
+//
+// Commands and options belong to the CommandLine; the handles below are passed by value.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace kivhost {
+
+class CommandOption {
+ public:
+  explicit CommandOption(CLI::Option* option) : option(option) {}
+
+  const CommandOption& Require() const;
+  const CommandOption& Needs(const CommandOption& other) const;
+  // What the help says it takes: "FILE", "NAME|#N".
+  const CommandOption& Takes(const char* what) const;
+  // The help shows the value that it has now.
+  const CommandOption& ShowDefault() const;
+
+ private:
+  CLI::Option* option;
+};
+
+class Command {
+ public:
+  explicit Command(CLI::App* app) : app(app) {}
+
+  Command AddCommand(const char* name, const std::string& help) const;
+  // One of its commands has to follow.
+  void RequireCommand() const;
+
+  // A name without dashes is that of an argument, found by its place.
+  CommandOption AddOption(const char* name, std::string& value, const char* help) const;
+  CommandOption AddOption(const char* name, std::optional<std::string>& value,
+                          const char* help) const;
+  CommandOption AddOption(const char* name, std::vector<std::string>& values,
+                          const char* help) const;
+  void AddFlag(const char* name, bool& value, const char* help) const;
+  // One of the words, letter case ignored. `shown` is the word that the help shows as the default.
+  template <class Value, class Target>
+  void AddChoice(const char* name, Target& target, const char* help,
+                 const std::vector<std::pair<std::string, Value>>& words,
+                 const char* shown = "") const {
+    Words numbers;
+    for (const auto& [word, value] : words) {
+      numbers.emplace_back(word, static_cast<int>(value));
+    }
+    AddNumbered(name, help, numbers, shown,
+                [&target](int number) { target = static_cast<Value>(number); });
+  }
+
+  void SetFooter(const char* text) const;
+  // What runs while the line is parsed, once all of it is known to be right.
+  void OnRun(std::function<void()> action) const;
+
+ private:
+  using Words = std::vector<std::pair<std::string, int>>;
+  void AddNumbered(const char* name, const char* help, const Words& words, const char* shown,
+                   std::function<void(int)> take) const;
+
+ protected:
+  CLI::App* app;
+};
+
+class CommandLine : public Command {
+ public:
+  // `version` is what --version prints.
+  CommandLine(const char* program, const char* description, const char* version);
+  ~CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  enum class Result { kRun, kShown, kWrong };
+  // Runs the command that the line names; prints the help or the version if it asks for that, and
+  // what is wrong with it otherwise. What a command throws comes through.
+  Result Run(int argc, const char* const* argv) const;
+
+ private:
+  std::unique_ptr<CLI::App> owned;
+};
+
+}  // namespace kivhost
