@@ -70,10 +70,11 @@ void Command::OnRun(std::function<void()> action) const {
   app->callback(std::move(action));
 }
 
-CommandLine::CommandLine(const char* program, const char* description, const char* version)
+CommandLine::CommandLine(const char* program, const char* description,
+                         std::function<std::string()> version)
     : Command(nullptr), owned(std::make_unique<CLI::App>(description, program)) {
   app = owned.get();
-  app->set_version_flag("--version", version);
+  app->set_version_flag("--version", std::move(version));
   app->allow_windows_style_options(false);
 }
 

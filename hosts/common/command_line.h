@@ -77,8 +77,8 @@ class Command {
 
 class CommandLine : public Command {
  public:
-  // `version` is what --version prints.
-  CommandLine(const char* program, const char* description, const char* version);
+  // `version` is what --version prints; asked only for that.
+  CommandLine(const char* program, const char* description, std::function<std::string()> version);
   ~CommandLine();
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;

@@ -17,7 +17,7 @@ constexpr AddCommand kCommands[] = {AddInitCommand,     AddAddCommands,    AddRe
 int Run(int argc, char** argv) {
   CommonOptions common;
   const kivhost::CommandLine app("kivadmin", "Lays out a store and runs it.",
-                                 "kivadmin " KIVSTORE_VERSION);
+                                 [] { return "kivadmin " KIVSTORE_VERSION; });
   app.RequireCommand();
   app.SetFooter(
       "NAME is a name as shown, letter case ignored, or #N for its place in the list.\n"
