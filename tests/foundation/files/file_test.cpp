@@ -1,10 +1,14 @@
+// Files, walks through folders, and file types.
 #include "foundation/files/file.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
+#include <set>
 #include <string>
 
+#include "foundation/files/file_finder.h"
 #include "platform/platform.h"
 #include "tests/support/draw.h"
 #include "tests/support/fault_file_services.h"
@@ -125,6 +129,119 @@ TEST_F(FileTest, ReadsFilesOfEverySizeWhole) {
       }
       EXPECT_TRUE(read == bytes) << size << " " << askSizeAfter;
     }
+  }
+}
+
+class FileFinderTest : public testing::Test {
+ protected:
+  FileFinderTest() {
+    temp.WriteFile("a.kiv", ""), temp.WriteFile(".hidden", "");
+    temp.MakeFolder("folder"), temp.MakeFolder(".folder");
+    SystemError error;
+    for (const char* name : {".hidden", ".folder"}) {  // elsewhere than on Windows the dot does it
+      Platform().files->SetAttributes(temp.Path(name).c_str(), {.hidden = true}, error);
+    }
+  }
+
+  SFileSpec Folder() const { return SFileSpec(temp.Path().c_str()); }
+
+  std::string Find(uint16_t mask, const char* pattern) const {
+    SFileFinder finder(Folder(), mask, pattern);
+    std::set<std::string> names;
+    SFileSpec spec;
+    while (finder.Next(spec)) {
+      names.insert(spec.GetFileName().GetText() + std::string(" "));
+      EXPECT_TRUE(spec.IsEqual(SFileSpec(spec.GetPath()))) << "as Set would give it";
+    }
+    EXPECT_FALSE(finder.HasFailed() || finder.Next(spec));
+    return std::accumulate(names.begin(), names.end(), std::string());
+  }
+
+  kivtest::TempFolder temp;
+};
+
+TEST_F(FileFinderTest, TakesEntriesThatPassATypeBitAHiddenBitAndThePattern) {
+  const struct {
+    uint16_t mask;
+    const char *pattern, *names;
+  } cases[] = {{SFileFinder::kVisibleFiles, nullptr, "a.kiv "},
+               {SFileFinder::kVisibleFolders, nullptr, "folder "},
+               {SFileFinder::kEverything, nullptr, ".folder .hidden a.kiv folder "},
+               {9, nullptr, ".hidden "},
+               {10, nullptr, ".folder "},
+               {3, nullptr, ""},
+               {12, nullptr, ""},
+               {15, ".KIV", "a.kiv "},
+               {15, "iv", "a.kiv "},
+               {15, "", ".folder .hidden a.kiv folder "}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(Find(c.mask, c.pattern), c.names) << c.mask;
+  }
+  SFileSpec spec;
+  EXPECT_FALSE(SFileFinder(Folder(), 15, std::string(5000, 'p').c_str()).Next(spec));
+}
+
+TEST_F(FileFinderTest, TellsAListingThatBrokeOffOrCouldNotBegin) {
+  for (const std::string& path : {temp.Path("a.kiv"), temp.Path("missing"), std::string()}) {
+    SFileFinder finder(SFileSpec(path.c_str()), SFileFinder::kEverything);
+    SFileSpec spec;
+    EXPECT_FALSE(finder.Next(spec));
+    EXPECT_TRUE(finder.HasFailed());
+  }
+  const SFileSpec folder = Folder();
+  kivtest::FaultFileServices faults(*Platform().files);
+  SPlatformOverride<IFileServices> installed(Platform().files, &faults);
+  int n = 0;
+  do {
+    faults.FailAt(++n);
+    SFileFinder finder(folder, SFileFinder::kEverything);
+    FolderEntry entry;
+    while (finder.NextEntry(entry)) {
+    }
+    EXPECT_EQ(finder.HasFailed(), faults.HasStruck()) << n;
+  } while (faults.HasStruck());
+  EXPECT_EQ(n, 9);  // opening, six entries with the dots, the end, nothing
+}
+
+TEST(SFileType, HasFiveFieldsOfWhichTheStringsMustBeThereAndTheFlagIsOneDigitOne) {
+  const SFileType type("Kiv File|Kiv Files|kiv|KivF|1"), set("a|b|c|code|1");
+  EXPECT_EQ(type.GetName() + type.GetPlural() + type.GetExtension(), "Kiv FileKiv Fileskiv");
+  EXPECT_EQ(type.GetCode(), 0x4B697646u);
+  for (const char* text :
+       {"", "a", "a|b|c|code", "a|b|c", "|b|c|code|1", "a||c|code|1", "a|b||code|1", "||||"}) {
+    EXPECT_FALSE(SFileType(text).IsValid()) << text;
+  }
+  for (const char* text : {"a|b|c|code|0", "a|b|c|code|", "a|b|c|code|11", "x|b|c|code|1",
+                           "a|x|c|code|1", "a|b|x|code|1", "a|b|c||1", "a|b|c|longer|1|more"}) {
+    EXPECT_TRUE(SFileType(text).IsValid() && !(set == SFileType(text))) << text;
+  }
+  EXPECT_TRUE(set == SFileType("a|b|c|code and more|1"));
+}
+
+TEST(FileTypeRegistry, KnowsTheStandardTypesAndKeepsTheFirstRowOfAKey) {
+  RegisterFileType(FourCharCode("tst1"), "First|Firsts|one|Cod1|1");
+  RegisterFileType(FourCharCode("tst1"), "Second|Seconds|two|Cod2|1");
+  RegisterFileType(FourCharCode("tst2"), 4005);
+  const struct {
+    const char (&key)[5];
+    const char* text;
+  } rows[] = {{"TEXT", "Text File|Text Files|txt|TEXT|1"},
+              {"PREF", "Preference File|Preference Files|ini|pref|1"},
+              {"QQBS", "QBundle File|QBundle Files|qbs|Qqbs|1"},
+              {"PICT", "PICT File|PICT Files|pic|PICT|0"},
+              {"BMP ", "BMP File|BMP Files|bmp|BMP |1"},
+              {"EXEC", "Executable|Executables|exe|APPL|0"},
+              {"QQBC", "QBun Script File|QBun Script Files|qbc|Qqbc|1"},
+              {"QQBM", "QBun Make File|QBun Make Files|qbm|Qqbm|1"},
+              {"KIVA", "Kiv File|Kiv Files|kiv|KivF|1"},
+              {"DAT ", "DAT File|DAT Files|dat|TEXT|1"},
+              {"JRNL", "Journal File|Journal Files|jnl|JDOC|0"},
+              {"LOCK", "Lock File|Lock Files|lok|Lock|1"},
+              {"tst1", "First|Firsts|one|Cod1|1"},
+              {"tst2", "Executable|Executables|exe|APPL|0"},
+              {"none", ""}};
+  for (const auto& row : rows) {
+    EXPECT_TRUE(FindFileType(FourCharCode(row.key)) == SFileType(row.text)) << row.key;
   }
 }
 

@@ -10,29 +10,20 @@ namespace kivstore {
 namespace {
 
 TEST(MemoryBlock, KeepsItsHandleAndBytesWhenResizedAndWhenItCannotBe) {
-  const MemoryHandle handle = AllocateBlock(4);
+  const MemoryHandle handle = AllocateBlock(4), empty = AllocateBlock(0);
   std::memcpy(LockBlock(handle), "abcd", 4);
   EXPECT_TRUE(ResizeBlock(handle, 100000));
   for (const int64_t size : {int64_t{0}, int64_t{-1}, INT64_MAX, int64_t{0x80000000}}) {
-    EXPECT_FALSE(ResizeBlock(handle, size)) << size;
+    EXPECT_FALSE(ResizeBlock(handle, size) || ResizeBlock(nullptr, size)) << size;
+    EXPECT_EQ(AllocateBlock(size) != nullptr, size == 0) << size;
   }
   EXPECT_EQ(std::memcmp(LockBlock(handle), "abcd", 4), 0);
   EXPECT_TRUE(ResizeBlock(handle, 2));
   EXPECT_EQ(std::memcmp(LockBlock(handle), "ab", 2), 0);
-  FreeBlock(handle);
-}
-
-TEST(MemoryBlock, NullHandlesAndBadSizesDoNothingAndNoBytesHaveNoAddress) {
-  FreeBlock(nullptr);
-  UnlockBlock(nullptr);
-  EXPECT_EQ(LockBlock(nullptr), nullptr);
-  EXPECT_FALSE(ResizeBlock(nullptr, 10));
-  EXPECT_EQ(AllocateBlock(-1), nullptr);
-  EXPECT_EQ(AllocateBlock(0x80000000), nullptr);
-  const MemoryHandle empty = AllocateBlock(0);
-  ASSERT_NE(empty, nullptr);
-  EXPECT_EQ(LockBlock(empty), nullptr);
-  FreeBlock(empty);
+  EXPECT_TRUE(LockBlock(empty) == nullptr && LockBlock(nullptr) == nullptr) << "no bytes";
+  for (const MemoryHandle block : {handle, empty, MemoryHandle{nullptr}}) {
+    UnlockBlock(block), FreeBlock(block);
+  }
 }
 
 // One block that tells what was done to it.
@@ -54,25 +45,18 @@ struct RecordingMemory : IMemory {
 };
 
 TEST(MemoryBlock, UnlocksAheadOfFreeingAndResizingAndLeavesADiscardedBlockAlone) {
-  RecordingMemory memory;
-  for (const uint32_t marks : {0u, 0x8000u}) {
-    memory.locks = 3;
-    memory.marks = marks;
+  for (const bool marked : {false, true}) {
+    RecordingMemory memory;
+    memory.locks = 3, memory.marks = marked ? 0x8000 : 0;
     FreeBlock(memory.Handle());
-    EXPECT_EQ(memory.locks, marks == 0 ? 0u : 3u);
-    EXPECT_EQ(memory.frees, 1);
-  }
-  for (const bool moves : {false, true}) {
-    memory.locks = 1;
-    memory.moves = moves;
+    EXPECT_TRUE(memory.locks == (marked ? 3 : 0) && memory.frees == (marked ? 0 : 1));
+    memory.locks = 1, memory.marks = 0, memory.moves = marked;
+    EXPECT_EQ(ResizeBlock(memory.Handle(), 10), !marked) << "only the same handle";
+    EXPECT_TRUE(memory.locks == 0 && memory.flags == 2);
     memory.flags = 0;
-    EXPECT_EQ(ResizeBlock(memory.Handle(), 10), !moves) << "only the same handle";
-    EXPECT_EQ(memory.locks, 0u);
+    AllocateBlock(10);
     EXPECT_EQ(memory.flags, 2u);
   }
-  memory.flags = 0;
-  AllocateBlock(10);
-  EXPECT_EQ(memory.flags, 2u);
 }
 
 }  // namespace

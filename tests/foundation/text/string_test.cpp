@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/platform.h"
 
@@ -17,9 +18,7 @@ TEST(SStringBlock, EmptyStringsShareOneBlockThatIsNeverCounted) {
   SString a, b(a), c(""), d(static_cast<const char*>(nullptr)), e("abc", 0), f('z', -3);
   for (SString* s : {&b, &c, &d, &e, &f}) {
     EXPECT_EQ(s->GetText(), a.GetText());
-    s->Release();
-    s->LockBuffer();
-    s->UnlockBuffer();
+    s->Release(), s->LockBuffer(), s->UnlockBuffer();
     EXPECT_EQ(s->GetRefs(), -1);
   }
 }
@@ -29,8 +28,7 @@ TEST(SStringBlock, HasExactlyTheCapacityAskedForAndIsSharedUntilAHolderChanges) 
   s.Append("fg");
   EXPECT_EQ(s.GetCapacity(), 7);
   const char* const block = s.GetText();
-  s.Assign("xyz");
-  s.Append("1234");
+  s.Assign("xyz"), s.Append("1234");
   EXPECT_EQ(s.GetText(), block) << "used again while it is big enough";
   s.GetBuffer(100);
   EXPECT_EQ(s.GetCapacity(), 100);
@@ -52,7 +50,7 @@ TEST(SStringBlock, ALockedStringKeepsItsAddressAndIsNeverShared) {
   char* const buffer = locked.LockBuffer();
   EXPECT_NE(before.GetText(), buffer);
   EXPECT_EQ(locked.GetRefs(), -1);
-  SString other(locked);
+  SString other(locked), holder(before);
   EXPECT_EQ(other.GetRefs(), 1);
   for (const char* text : {"xyz", "moved"}) {
     other = text;
@@ -61,13 +59,11 @@ TEST(SStringBlock, ALockedStringKeepsItsAddressAndIsNeverShared) {
   }
   locked.Substitute("%1-%1", "a");
   EXPECT_STREQ(buffer, "a-a");
-  locked.FreeExtra();
-  locked.Empty();
+  locked.FreeExtra(), locked.Empty();
   EXPECT_EQ(locked.GetText(), buffer);
   EXPECT_TRUE(locked.IsEmpty());
   locked.UnlockBuffer();
   EXPECT_EQ(locked.GetRefs(), 1);
-  SString holder(before);
   holder.UnlockBuffer();  // not locked: the count stands
   EXPECT_EQ(before.GetRefs(), 2);
 }
@@ -75,18 +71,16 @@ TEST(SStringBlock, ALockedStringKeepsItsAddressAndIsNeverShared) {
 TEST(SStringBlock, TextEndsAtTheGreatestLength) {
   constexpr int kMost = SString::kMaxLength;
   const std::string most(kMost, 'x'), more(40000, 'x');
-  SString s(most.c_str());
-  s.Append("y");
-  s.Append('y');
-  EXPECT_EQ(s.View(), most);
-  for (const SString& cut : {SString(more.c_str()), SString(more), SString('x', 40000), s + "y"}) {
+  SString s(most.c_str()), grown('x', 20000);
+  s.Append("y"), s.Append('y');
+  for (const SString& cut :
+       {s, SString(more.c_str()), SString(more), SString('x', 40000), s + "y"}) {
     EXPECT_EQ(cut.View(), most);
   }
   EXPECT_EQ((SString("ab") + s).View(), "ab" + most.substr(2));
   s.Insert(0, "head", 4);
   EXPECT_EQ(s.View(), "head" + most.substr(4));
   EXPECT_EQ(SString::Quoted(s).GetLength(), kMost);
-  SString grown('x', 20000);
   EXPECT_EQ(grown.Replace("x", "yy"), 20000);
   EXPECT_EQ(grown.View(), std::string(kMost, 'y'));
   EXPECT_EQ(s.GetBuffer(kMost + 1), nullptr);
@@ -95,22 +89,14 @@ TEST(SStringBlock, TextEndsAtTheGreatestLength) {
 }
 
 TEST(SString, IndicesAtTheEndsOfTheirRange) {
-  SString s("abcde");
-  EXPECT_STREQ(s.Mid(1, INT_MAX).GetText(), "bcde");
-  EXPECT_STREQ(s.Mid(INT_MIN, INT_MAX).GetText(), "abcde");
-  EXPECT_TRUE(s.Mid(INT_MAX, 1).IsEmpty());
-  s.Fill(INT_MAX, '*', INT_MAX);
-  s.Overwrite(1, "*", INT_MAX);
-  s.Overwrite(0, nullptr, 1);
-  s.Insert(0, nullptr, 1);
-  s.Delete(INT_MAX, INT_MAX);
+  SString s("abcde"), blank(" \t\r\n\v\f\xA0 \v");
+  EXPECT_EQ(s.Mid(1, INT_MAX) + s.Mid(INT_MIN, INT_MAX) + s.Mid(INT_MAX, 1), "bcdeabcde");
+  s.Fill(INT_MAX, '*', INT_MAX), s.Overwrite(1, "*", INT_MAX), s.Overwrite(0, nullptr, 1);
+  s.Insert(0, nullptr, 1), s.Delete(INT_MAX, INT_MAX);
   EXPECT_STREQ(s.GetText(), "abcde");
-  s.Replace(3, INT_MAX, nullptr);
-  s.Delete(1, INT_MAX);
+  s.Replace(3, INT_MAX, nullptr), s.Delete(1, INT_MAX);
   EXPECT_STREQ(s.GetText(), "a");
-  SString blank(" \t\r\n\v\f\xA0 \v");
-  blank.TrimLeft();
-  blank.TrimRight();
+  blank.TrimLeft(), blank.TrimRight();
   EXPECT_STREQ(blank.GetText(), "\xA0");
   EXPECT_EQ(blank.Replace(nullptr, "x") + blank.FindOneOf(nullptr), -1);
 }
@@ -135,11 +121,10 @@ TEST(SString, BetweenTakesBothLimitsAndAnEmptyOneIsNone) {
 
 // The pieces, joined by slashes; `step` is what the caller adds to the position between them.
 std::string Pieces(bool (SString::*next)(SString&, int&, const char*) const, int step,
-                   const char* source, const char* delimiters) {
-  const SString s(source);
+                   const SString& source, const char* delimiters) {
   std::string pieces;
   SString piece;
-  for (int position = 0; (s.*next)(piece, position, delimiters); position += step) {
+  for (int position = 0; (source.*next)(piece, position, delimiters); position += step) {
     pieces += std::string(piece.View()) + "/";
   }
   return pieces;
@@ -165,81 +150,45 @@ TEST(SStringTokens, TokensSkipRunsAndFieldsStandBetweenSingleDelimiters) {
     EXPECT_EQ(position, outside);
   }
   int position = 0;
-  EXPECT_TRUE(s.NextToken(s, position, ","));
-  EXPECT_STREQ(s.GetText(), "ab") << "may go into itself";
-  EXPECT_EQ(position, 2);
+  EXPECT_TRUE(s.NextToken(s, position, ",") && s == "ab" && position == 2) << "into itself";
 }
 
-// Whether a text was a clean number, and the value that came.
+// The values that come of the texts, each behind a "!" if its text was no clean number.
 template <class T>
-std::pair<bool, T> Parsed(bool (SString::*parse)(T&) const, const char* text) {
-  T value = 99;
-  const bool clean = (SString(text).*parse)(value);
-  return {clean, value};
+std::string Parsed(bool (SString::*parse)(T&) const, const std::vector<SString>& texts) {
+  std::string values;
+  for (const SString& text : texts) {
+    T value = 99;
+    const bool clean = (text.*parse)(value);
+    values += (clean ? " " : " !") + std::to_string(value);
+  }
+  return values;
 }
 
 TEST(SStringNumbers, WholeNumbersGoOnPastWhatIsNoDigit) {
-  const struct {
-    const char* text;
-    bool clean;
-    int32_t value;
-    bool cleanUnsigned;
-    uint32_t asUnsigned;
-  } cases[] = {{"123", true, 123, true, 123},
-               {"-45", true, -45, false, 45},
-               {"+6", true, 6, true, 6},
-               {"12a3", false, 123, false, 123},
-               {"-1x2", false, -12, false, 12},
-               {"+", false, 0, false, 0},
-               {"-", false, 0, false, 0},
-               {"", false, 0, false, 0},
-               {"--5", false, -5, false, 5},
-               {"0/9:", false, 9, false, 9},
-               {"-2147483648", true, INT32_MIN, false, 2147483648u},
-               {"4294967295", true, -1, true, UINT32_MAX},
-               {"4294967297", true, 1, true, 1}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(Parsed(&SString::ToLong, c.text), std::pair(c.clean, c.value)) << c.text;
-    EXPECT_EQ(Parsed(&SString::ToULong, c.text), std::pair(c.cleanUnsigned, c.asUnsigned))
-        << c.text;
-  }
-  SString s;
+  const std::vector<SString> texts{"123", "-45", "+6", "12a3", "-1x2", "+", "-", "", "--5", "0/9:"};
+  EXPECT_EQ(Parsed(&SString::ToLong, texts), " 123 -45 6 !123 !-12 !0 !0 !0 !-5 !9");
+  EXPECT_EQ(Parsed(&SString::ToULong, texts), " 123 !45 6 !123 !12 !0 !0 !0 !5 !9");
+  const std::vector<SString> wide{"-2147483648", "4294967295", "4294967297"};
+  EXPECT_EQ(Parsed(&SString::ToLong, wide), " -2147483648 -1 1");
+  EXPECT_EQ(Parsed(&SString::ToULong, wide), " !2147483648 4294967295 1");
   for (const int32_t value : {0, 9, 10, -1, INT32_MAX, INT32_MIN}) {
-    s.FromLong(value);
+    const auto bits = static_cast<uint32_t>(value);
+    SString s, u;
+    s.FromLong(value), u.FromULong(bits);
     EXPECT_EQ(s.View(), std::to_string(value));
-    s.FromULong(static_cast<uint32_t>(value));
-    EXPECT_EQ(s.View(), std::to_string(static_cast<uint32_t>(value)));
+    EXPECT_EQ(u.View(), std::to_string(bits));
   }
 }
 
 TEST(SStringNumbers, HexStopsAtTheFirstOtherCharacterAndSixteenBitsTakeTheirRange) {
-  const struct {
-    const char* text;
-    bool good;
-    uint32_t value;
-    bool fitsSigned, fitsUnsigned;
-  } cases[] = {{"0x1F", true, 0x1F, true, true},
-               {"0XfF", true, 0xFF, true, true},
-               {"c0de", true, 0xC0DE, false, true},
-               {"", false, 0, false, false},
-               {"0", true, 0, true, true},
-               {"12g4", false, 0x12, false, false},
-               {"x1", false, 0, false, false},
-               {"@9", false, 0, false, false},
-               {"7FFF", true, 0x7FFF, true, true},
-               {"8000", true, 0x8000, false, true},
-               {"FFFF", true, 0xFFFF, false, true},
-               {"10000", true, 0x10000, false, false},
-               {"FFFF8000", true, 0xFFFF8000, true, false},
-               {"FFFF7FFF", true, 0xFFFF7FFF, false, false},
-               {"123456789", true, 0x23456789, false, false}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(Parsed<uint32_t>(&SString::ToHex, c.text), std::pair(c.good, c.value)) << c.text;
-    EXPECT_EQ(Parsed<int16_t>(&SString::ToHex, c.text),
-              std::pair(c.fitsSigned, static_cast<int16_t>(c.fitsSigned ? c.value : 99)));
-    EXPECT_EQ(Parsed<uint16_t>(&SString::ToHex, c.text),
-              std::pair(c.fitsUnsigned, static_cast<uint16_t>(c.fitsUnsigned ? c.value : 99)));
-  }
+  const std::vector<SString> forms{"0x1F", "0XfF", "", "0", "12g4", "x1", "@9", "123456789"};
+  EXPECT_EQ(Parsed<uint32_t>(&SString::ToHex, forms), " 31 255 !0 0 !18 !0 !0 591751049");
+  EXPECT_EQ(Parsed<int16_t>(&SString::ToHex, forms), " 31 255 !99 0 !99 !99 !99 !99");
+  EXPECT_EQ(Parsed<uint16_t>(&SString::ToHex, forms), " 31 255 !99 0 !99 !99 !99 !99");
+  const std::vector<SString> wide{"c0de", "7FFF", "8000", "FFFF", "10000", "FFFF8000", "FFFF7FFF"};
+  EXPECT_EQ(Parsed<int16_t>(&SString::ToHex, wide), " !99 32767 !99 !99 !99 -32768 !99");
+  EXPECT_EQ(Parsed<uint16_t>(&SString::ToHex, wide), " 49374 32767 32768 65535 !99 !99 !99");
 }
 
 TEST(SStringNumbers, DoublesHaveUpToSixDecimalsAndMustBeTheWholeText) {
@@ -256,9 +205,7 @@ TEST(SStringNumbers, DoublesHaveUpToSixDecimalsAndMustBeTheWholeText) {
   }
   s.FromDouble(-1.7976931348623157e308, 6);
   EXPECT_EQ(s.GetLength(), 317);
-  EXPECT_EQ(Parsed(&SString::ToDouble, "-2e3"), std::pair(true, -2000.0));
-  EXPECT_EQ(Parsed(&SString::ToDouble, "1.5x"), std::pair(false, 1.5));
-  EXPECT_EQ(Parsed(&SString::ToDouble, ""), std::pair(false, 0.0));
+  EXPECT_EQ(Parsed(&SString::ToDouble, {"-2e3", "1.5x", ""}), " -2000.000000 !1.500000 !0.000000");
 }
 
 TEST(SStringMessages, SubstitutionGoesArgumentByArgumentOnTheGrowingText) {
@@ -269,20 +216,16 @@ TEST(SStringMessages, SubstitutionGoesArgumentByArgumentOnTheGrowingText) {
                {"%1 %2", "a", "<%1>", "a <%1>"},
                {"%1 and %1", "%1", "", "%1 and %1"},
                {"'%1' could not be %3d.", "x", "", "'x' could not be %3d."}};
-  SString s;
+  SString one, s, three, four, five;
   for (const auto& c : cases) {
     s.Substitute(c.pattern, c.first, c.second);
     EXPECT_STREQ(s.GetText(), c.expected);
   }
-  s.Substitute("%5%4%3%2%1%%1", "a", "b", "c", "d", "e");
-  EXPECT_STREQ(s.GetText(), "edcba%a");
-  s.Substitute("%4%3%2%1%5", "a", "b", "c", "d");
-  EXPECT_STREQ(s.GetText(), "dcba%5");
-  s.Substitute("%3%2%1", "a", "b", "c");
-  EXPECT_STREQ(s.GetText(), "cba");
-  s.Substitute("%1%2!", "a");
-  s.Substitute(s, s, s);
-  EXPECT_STREQ(s.GetText(), "aa%2!!") << "may read itself";
+  one.Substitute("%1%2!", "a"), one.Substitute(one, one, one);  // may read itself
+  three.Substitute("%3%2%1%4", "a", "b", "c");
+  four.Substitute("%4%3%2%1%5", "a", "b", "c", "d");
+  five.Substitute("%5%4%3%2%1%%1", "a", "b", "c", "d", "e");
+  EXPECT_EQ(one + " " + three + " " + four + " " + five, "aa%2!! cba%4 dcba%5 edcba%a");
 }
 
 struct LongTexts : IResources {
@@ -295,8 +238,7 @@ struct LongTexts : IResources {
 
 TEST(SStringMessages, FormattedTextsAreCutAt511AndTextsOfTheTableAt1022) {
   SString s("old");
-  s.Format("%s-%d", "a", 5);
-  s.Format("%s", s.GetText());
+  s.Format("%s-%d", "a", 5), s.Format("%s", s.GetText());
   EXPECT_STREQ(s.GetText(), "a-5");
   s.Format("%s", std::string(600, 'x').c_str());
   EXPECT_EQ(s.View(), std::string(511, 'x'));
