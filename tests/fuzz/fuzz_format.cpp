@@ -154,16 +154,27 @@ std::string Without(std::string text, std::string_view signs) {
   return text;
 }
 
-std::string FoundLast(SSite& site, const std::string& extension) {
-  SFileSpec spec;
-  if (!FindLastFile(site, spec, nullptr, nullptr, Text(extension), false)) {
-    return kNoFile;
+// A local store, as the library sees it during a call.
+struct LocalSite {
+  explicit LocalSite(const FuzzSite& root) {
+    site.SetSiteMode(kSiteLocal);
+    app.SetProperty("Data", Text(root.folder.Path()));
   }
-  const std::string name = Bytes(spec.GetFileName());
-  Require(spec.Up() && Bytes(spec.GetPath()) == "\\root\\Classes.zep\\",
-          "what is found lies in the folder itself");
-  return name;
-}
+  std::string FoundLast(const FuzzSite& root, const std::string& extension) {
+    SFileSpec spec;
+    if (!FindLastFile(site, spec, nullptr, nullptr, Text(extension), false)) {
+      return kNoFile;
+    }
+    const SString name = spec.GetFileName();
+    SFileSpec folder = root.Root();
+    Require(folder.Down("Classes.zep") && spec.Up() && spec.IsEqual(folder),
+            "what is found lies in the folder itself");
+    return Bytes(name);
+  }
+
+  SSite site;
+  SZEPApp app{site};
+};
 
 // A file of some type is recorded.
 void RunLast(FuzzInput input) {
@@ -171,19 +182,19 @@ void RunLast(FuzzInput input) {
   const std::string other = Without(input.Text(), {".\0", 2});
   const std::string name = Without(input.Text(), {"\0", 1}) + "." + type;
   FuzzSite site;
-  LocalSite local;
   site.FileOf(input.Rest(), kLastFile);
-  const std::string before = site.Stored(kLastFile), last = FoundLast(local.site, type);
-  const std::string otherLast = FoundLast(local.site, other);
+  LocalSite local(site);
+  const std::string before = site.Stored(kLastFile), last = local.FoundLast(site, type);
+  const std::string otherLast = local.FoundLast(site, other);
   Require(site.Stored(kLastFile) == before, "looking changes nothing");
   RecordLastFile(local.site, nullptr, nullptr, Text(name), Text(type));
   const std::string after = site.Stored(kLastFile);
-  const std::string now = FoundLast(local.site, type);
+  const std::string now = local.FoundLast(site, type);
   Require(after == before ? now == last : now == name || !IsSafeName(Text(name)),
           "a name that was recorded is found, and a list that stays tells the same");
   if (Text(other).CompareNoCase(Text(type)) != 0 && otherLast != kNoFile &&
       other.size() >= type.size()) {
-    Require(FoundLast(local.site, other) == otherLast, "other types keep their file");
+    Require(local.FoundLast(site, other) == otherLast, "other types keep their file");
   }
   RecordLastFile(local.site, nullptr, nullptr, Text(name), Text(type));
   Require(site.Stored(kLastFile) == after, "recording again changes nothing");

@@ -2,15 +2,16 @@
 // files.
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <vector>
 
 #include "app/library_state.h"
 #include "platform/base/bytes.h"
+#include "store/place/store_names.h"
 #include "tests/fuzz/fuzz_site.h"
-#include "tests/fuzz/fuzz_target.h"
 #include "tests/fuzz/hostile_block.h"
-#include "tests/support/fault_file_services.h"
 #include "tests/support/record_bytes.h"
+#include "tests/support/wine.h"
 
 namespace kivtest {
 namespace {
@@ -37,49 +38,119 @@ constexpr uint8_t kPlaceIsHidden = 2;
 constexpr uint8_t kPlaceIsReadOnly = 4;
 constexpr uint8_t kPlaceIsHeld = 8;  // by another workstation
 
-// No name on a disk holds a NUL.
-std::string NameFrom(FuzzInput& input) {
-  const uint8_t number = input.Byte();
-  const std::string name = number < std::size(kStoreNames) ? kStoreNames[number] : input.Text();
-  return name.substr(0, name.find('\0'));
+// By path below the root.
+struct Place {
+  std::string bytes;
+  FileAttributes attributes;
+
+  bool operator==(const Place& other) const {
+    return bytes == other.bytes && attributes.folder == other.attributes.folder &&
+           attributes.hidden == other.attributes.hidden &&
+           attributes.readOnly == other.attributes.readOnly;
+  }
+};
+using Tree = std::map<std::string, Place>;
+
+// Files of a tree as an input tells it.
+class LaidStore : public FuzzSite {
+ public:
+  explicit LaidStore(FuzzInput& input) {
+    std::vector<std::string> folders{""};
+    for (int count = input.Byte() % kMostPlaces; count > 0; --count) {
+      const std::string path = folders[input.Byte() % folders.size()] + NameFrom(input);
+      const uint8_t marks = input.Byte();
+      const bool isFolder = (marks & kPlaceIsFolder) != 0;
+      if (Lay(path, marks, isFolder ? "" : input.LongText()) && isFolder) {
+        folders.push_back(path + "/");
+      }
+    }
+  }
+  ~LaidStore() {
+    std::for_each(held.begin(), held.end(), [&](FileHandle file) { disk.Close(file); });
+  }
+
+  Tree Entries() const {
+    Tree tree;
+    for (const auto& [path, bytes] : SnapshotOf(folder.Path())) {
+      tree[path] = {bytes, AttributesOf(path)};
+    }
+    return tree;
+  }
+  FileAttributes AttributesOf(const std::string& path) const {
+    FileAttributes attributes;
+    SystemError error;
+    disk.FullAttributes(folder.Path(path).c_str(), attributes, error);
+    return attributes;
+  }
+
+ private:
+  // No name on a disk holds a NUL. One that leads elsewhere is none.
+  static std::string NameFrom(FuzzInput& input) {
+    const uint8_t number = input.Byte();
+    const std::string name = number < std::size(kStoreNames) ? kStoreNames[number] : input.Text();
+    const std::string whole = name.substr(0, name.find('\0'));
+    return IsSafeName(Text(whole)) ? whole : std::string();
+  }
+  // False where another file stands in the way, or the disk knows no such name.
+  bool Lay(const std::string& path, uint8_t marks, const std::string& bytes) {
+    const bool isFolder = (marks & kPlaceIsFolder) != 0;
+    FileAttributes there;
+    SystemError error;
+    if (path.empty() || path.back() == '/') {
+      return false;
+    }
+    if (disk.Attributes(folder.Path(path).c_str(), there, error)) {
+      return isFolder && there.folder;
+    }
+    try {
+      isFolder ? folder.MakeFolder(path) : folder.WriteFile(path, bytes);
+    } catch (const std::exception&) {
+      return false;
+    }
+    const FileAttributes asked{.hidden = (marks & kPlaceIsHidden) != 0,
+                               .readOnly = (marks & kPlaceIsReadOnly) != 0};
+    disk.SetAttributes(folder.Path(path).c_str(), asked, error);
+    if ((marks & kPlaceIsHeld) != 0 && !isFolder && !RunsUnderWine()) {
+      held.push_back(disk.Open(folder.Path(path).c_str(), FileAccess::kReadWrite, error));
+      held.resize(held.size() - (held.back() == nullptr ? 1 : 0));
+    }
+    return true;
+  }
+
+  std::vector<FileHandle> held;
+};
+
+std::string NameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
 }
 
-void LayStore(FuzzInput& input, MemoryFiles& files) {
-  std::vector<std::string> folders{"root"};
-  for (int count = input.Byte() % kMostPlaces; count > 0; --count) {
-    const std::string path = folders[input.Byte() % folders.size()] + "/" + NameFrom(input);
-    const uint8_t marks = input.Byte();
-    const bool isFolder = (marks & kPlaceIsFolder) != 0;
-    MemoryFiles::Entry* const entry =
-        isFolder ? files.PutFolder(path) : files.Put(path, input.LongText());
-    if (entry == nullptr) {
+bool IsNamed(const std::string& path, const char* name) {
+  return EqualBytesNoCase(NameOf(path), name);
+}
+
+// Nothing is made; nothing goes but an options file that no version of ours has written; nothing is
+// written but indexes and long names.
+void CheckFiles(const Tree& before, const Tree& after) {
+  const std::string ours("BIN\x01\x00\x01\x00\x00", 8);
+  for (const auto& [path, entry] : before) {
+    const auto found = after.find(path);
+    if (found == after.end()) {
+      Require(IsNamed(path, "options.kiv") && !entry.attributes.folder &&
+                  !entry.bytes.starts_with(ours),
+              "nothing goes but an options file of another kind or version");
       continue;
     }
-    entry->attributes.hidden = (marks & kPlaceIsHidden) != 0;
-    entry->attributes.readOnly = (marks & kPlaceIsReadOnly) != 0;
-    entry->heldElsewhere = !isFolder && (marks & kPlaceIsHeld) != 0;
-    if (isFolder) {
-      folders.push_back(path);
-    }
+    const bool isRepaired = IsNamed(path, "index.kiv") || IsNamed(path, "longname.kiv");
+    Require(
+        found->second == Place{isRepaired ? found->second.bytes : entry.bytes, entry.attributes},
+        "nothing is written but indexes and long names, and attributes stay");
+  }
+  for (const auto& [path, entry] : after) {
+    Require(before.count(path) != 0, "nothing is made");
   }
 }
 
-// Only an options file that no version of ours has written may go.
-bool MayGo(const MemoryFiles::Entry& entry) {
-  return EqualBytesNoCase(entry.name, "options.kiv") && !entry.attributes.folder &&
-         !entry.bytes.starts_with(std::string("BIN\x01\x00\x01\x00\x00", 8));
-}
-
-bool IsRepaired(const MemoryFiles::Entry& entry) {
-  return EqualBytesNoCase(entry.name, "index.kiv") || EqualBytesNoCase(entry.name, "longname.kiv");
-}
-
-bool IsVisibleFolder(const MemoryFiles::Tree& tree, const std::string& place) {
-  const auto found = tree.find(place);
-  return found != tree.end() && found->second.attributes.folder && !found->second.attributes.hidden;
-}
-
-void CheckIndex(const MemoryFiles::Tree& tree, const std::string& folder, const IndexImage& before,
+void CheckIndex(const LaidStore& store, const std::string& folder, const IndexImage& before,
                 const std::string& bytesAfter) {
   const IndexImage after = ReadIndexBytes(bytesAfter);
   Require(!after.isTorn && after.length == bytesAfter.size(), "an index that is written is whole");
@@ -88,55 +159,22 @@ void CheckIndex(const MemoryFiles::Tree& tree, const std::string& folder, const 
     const auto isSame = [&](const IndexLine& other) {
       return EqualBytesNoCase(other.folder, login.folder);
     };
-    Require(!IsVisibleFolder(tree, folder + MemoryFiles::Folded(login.folder)) ||
+    const FileAttributes there = store.AttributesOf(folder + login.folder);
+    Require(!IsSafeName(Text(login.folder)) || !there.folder || there.hidden ||
                 std::any_of(after.logins.begin(), after.logins.end(), isSame),
             "who has a folder stays in the list");
   }
 }
 
-// Nothing is made; nothing goes but an options file of another kind or version; nothing is written
-// but indexes and long names.
-void CheckFiles(const MemoryFiles::Tree& before, const MemoryFiles::Tree& after) {
-  for (const auto& [place, entry] : before) {
-    const auto found = after.find(place);
-    if (found == after.end()) {
-      Require(MayGo(entry), "nothing goes but an options file of another kind or version");
-      continue;
-    }
-    const MemoryFiles::Entry& now = found->second;
-    Require(now.bytes == entry.bytes || IsRepaired(entry),
-            "nothing is written but indexes and long names");
-    Require(now.attributes.hidden == entry.attributes.hidden &&
-                now.attributes.readOnly == entry.attributes.readOnly,
-            "attributes stay");
-  }
-  for (const auto& [place, entry] : after) {
-    Require(before.count(place) != 0, "nothing is made");
-  }
-}
-
 // An index that was whole keeps every login whose folder is there, and its file half. Where no
 // operation failed.
-void CheckIndexes(const MemoryFiles::Tree& before, const MemoryFiles::Tree& after) {
-  for (const auto& [place, entry] : before) {
-    const auto now = after.find(place);
-    if (now == after.end() || now->second.bytes == entry.bytes ||
-        !EqualBytesNoCase(entry.name, "index.kiv")) {
-      continue;
-    }
+void CheckIndexes(const LaidStore& store, const Tree& before, const Tree& after) {
+  for (const auto& [path, entry] : before) {
     const IndexImage index = ReadIndexBytes(entry.bytes);
-    if (!index.isTorn && index.length == entry.bytes.size()) {
-      CheckIndex(before, place.substr(0, place.rfind('/') + 1), index, now->second.bytes);
+    const bool isWhole = !index.isTorn && index.length == entry.bytes.size();
+    if (IsNamed(path, "index.kiv") && isWhole && after.at(path).bytes != entry.bytes) {
+      CheckIndex(store, path.substr(0, path.rfind('/') + 1), index, after.at(path).bytes);
     }
-  }
-}
-
-void CheckSame(const MemoryFiles::Tree& before, const MemoryFiles::Tree& after) {
-  Require(before.size() == after.size(), "a store that was put right keeps its files");
-  for (const auto& [place, entry] : before) {
-    const auto now = after.find(place);
-    Require(now != after.end() && now->second.bytes == entry.bytes,
-            "a store that was put right stays as it is");
   }
 }
 
@@ -150,16 +188,14 @@ void ResetLibrary() {
 
 class Session {
  public:
-  explicit Session(FuzzInput& input) {
-    ResetLibrary();
-    LayStore(input, site.files);
+  explicit Session(FuzzInput& input) : store((ResetLibrary(), input)) {
     const int failing = input.Number();
     const uint8_t kind = input.Byte();
     isFailing = failing > 0;
     if (isFailing) {
       const bool lasts = (kind & 1) != 0;
-      faults.FailAt(failing, (kind & 2) != 0 ? SystemError::kSharingViolation : SystemError::kOther,
-                    lasts);
+      store.files.FailAt(
+          failing, (kind & 2) != 0 ? SystemError::kSharingViolation : SystemError::kOther, lasts);
     }
   }
   ~Session() { ResetLibrary(); }
@@ -171,39 +207,33 @@ class Session {
       Call(input);
     }
     if (!isFailing) {
-      CheckSettled(last);
+      FuzzInput again = last;
+      Call(last);
+      const Tree before = store.Entries();
+      Call(again);
+      Require(store.Entries() == before, "what a call puts right it puts right at once");
     }
   }
 
  private:
   void Call(FuzzInput& input) {
     HostileBlock block(input);
-    const MemoryFiles::Tree before = site.files.Entries();
-    const int counted = faults.Count();
-    block.Call("/root");
-    const int cost = faults.Count() - counted;
-    Require(cost < kCallCost + kPlaceCost * static_cast<int>(before.size()),
+    const Tree before = store.Entries();
+    const int counted = store.files.Count();
+    block.Call(store.folder.Path());
+    const int cost = store.files.Count() - counted;
+    Require(cost < kCallCost + kPlaceCost * static_cast<int>(before.size() + 1),
             "a call costs no more than the store is large");
-    Require(site.files.OpenHandles() == 0, "a call leaves no file open");
-    CheckFiles(before, site.files.Entries());
+    Require(store.files.OpenPaths().empty(), "a call leaves no file open");
+    const Tree after = store.Entries();
+    CheckFiles(before, after);
     if (!isFailing) {
-      CheckIndexes(before, site.files.Entries());
+      CheckIndexes(store, before, after);
     }
   }
 
-  // What a call puts right it puts right at once.
-  void CheckSettled(FuzzInput call) {
-    FuzzInput again = call;
-    Call(call);
-    const MemoryFiles::Tree before = site.files.Entries();
-    Call(again);
-    CheckSame(before, site.files.Entries());
-  }
-
   bool isFailing = false;
-  FuzzSite site;
-  FaultFileServices faults{site.files};
-  SPlatformOverride<IFileServices> installed{Platform().files, &faults};
+  LaidStore store;
 };
 
 }  // namespace
