@@ -43,13 +43,52 @@ inline constexpr uint32_t kTestNow = 0xB6A133F2;
 // 20 bytes: Speed and its stamp, Sound and its stamp, Name with its NUL.
 class SampleDob : public kivstore::SDob {
  public:
-  void Clear() override;
-  void Serialize(kivstore::IDobArchive& archive) override;
-  void SetDirty(bool value) override;
-  bool IsEqual(const SDob& other) const override;
-  void Copy(const SDob& other) override;
-  void Merge(const SDob& other) override;
-  void ClearStamps() override;
+  void Clear() override {
+    Speed = {.value = 10};
+    Sound = {.value = true};
+    Name.Empty();
+    SetDirty(true);
+  }
+  void Serialize(kivstore::IDobArchive& archive) override {
+    if (archive.IsReading()) {
+      Clear();
+      SetDirty(false);
+    }
+    archive.TransferShort("Speed", Speed.value);
+    archive.TransferTimeStamp("Speed", Speed.stamp);
+    archive.TransferBool("Sound", Sound.value);
+    archive.TransferTimeStamp("Sound", Sound.stamp);
+    archive.TransferString("Name", Name);
+  }
+  void SetDirty(bool value) override {
+    SDob::SetDirty(value);
+    if (!value) Speed.stamp = Sound.stamp = kivstore::SDateTime::None();
+  }
+  bool IsEqual(const SDob& other) const override {
+    if (other.GetClassId() != StaticClassId()) return false;
+    const auto& same = static_cast<const SampleDob&>(other);
+    return Speed.value == same.Speed.value && Sound.value == same.Sound.value && Name == same.Name;
+  }
+  void Copy(const SDob& other) override {
+    SDob::Copy(other);
+    if (!other.IsA(*this)) return;
+    const auto& same = static_cast<const SampleDob&>(other);
+    Speed = same.Speed;
+    Sound = same.Sound;
+    Name = same.Name;
+  }
+  void Merge(const SDob& other) override {
+    SDob::Merge(other);
+    if (!other.IsA(*this)) return;
+    const auto& same = static_cast<const SampleDob&>(other);
+    Speed.Merge(same.Speed);
+    Sound.Merge(same.Sound);
+    Name = same.Name;
+  }
+  void ClearStamps() override {
+    Speed.ClearStamp();
+    Sound.ClearStamp();
+  }
   ClassId GetClassId() const override { return StaticClassId(); }
   bool IsA(const SDob& other) const override {
     return IsOneOf(other, {StaticClassId(), SDob::StaticClassId()});

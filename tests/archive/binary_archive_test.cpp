@@ -1,10 +1,13 @@
-// The binary form: the bytes of every transfer, in both directions.
+// The binary form: the bytes of every transfer in both directions, and the stream below it: the
+// sticky error, copies, and the forwarding source.
 #include "archive/dob_binary_archive.h"
+#include "archive/stream_stream.h"
 #include "tests/archive/archive_support.h"
 
 namespace kivstore {
 namespace {
 
+using kivtest::BytesOf;
 using namespace std::string_literals;
 
 template <class Transfer>
@@ -15,7 +18,7 @@ std::string Written(Transfer transfer) {
   transfer(archive);
   EXPECT_FALSE(archive.HasError());
   archive.Finish();
-  return kivtest::BytesOf(memory);
+  return BytesOf(memory);
 }
 
 // An archive reading these bytes.
@@ -60,8 +63,7 @@ TEST(SDobBinaryArchive, EveryTypeHasItsBytesInBothDirections) {
   ExpectForm(&A::TransferTimeStamp, SDateTime(0x0A0B0C0D), "\0\0\0\0\x0A\x0B\x0C\x0D"s);
   ExpectForm(&A::TransferTimeStamp, SDateTime::Fresh(), "\0\0\0\0\xB6\xA1\x33\xF2"s);
   bool value = false;
-  EXPECT_TRUE(Reading("\x80")->TransferBool(nullptr, value));
-  EXPECT_TRUE(value) << "any byte but zero";
+  EXPECT_TRUE(Reading("\x80")->TransferBool(nullptr, value) && value) << "any byte but zero";
 }
 
 TEST(SDobBinaryArchive, AFreshStampIsNotOverwrittenByReading) {
@@ -73,39 +75,27 @@ TEST(SDobBinaryArchive, AFreshStampIsNotOverwrittenByReading) {
   EXPECT_EQ(stamp.Raw(), 6u) << "the high word is dropped";
 }
 
-TEST(SDobBinaryArchive, BlobIsItsLengthAndItsBytes) {
-  MemoryHandle handle = AllocateBlock(3);
+TEST(SDobBinaryArchive, BlobIsItsLengthAndItsBytesAndNeverLongerThanTheStream) {
+  MemoryHandle handle = AllocateBlock(3), none = nullptr;
   std::memcpy(LockBlock(handle), "abc", 3);
+  int32_t length = 3;
   const std::string bytes = Written([&](IDobArchive& a) {
-    for (int32_t length : {3, 0, -4}) {
-      a.TransferBlob("b", handle, length);
+    for (int32_t written : {3, 0, -4}) {
+      a.TransferBlob("b", handle, written);
     }
-    MemoryHandle none = nullptr;
-    int32_t length = 3;
     EXPECT_FALSE(a.TransferBlob("b", none, length)) << "writes nothing and is no error";
   });
   FreeBlock(handle);
   EXPECT_EQ(bytes, "\0\0\0\3abc\0\0\0\0\0\0\0\0"s);
-
   Reading archive(bytes);
-  int32_t length = 0;
-  ASSERT_TRUE(archive->TransferBlob("b", handle, length));
-  EXPECT_EQ(length, 3);
+  ASSERT_TRUE(archive->TransferBlob("b", handle, length) && length == 3);
   EXPECT_EQ(std::string(static_cast<const char*>(LockBlock(handle)), 3), "abc");
   FreeBlock(handle);
-  EXPECT_TRUE(archive->TransferBlob("b", handle, length));
-  EXPECT_EQ(handle, nullptr);
-  EXPECT_EQ(length, 0);
-}
-
-TEST(SDobBinaryArchive, BlobLongerThanTheStreamIsAnErrorAndAllocatesNothing) {
-  for (const std::string& bytes : {"\x7F\xFF\xFF\xFF"s, "\0\0\0\4abc"s, "\0\0"s}) {
-    Reading archive(bytes);
-    MemoryHandle handle = nullptr;
-    int32_t length = 1;
-    EXPECT_FALSE(archive->TransferBlob("b", handle, length));
-    EXPECT_TRUE(archive->HasError());
-    EXPECT_EQ(handle, nullptr);
+  EXPECT_TRUE(archive->TransferBlob("b", handle, length) && handle == nullptr && length == 0);
+  for (const std::string& torn : {"\x7F\xFF\xFF\xFF"s, "\0\0\0\4abc"s, "\0\0"s}) {
+    Reading tornArchive(torn);
+    EXPECT_FALSE(tornArchive->TransferBlob("b", handle, length));
+    EXPECT_TRUE(tornArchive->HasError() && handle == nullptr) << "allocates nothing";
   }
 }
 
@@ -128,16 +118,87 @@ TEST_F(RowsOfAFile, AreTakenAtOnceOnlyWhereTheyLieReadyToTheLast) {
   EXPECT_FALSE(archive.HasError());
 }
 
-TEST(SDobBinaryArchive, WithoutAStreamEverythingFails) {
-  SDobBinaryArchive a(SDobBinaryArchive::kRead, nullptr);
+TEST(SBinaryStream, ReadsBackAfterARewindAndComparesWhatItReads) {
+  SStreamSrcMemory memory(nullptr, 0);
+  SBinaryStream s(SBinaryStream::kWrite, &memory, false);
+  const std::string row(200, 'a');
+  EXPECT_TRUE(s.WriteByte(0xAB) && s.WriteLong(0x10000) && s.WriteDouble(1.5) &&
+              s.WriteRaw((row + "BIN").c_str(), 203));
+  s.FinishWriting(true);
+  EXPECT_FALSE(s.IsWriting());
+  double real = 0;
+  int32_t number = 7;
+  EXPECT_TRUE(s.Skip(1) && s.ReadAndCompareLong(0x10000) && s.ReadDouble(real) &&
+              s.ReadAndCompareRaw(row.c_str(), 200));
+  EXPECT_FALSE(s.ReadAndCompareRaw("BIM", 3) || s.HasError()) << "a difference is no error";
+  EXPECT_FALSE(s.ReadAndCompareRaw("B", -1) || s.ReadLong(number));
+  EXPECT_TRUE(s.HasError() && real == 1.5 && number == 7);
+}
+
+TEST(SBinaryStream, DoesNothingOnceItHasAnErrorOrWithoutASource) {
+  SStreamSrcMemory memory(nullptr, 0);
+  SBinaryStream stream(SBinaryStream::kWrite, &memory, false);
+  stream.WriteByte(1);
+  stream.SetError(true);
+  EXPECT_FALSE(stream.WriteByte(2) || stream.WriteLong(2) || stream.WriteText("x") ||
+               stream.WriteRect({}) || stream.WriteDateTime(SDateTime(3)) || stream.Skip(1));
+  EXPECT_EQ(memory.GetPosition(), 1);
+  SBinaryStream nothing(SBinaryStream::kRead, nullptr, true);
+  SDobBinaryArchive archive(SDobBinaryArchive::kRead, nullptr);
   int32_t number = 1;
   SString text("kept");
   MemoryHandle handle = nullptr;
-  EXPECT_TRUE(a.HasError());
-  EXPECT_FALSE(a.TransferLong("", number) || a.TransferString("", text) ||
-               a.TransferBlob("", handle, number) || a.CheckTag(0) || a.WriteBytes("", 0));
-  a.Finish();
-  EXPECT_STREQ(text.GetText(), "kept");
+  EXPECT_FALSE(nothing.ReadText(text) || archive.TransferLong("", number) ||
+               archive.TransferString("", text) || archive.TransferBlob("", handle, number) ||
+               archive.CheckTag(0) || archive.WriteBytes("", 0));
+  archive.Finish();
+  EXPECT_TRUE(archive.HasError() && text == "kept");
+}
+
+TEST(SBinaryStream, CopiesBlocksUntilTheCountIsUsedOrTheSinkRefuses) {
+  struct STakenBytes : SBinaryStream::Sink {
+    bool Take(const uint8_t* block, int32_t length) override {
+      bytes.append(reinterpret_cast<const char*>(block), static_cast<size_t>(length));
+      return bytes.size() < 3;
+    }
+    std::string bytes;
+  };
+  SBinaryStream source(SBinaryStream::kRead, new SStreamSrcString("abcdefg"), true);
+  SStreamSrcMemory memory(nullptr, 0);
+  SBinaryStream copy(SBinaryStream::kWrite, &memory, false);
+  EXPECT_TRUE(copy.CopyFrom(source, 4));
+  EXPECT_TRUE(copy.CopyFrom(source, 0));
+  EXPECT_TRUE(copy.CopyFrom(source, -5));
+  STakenBytes sink;
+  EXPECT_TRUE(source.CopyTo(sink, 2));
+  EXPECT_FALSE(source.CopyTo(sink, 1));
+  EXPECT_EQ(sink.bytes, "efg");
+  EXPECT_TRUE(source.HasError());
+  EXPECT_FALSE(copy.CopyFrom(source, 1));
+  EXPECT_TRUE(copy.HasError());
+  copy.FinishWriting(false);
+  EXPECT_EQ(BytesOf(memory), "abcd");
+}
+
+TEST(SStreamSrcStream, OpensOnlyInTheDirectionOfItsStreamAndEndsItsWriting) {
+  SBinaryStream reading(SBinaryStream::kRead, new SStreamSrcString(SString('b', 3000)), true);
+  SStreamSrcStream source(&reading, false);
+  EXPECT_TRUE(source.HasError());
+  EXPECT_FALSE(source.Open(SStreamSource::kWrite));
+  EXPECT_TRUE(source.Open(SStreamSource::kRead));
+  EXPECT_TRUE(source.Extend(5)) << "nothing to extend";
+  for (const int32_t expected : {2048, 952, 0}) {
+    int32_t count = 100000;
+    source.GetBlock(count);
+    EXPECT_EQ(count, expected);
+  }
+  EXPECT_FALSE(SStreamSrcStream(nullptr, false).Open(SStreamSource::kRead));
+  SStreamSrcMemory memory(nullptr, 0);
+  SBinaryStream writing(SBinaryStream::kWrite, &memory, false);
+  SStreamSrcStream target(&writing, false);
+  EXPECT_FALSE(target.Open(SStreamSource::kRead));
+  EXPECT_TRUE(target.Open(SStreamSource::kWrite) && target.WriteByte('a') && target.Close());
+  EXPECT_FALSE(writing.IsWriting());
 }
 
 }  // namespace

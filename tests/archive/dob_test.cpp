@@ -31,8 +31,7 @@ TEST(SDob, KnowsItsClassAndSharesTheDirtyFlagOnlyWithForeignOnes) {
   const DerivedSampleDob derived;
   EXPECT_TRUE(base.IsA(base) && sample.IsA(base) && sample.IsA(sample) && derived.IsA(sample));
   EXPECT_FALSE(base.IsA(sample) || sample.IsA(derived));
-  EXPECT_TRUE(sample.IsEqual(SampleDob()) && base.IsEqual(SDob()));
-  EXPECT_TRUE(sample.IsNotEqual(derived) && base.IsNotEqual(sample));
+  EXPECT_TRUE(sample.IsEqual(SampleDob()) && sample.IsNotEqual(derived) && base.IsNotEqual(sample));
   const std::unique_ptr<SDob> sibling(base.CreateNew());
   EXPECT_TRUE(sibling->IsEqual(base) && !sibling->IsDirty() && !base.HasDifferences());
   EXPECT_EQ(base.GetVersion(), 0u);
@@ -130,24 +129,21 @@ TEST_F(DobFiles, WhereFilesCannotBeMadeOnlyWhatIsThereIsReplaced) {
 
 TEST_F(DobFiles, WhatTheFileKeepsIsDecidedByItsStampAgainstAFreshMark) {
   const struct {
-    const char* what;
-    uint32_t storedStamp;  // of Speed 50
-    uint32_t ownStamp;     // of Speed 60
+    uint32_t storedStamp, ownStamp;  // of Speed 50 and of Speed 60
     int16_t speed;
     uint32_t stamp;
-  } cases[] = {{"a fresh change wins over any time", 9000, SDateTime::kFresh, 60, kTestNow},
-               {"an old stamp here counts as none", 1, 9000, 50, 1},
-               {"a tie at none takes this record's", 0, 9000, 60, 0}};
+  } cases[] = {{9000, SDateTime::kFresh, 60, kTestNow},  // a fresh change wins over any time
+               {1, 9000, 50, 1},                         // an old stamp here counts as none
+               {0, 9000, 60, 0}};                        // a tie at none takes this record's
   for (const auto& c : cases) {
     SFileSpec spec = FileOf("");
     SampleDob record;
     record.Speed = {.value = 50, .stamp = SDateTime(c.storedStamp)};
     record.SaveToFile(spec);
     record.Speed = {.value = 60, .stamp = SDateTime(c.ownStamp)};
-    EXPECT_TRUE(record.SaveMergedToFile(spec)) << c.what;
-    record.LoadFromFile(spec);
-    EXPECT_EQ(record.Speed.value, c.speed) << c.what;
-    EXPECT_EQ(record.Speed.stamp.Raw(), c.stamp) << c.what;
+    EXPECT_TRUE(record.SaveMergedToFile(spec) && record.LoadFromFile(spec));
+    EXPECT_EQ(record.Speed.value, c.speed);
+    EXPECT_EQ(record.Speed.stamp.Raw(), c.stamp);
   }
 }
 
@@ -156,10 +152,8 @@ TEST_F(DobFiles, MergeFromFileTakesTheNewerFieldsAndLeavesTheFile) {
   SampleDob own;
   own.Speed = {.value = 60, .stamp = SDateTime(6)};
   own.Sound = {.value = true, .stamp = SDateTime(4)};
-  EXPECT_TRUE(own.MergeFromFile(FileOf(stored)));
-  EXPECT_FALSE(own.MergeFromFile(SpecOf("missing")));
-  EXPECT_EQ(own.Speed.value, 60);
-  EXPECT_FALSE(own.Sound.value);
+  EXPECT_TRUE(own.MergeFromFile(FileOf(stored)) && !own.MergeFromFile(SpecOf("missing")));
+  EXPECT_TRUE(own.Speed.value == 60 && !own.Sound.value);
   EXPECT_EQ(Stored(), stored);
 }
 

@@ -96,17 +96,15 @@ TEST_F(PrefArchives, ReadsWhatFitsAndLeavesTheVariableOtherwise) {
 
 TEST_F(PrefArchives, PathsEndAt240Characters) {
   for (const size_t length : {240u, 241u}) {
-    {
-      SDobPrefArchive archive = Reading("");
-      archive.PushSection(std::string(length, 'p').c_str());
-      EXPECT_EQ(archive.HasError(), length == 241);
-      EXPECT_EQ(archive.GetSection(), length == 240 ? std::string(240, 'p') : "_Default");
-      archive.PopSection();
-      EXPECT_STREQ(archive.GetSection(), "_Default");
-    }
-    SDobPrefArchive keys = Reading("");
+    SDobPrefArchive archive = Reading(""), keys(SDobPrefArchive::kRead, SpecOf("f"));
+    const std::string name(length, 'p');
+    archive.PushSection(name.c_str());
+    EXPECT_EQ(archive.HasError(), length == 241);
+    EXPECT_EQ(archive.GetSection(), length == 240 ? name : "_Default");
+    archive.PopSection();
+    EXPECT_STREQ(archive.GetSection(), "_Default");
     keys.PushKey("k");
-    keys.PushKey(std::string(length - 2, 'k').c_str());
+    keys.PushKey(name.c_str() + 2);
     EXPECT_EQ(keys.HasError(), length == 241) << "one less for the line between";
     keys.PopKey();
     EXPECT_STREQ(keys.GetKey(), "k");
@@ -114,23 +112,21 @@ TEST_F(PrefArchives, PathsEndAt240Characters) {
 }
 
 TEST_F(PrefArchives, PathsHave32SectionsAnd16KeysAndNoneToPopAtFirst) {
-  {
-    SDobPrefArchive archive = Reading("");
-    for (int i = 0; i < 17; ++i) {
-      archive.PushKey(i == 15 ? "last" : i == 16 ? "dropped" : nullptr);
-    }
-    EXPECT_STREQ(archive.GetKey(), "last");
-    archive.PopKey();
-    EXPECT_STREQ(archive.GetKey(), "") << "the dropped one's pop takes a level too many";
-    for (int i = 0; i < 33; ++i) {
-      EXPECT_FALSE(archive.HasError());
-      archive.PushSection("s");
-    }
-    EXPECT_TRUE(archive.HasError());
-    EXPECT_EQ(std::string(archive.GetSection()).size(), 63u);
+  SDobPrefArchive archive = Reading("");
+  for (int i = 0; i < 17; ++i) {
+    archive.PushKey(i == 15 ? "last" : i == 16 ? "dropped" : nullptr);
   }
+  EXPECT_STREQ(archive.GetKey(), "last");
+  archive.PopKey();
+  EXPECT_STREQ(archive.GetKey(), "") << "the dropped one's pop takes a level too many";
+  for (int i = 0; i < 33; ++i) {
+    EXPECT_FALSE(archive.HasError());
+    archive.PushSection("s");
+  }
+  EXPECT_TRUE(archive.HasError());
+  EXPECT_EQ(std::string(archive.GetSection()).size(), 63u);
   for (void (A::*const pop)() : {&A::PopSection, &A::PopKey}) {
-    SDobPrefArchive fresh = Reading("");
+    SDobPrefArchive fresh(SDobPrefArchive::kRead, SpecOf("f"));
     (fresh.*pop)();
     EXPECT_TRUE(fresh.HasError());
   }
@@ -166,22 +162,18 @@ TEST_F(PrefArchives, AMissingKeyFailsTheLoadButNotTheFieldsBehindItAndAMissingFi
 
 TEST_F(PrefArchives, SectionsMergeAsFilesDoAndAnyFormLoads) {
   SFileSpec spec = FileOf("");
-  SampleDob first;
-  SampleDob second;
+  SampleDob first, second, merged;
   ASSERT_TRUE(first.SaveToPref(spec, "s"));
   first.SetSpeed(20);
   second.SetSound(false);
-  EXPECT_TRUE(first.SaveMergedToPref(spec, "s") && second.SaveMergedToPref(spec, "s"));
-  SampleDob merged;
-  EXPECT_TRUE(merged.MergeFromPref(spec, "s"));
+  EXPECT_TRUE(first.SaveMergedToPref(spec, "s") && second.SaveMergedToPref(spec, "s") &&
+              merged.MergeFromPref(spec, "s"));
   EXPECT_TRUE(merged.Speed.value == 20 && !merged.Sound.value);
   for (const bool binary : {false, true}) {
-    SampleDob any;
-    EXPECT_TRUE(any.MergeFromAny(spec, "s"));
-    EXPECT_TRUE(any.IsEqual(merged));
-    EXPECT_TRUE(any.LoadAny(spec, "s"));
-    EXPECT_TRUE(any.IsEqual(merged));
-    if (!binary) merged.SaveToFile(spec);
+    SampleDob any, loaded;
+    EXPECT_TRUE(!binary || merged.SaveToFile(spec));
+    EXPECT_TRUE(any.MergeFromAny(spec, "s") && any.IsEqual(merged));
+    EXPECT_TRUE(loaded.LoadAny(spec, "s") && loaded.IsEqual(merged));
   }
 }
 
