@@ -132,23 +132,6 @@ TEST_F(PrefArchives, PathsHave32SectionsAnd16KeysAndNoneToPopAtFirst) {
   }
 }
 
-TEST_F(PrefArchives, AStampedRecordGoesThereAndBack) {
-  const SFileSpec spec = FileOf("; kept\r\n");
-  SampleDob record;
-  record.SetSpeed(20);
-  record.Name = "Ann";
-  ASSERT_TRUE(record.SaveToPref(spec, "Student"));
-  EXPECT_EQ(Stored(),
-            "; kept\r\n[Student]\r\nSpeed=20\r\nSpeed_ts_high=0\r\nSpeed_ts_low=3064017906\r\n"
-            "Sound=1\r\nSound_ts_high=0\r\nSound_ts_low=0\r\nName=Ann\r\n");
-  SampleDob loaded;
-  EXPECT_TRUE(loaded.LoadFromPref(spec, "student"));
-  EXPECT_TRUE(loaded.IsEqual(record));
-  EXPECT_EQ(loaded.Speed.stamp.Raw(), kivtest::kTestNow);
-  EXPECT_TRUE(record.DeleteFromPref(spec, "Student"));
-  EXPECT_EQ(Stored(), "; kept\r\n[Student]\r\n");
-}
-
 TEST_F(PrefArchives, AMissingKeyFailsTheLoadButNotTheFieldsBehindItAndAMissingFileAll) {
   SampleDob record;
   EXPECT_FALSE(record.LoadFromPref(FileOf("[s]\nSpeed=20\nName=Ann\n"), "s"));
@@ -156,8 +139,7 @@ TEST_F(PrefArchives, AMissingKeyFailsTheLoadButNotTheFieldsBehindItAndAMissingFi
   EXPECT_FALSE(record.SaveToPref(missing, "s") || record.LoadFromPref(missing, "s") ||
                record.DeleteFromPref(missing, "s") || record.LoadAny(missing, "s") ||
                record.SaveMergedToPref(missing, "s") || record.MergeFromAny(missing, "s"));
-  EXPECT_EQ(record.Speed.value, 20);
-  EXPECT_STREQ(record.Name.GetText(), "Ann");
+  EXPECT_TRUE(record.Speed.value == 20 && record.Name == "Ann");
 }
 
 TEST_F(PrefArchives, SectionsMergeAsFilesDoAndAnyFormLoads) {

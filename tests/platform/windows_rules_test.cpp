@@ -16,13 +16,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-constexpr auto kNone = SystemError::kNone;
-constexpr auto kNoFile = SystemError::kFileNotFound;
-constexpr auto kNoPath = SystemError::kPathNotFound;
-constexpr auto kDenied = SystemError::kAccessDenied;
-constexpr auto kSharing = SystemError::kSharingViolation;
-constexpr auto kTaken = SystemError::kAlreadyExists;
-constexpr auto kNotEmpty = SystemError::kFolderNotEmpty;
+using enum SystemError;
 
 struct Answers {
   SystemError error;
@@ -111,15 +105,15 @@ TEST_F(WindowsRules, OfNamesMovesAndReadOnlyFiles) {
         "look FOLDER\\\\file.txt", "look Folder//File.txt", "look folder/",
         "look folder/./../FOLDER\\file.txt", "read FOLDER/FILE.TXT", "write folder/file.txt",
         "read Folder/Fixed.txt", "walk FOLDER"}},
-      {kNoFile,
+      {kFileNotFound,
        {"look Folder/missing", "read Folder/missing", "delete Folder/missing", "remove missing",
         "move Folder/missing > x"}},
-      {kNoPath,
+      {kPathNotFound,
        {"look missing/File.txt", "look Folder/File.txt/below", "read missing/File.txt",
         "walk missing", "move Folder/File.txt > missing/x"}},
-      {kDenied, {"read Folder", "write Folder", "delete Folder", "delete folder/FIXED.txt"}},
-      {kNotEmpty, {"remove folder"}},
-      {kTaken,
+      {kAccessDenied, {"read Folder", "write Folder", "delete Folder", "delete folder/FIXED.txt"}},
+      {kFolderNotEmpty, {"remove folder"}},
+      {kAlreadyExists,
        {"move Folder/File.txt > Folder/Other.txt", "move Folder/File.txt > folder/OTHER.TXT",
         "move Folder/File.txt > Empty", "move Folder > EMPTY"}},
       {kNone,
@@ -139,12 +133,12 @@ TEST_F(WindowsRules, OfOpenFiles) {
   const std::vector<Answers> whileRead{
       {kNone,
        {"read FOLDER/File.txt", "write Folder/Other.txt", "look Folder/File.txt", "walk Folder"}},
-      {kSharing,
+      {kSharingViolation,
        {"write Folder/File.txt", "delete folder/file.txt", "move Folder/File.txt > moved"}},
-      {kNotEmpty, {"remove Folder"}}};
+      {kFolderNotEmpty, {"remove Folder"}}};
   const std::vector<Answers> whileWritten{
       {kNone, {"look Folder/File.txt"}},
-      {kSharing,
+      {kSharingViolation,
        {"read Folder/File.txt", "write folder/FILE.txt", "delete Folder/File.txt",
         "move Folder/File.txt > moved"}}};
   for (const bool reads : {true, false}) {

@@ -24,12 +24,7 @@ using kivtest::FaultFileServices;
 using kivtest::Snapshot;
 using Act = std::function<bool(SFileSpec&)>;
 
-constexpr auto kFull = SystemError::kDiskFull;
-constexpr auto kDenied = SystemError::kAccessDenied;
-constexpr auto kSharing = SystemError::kSharingViolation;
-constexpr auto kOtherDevice = SystemError::kNotSameDevice;
-constexpr auto kFixed = SystemError::kWriteProtected;
-constexpr auto kGone = SystemError::kDeviceGone;
+using enum SystemError;
 
 class FileChanges : public testing::Test {
  protected:
@@ -108,39 +103,40 @@ TEST_F(FileChanges, LeaveWhatTheyNameAndNothingElse) {
     std::string outcome;
     const char* call = "-";  // of the system, that fails for paths that hold this part
     const char* part = "kivstore";
-    SystemError error = SystemError::kOther;
+    SystemError error = kOther;
   } cases[] = {
       {"tree/missing", remove, "done"},
       {"no/where", remove, " 3"},
       {"file", remove, "done -file"},
       {"tree", remove, "done" + treeGone},
-      {"tree/a", remove, "tree/a 5", "Delete", "a", kDenied},
-      {"tree", remove, "tree/.sub/held 32", "Delete", "held", kSharing},
-      {"tree", removeAll, "tree/.sub/held 32 -tree/a", "Delete", "held", kSharing},
-      {"tree", removeAll, "tree/.sub 32 -tree/.sub/held -tree/a", "RemoveFolder", "sub", kSharing},
-      {"tree", removeAll, "tree/.sub/ 5 -tree/a", "Walk", "sub", kDenied},
+      {"tree/a", remove, "tree/a 5", "Delete", "a", kAccessDenied},
+      {"tree", remove, "tree/.sub/held 32", "Delete", "held", kSharingViolation},
+      {"tree", removeAll, "tree/.sub/held 32 -tree/a", "Delete", "held", kSharingViolation},
+      {"tree", removeAll, "tree/.sub 32 -tree/.sub/held -tree/a", "RemoveFolder", "sub",
+       kSharingViolation},
+      {"tree", removeAll, "tree/.sub/ 5 -tree/a", "Walk", "sub", kAccessDenied},
       {"new", make, "done +new"},
       {"FILE", make, "done"},
-      {"new", make, "new 112", "MakeFile", "new", kFull},
+      {"new", make, "new 112", "MakeFile", "new", kDiskFull},
       {"to", make, "to/ 183"},
       {"no/where", make, " 3"},
       {"new", makeFolder, "done +new"},
-      {"new", makeFolder, "new 19", "MakeFolder", "new", kFixed},
+      {"new", makeFolder, "new 19", "MakeFolder", "new", kWriteProtected},
       {"FILE", makeFolder, "FILE 183"},
       {"to", makeFolder, "to/ 183"},
       {"no/where", makeFolder, " 3"},
       {"file", rename(longest), "done -file +" + longest},
       {"to", rename("new"), "done -to -to/file +new +new/file"},
       {"to/missing", rename("x"), "done"},
-      {"tree", rename("b"), "tree 32", "Move", "tree", kSharing},
+      {"tree", rename("b"), "tree 32", "Move", "tree", kSharingViolation},
       {"to", rename("TREE"), "TREE/ 183"},
       {"no/where", rename("x"), "refused"},
       {"other", move("to"), "done -other +to/other"},
       {"tree", move("to"), treeMoved},
-      {"tree", move("to"), treeMoved, "Move", "tree", kOtherDevice},
+      {"tree", move("to"), treeMoved, "Move", "tree", kNotSameDevice},
       {"missing", move("to"), "done"},
       {"file", move("to"), "to/file 183"},
-      {"other", move("to"), "other 5", "Move", "other", kDenied},
+      {"other", move("to"), "other 5", "Move", "other", kAccessDenied},
       {"file", move("missing"), "missing 3"},
       {"file", move("other"), "other 3"},
       {"no/where", move("to"), " 3"},
@@ -150,21 +146,21 @@ TEST_F(FileChanges, LeaveWhatTheyNameAndNothingElse) {
       {"tree", copy("to", "FILE"), "to/FILE 183"},
       {"missing", copy("to", "x"), "missing 3"},
       {"file", copy("no", "x"), "file 3"},
-      {"file", copy("to", "x"), "file 32", "CopyFileTo", "file", kSharing},
-      {"file", copy("to", "x"), "to/x 112", "CopyFileTo", "file", kFull},
-      {"file", copy("to", "x"), "to/x 19", "CopyFileTo", "file", kFixed},
-      {"file", [](SFileSpec& s) { return s.Refresh(); }, "file 55", "Attributes", "file", kGone},
-      {"file", open, "file 55", "OpenRead", "file", kGone},
+      {"file", copy("to", "x"), "file 32", "CopyFileTo", "file", kSharingViolation},
+      {"file", copy("to", "x"), "to/x 112", "CopyFileTo", "file", kDiskFull},
+      {"file", copy("to", "x"), "to/x 19", "CopyFileTo", "file", kWriteProtected},
+      {"file", [](SFileSpec& s) { return s.Refresh(); }, "file 55", "Attributes", "file",
+       kDeviceGone},
+      {"file", open, "file 55", "OpenRead", "file", kDeviceGone},
       {"none", open, "none 2"},
-      {"file", fix, "file 19", "SetAttributes", "file", kFixed},
-      {"file", hide, "file 19", "SetAttributes", "file", kFixed}};
+      {"file", fix, "file 19", "SetAttributes", "file", kWriteProtected},
+      {"file", hide, "file 19", "SetAttributes", "file", kWriteProtected}};
   for (const auto& c : cases) {
     faults.FailOn(c.part, c.error, c.call);
     EXPECT_EQ(Outcome(c.act, c.path), c.outcome) << c.path << " " << c.call;
   }
-  for (const std::string& bad :
-       {std::string(), std::string("a\\b"), std::string("a/b"), std::string("a\tb"),
-        std::string("a\nb"), std::string("a\rb"), std::string(256, 'n')}) {
+  const std::string tooLong(256, 'n');
+  for (const char* bad : {"", "a\\b", "a/b", "a\tb", "a\nb", "a\rb", tooLong.c_str()}) {
     EXPECT_EQ(Outcome(rename(bad), "file"), "refused") << bad;
   }
 }
@@ -174,13 +170,13 @@ TEST_F(FileChanges, OfATreeThatCannotBeMovedNeitherWay) {
   const struct {
     SystemError ofMove, ofCopy;
     const char* told;
-  } cases[] = {{kOtherDevice, kFull, "to/tree/.sub/held 112"},
-               {kOtherDevice, kSharing, "tree/.sub/held 32"},
-               {kSharing, kSharing, "tree/.sub/held 32"},
-               {kSharing, kFull, "tree 32"}};
+  } cases[] = {{kNotSameDevice, kDiskFull, "to/tree/.sub/held 112"},
+               {kNotSameDevice, kSharingViolation, "tree/.sub/held 32"},
+               {kSharingViolation, kSharingViolation, "tree/.sub/held 32"},
+               {kSharingViolation, kDiskFull, "tree 32"}};
+  FaultFileServices copying(static_cast<IFileServices&>(faults));
+  SPlatformOverride<IFileServices> both(Platform().files, &copying);
   for (const auto& c : cases) {
-    FaultFileServices copying(static_cast<IFileServices&>(faults));
-    SPlatformOverride<IFileServices> both(Platform().files, &copying);
     faults.FailOn("tree", c.ofMove, "Move");
     copying.FailOn("held", c.ofCopy, "CopyFileTo");
     EXPECT_EQ(Outcome([&](SFileSpec& s) { return s.MoveTo(Spec("to")); }, "tree"), c.told);
@@ -209,7 +205,7 @@ TEST_F(FileChanges, AreNoneOfTheLibrarysOwnMakers) {
   FaultFileServices inert(own);
   SPlatformOverride<IFileServices> library(Platform().files, &inert);
   const SFileSpec to = Spec("to"), place = Spec("to/tree");
-  inert.FailOn("tree", kOtherDevice, "Move");
+  inert.FailOn("tree", kNotSameDevice, "Move");
   const struct {
     const char* path;
     Act act;
@@ -254,7 +250,7 @@ TEST_F(FileChanges, DeletingEndsAtTheFirstFailureOnlyIfNotRecursive) {
   for (const char* name : {"to/2", "to/3", "to/4"}) {
     temp.WriteFile(name, "");
   }
-  faults.FailOn("to", kDenied, "Delete");
+  faults.FailOn("to", kAccessDenied, "Delete");
   for (const bool recursive : {false, true}) {
     faults.ClearLog();
     EXPECT_FALSE(Spec("to").Delete(recursive));
@@ -289,8 +285,8 @@ TEST_F(FileChanges, OfAnOpenFileAndAWalkThatFailAreTold) {
       [&] { return file.SetSize(3); }, [&] { return file.Truncate(); },
       [&] { return file.Flush(); }};
   for (const auto& act : acts) {
-    NoteFileFailure("", SystemError::kNone);
-    faults.FailAt(1, kFull);
+    NoteFileFailure("", kNone);
+    faults.FailAt(1, kDiskFull);
     EXPECT_FALSE(act());
     EXPECT_EQ(Told(), "file 112");
   }

@@ -60,12 +60,10 @@ TEST(SDateTime, IsNowByTheLocalClock) {
 TEST(SDateTimeUnix, ShiftsTheEpochAndStaysWithinTheRange) {
   const struct {
     uint32_t seconds, raw, back;
-  } cases[] = {
-      {0, 2082844800U, 1},
-      {2, 2082844802U, 2},
-      {0x83DA4F7E, 0xFFFFFFFE, 0x83DA4F7E},
-      {0x83DA4F7F, 0xFFFFFFFE, 0x83DA4F7E},
-  };
+  } cases[] = {{0, 2082844800U, 1},
+               {2, 2082844802U, 2},
+               {0x83DA4F7E, 0xFFFFFFFE, 0x83DA4F7E},
+               {0x83DA4F7F, 0xFFFFFFFE, 0x83DA4F7E}};
   for (const auto& c : cases) {
     SDateTime time(0);
     time.SetUnix(c.seconds);
