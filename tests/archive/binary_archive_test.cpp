@@ -176,6 +176,8 @@ TEST(SBinaryStream, CopiesBlocksUntilTheCountIsUsedOrTheSinkRefuses) {
   EXPECT_TRUE(source.HasError());
   EXPECT_FALSE(copy.CopyFrom(source, 1));
   EXPECT_TRUE(copy.HasError());
+  SBinaryStream own(SBinaryStream::kRead, new SStreamSrcString("abc"), true);
+  EXPECT_TRUE(!own.CopyFrom(own, 1) && own.HasError()) << "not from itself";
   copy.FinishWriting(false);
   EXPECT_EQ(BytesOf(memory), "abcd");
 }

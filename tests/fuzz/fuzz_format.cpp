@@ -48,10 +48,6 @@ void RunIndex(FuzzInput input) {
           "a half that is not held stays in the file");
 }
 
-bool IsPlain(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 int SignOf(int order) {
   return (order > 0) - (order < 0);
 }
@@ -61,8 +57,11 @@ void CheckFolderName(const FuzzSite& site, const SLoginNameObj& names) {
   bool exists = true;
   const SString derived = DeriveFolderName(spec, names.firstName, names.lastName, exists);
   const std::string_view text = derived.View();
+  const auto isPlain = [](char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+  };
   Require(!text.empty() && text.size() <= static_cast<size_t>(kNameWidth) &&
-              std::all_of(text.begin(), text.end(), IsPlain),
+              std::all_of(text.begin(), text.end(), isPlain),
           "a folder's name is one to eight letters and digits");
   Require(!exists && spec.IsEqual(site.Root()), "a free name belongs to nobody");
 }

@@ -88,19 +88,6 @@ void CheckEdit(const Edit& edit, SPrefFile& file, const FuzzSite& site) {
   }
 }
 
-// Opened once for all of them, the edits come to the same.
-void CheckOneOpening(const std::vector<Edit>& edits, const std::string& text,
-                     const std::string& expected) {
-  FuzzSite site;
-  SPrefFile file(site.FileOf(text, kFile));
-  Require(file.Open(SPrefFile::kWrite), "a file that is there opens");
-  for (const Edit& edit : edits) {
-    edit.Apply(file);
-  }
-  file.Close();
-  Require(site.Stored(kFile) == expected, "edits come to the same in one opening and in several");
-}
-
 void CheckRecords(const std::string& text) {
   FuzzSite site;
   const SFileSpec spec = site.FileOf(text, kFile);
@@ -115,13 +102,18 @@ void CheckRecords(const std::string& text) {
           "what was read survives being written");
 }
 
+// In several openings, and in one, which comes to the same.
 void CheckEdits(const std::vector<Edit>& edits, const std::string& text) {
   FuzzSite site;
-  SPrefFile file(site.FileOf(text, kFile));
+  SPrefFile file(site.FileOf(text, kFile)), whole(site.FileOf(text, "whole"));
+  Require(whole.Open(SPrefFile::kWrite), "a file that is there opens");
   for (const Edit& edit : edits) {
     CheckEdit(edit, file, site);
+    edit.Apply(whole);
   }
-  CheckOneOpening(edits, text, site.Stored(kFile));
+  whole.Close();
+  Require(site.Stored("whole") == site.Stored(kFile),
+          "edits come to the same in one opening and in several");
 }
 
 }  // namespace

@@ -39,18 +39,12 @@ constexpr uint8_t kPlaceIsHidden = 2;
 constexpr uint8_t kPlaceIsReadOnly = 4;
 constexpr uint8_t kPlaceIsHeld = 8;  // by another workstation
 
-// By path below the root.
 struct Place {
   std::string bytes;
-  FileAttributes attributes;
-
-  bool operator==(const Place& other) const {
-    return bytes == other.bytes && attributes.folder == other.attributes.folder &&
-           attributes.hidden == other.attributes.hidden &&
-           attributes.readOnly == other.attributes.readOnly;
-  }
+  bool isFolder, isHidden, isReadOnly;
+  bool operator==(const Place&) const = default;
 };
-using Tree = std::map<std::string, Place>;
+using Tree = std::map<std::string, Place>;  // by path below the root
 
 // Files of a tree as an input tells it.
 class LaidStore : public FuzzSite {
@@ -74,7 +68,9 @@ class LaidStore : public FuzzSite {
     Tree tree;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.Path())) {
       const std::string path = entry.path().generic_string().substr(folder.Path().size() + 1);
-      tree[path] = {entry.is_directory() ? "" : folder.ReadFile(path), AttributesOf(path)};
+      const FileAttributes there = AttributesOf(path);
+      tree[path] = {there.folder ? "" : folder.ReadFile(path), there.folder, there.hidden,
+                    there.readOnly};
     }
     return tree;
   }
@@ -122,12 +118,8 @@ class LaidStore : public FuzzSite {
   std::vector<FileHandle> held;
 };
 
-std::string NameOf(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
 bool IsNamed(const std::string& path, const char* name) {
-  return EqualBytesNoCase(NameOf(path), name);
+  return EqualBytesNoCase(path.substr(path.rfind('/') + 1), name);
 }
 
 // Nothing is made; nothing goes but an options file that no version of ours has written; nothing is
@@ -137,15 +129,15 @@ void CheckFiles(const Tree& before, const Tree& after) {
   for (const auto& [path, entry] : before) {
     const auto found = after.find(path);
     if (found == after.end()) {
-      Require(IsNamed(path, "options.kiv") && !entry.attributes.folder &&
-                  !entry.bytes.starts_with(ours),
+      Require(IsNamed(path, "options.kiv") && !entry.isFolder && !entry.bytes.starts_with(ours),
               "nothing goes but an options file of another kind or version");
       continue;
     }
     const bool isRepaired = IsNamed(path, "index.kiv") || IsNamed(path, "longname.kiv");
-    Require(
-        found->second == Place{isRepaired ? found->second.bytes : entry.bytes, entry.attributes},
-        "nothing is written but indexes and long names, and attributes stay");
+    Place expected = entry;
+    expected.bytes = isRepaired ? found->second.bytes : entry.bytes;
+    Require(found->second == expected,
+            "nothing is written but indexes and long names, and attributes stay");
   }
   for (const auto& [path, entry] : after) {
     Require(before.count(path) != 0, "nothing is made");
@@ -196,10 +188,10 @@ class Session {
     const int failing = input.Number();
     const uint8_t kind = input.Byte();
     isFailing = failing > 0;
+    const bool lasts = (kind & 1) != 0, isHeld = (kind & 2) != 0;
     if (isFailing) {
-      const bool lasts = (kind & 1) != 0;
-      store.files.FailAt(
-          failing, (kind & 2) != 0 ? SystemError::kSharingViolation : SystemError::kOther, lasts);
+      store.files.FailAt(failing, isHeld ? SystemError::kSharingViolation : SystemError::kOther,
+                         lasts);
     }
   }
   ~Session() { ResetLibrary(); }

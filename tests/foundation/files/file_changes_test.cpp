@@ -235,7 +235,8 @@ TEST_F(FileChanges, BetweenTwoMountsCopyAndRemoveTheSource) {
     GTEST_SKIP() << "no second file system to move to";
   }
   fs::create_directory(other);
-  SFileSpec file = Spec("file"), tree = Spec("tree");
+  SFileSpec file = Spec("file"), tree = Spec("tree"), fixed = Spec("other");
+  EXPECT_TRUE(fixed.SetReadOnly() && !fixed.MoveTo(SFileSpec(other.c_str())));
   EXPECT_TRUE(file.MoveTo(SFileSpec(other.c_str())) && tree.MoveTo(SFileSpec(other.c_str())));
   EXPECT_TRUE(file.Exists() && !tree.Exists() && !temp.Exists("file") && !temp.Exists("tree"));
   Snapshot moved = laid;
