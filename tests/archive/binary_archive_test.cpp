@@ -110,7 +110,7 @@ TEST_F(RowsOfAFile, AreTakenAtOnceOnlyWhereTheyLieReadyToTheLast) {
     EXPECT_FALSE(archive.TakeRow(numbers, count)) << "5 bytes are left";
   }
   EXPECT_EQ(numbers[0], 7);
-  EXPECT_TRUE(archive.TakeRow(numbers, 1));
+  EXPECT_TRUE(archive.TakeRow(numbers, 0) && archive.TakeRow(numbers, 1));
   EXPECT_EQ(numbers[0], -2);
   bool flags[3] = {true, false, false};
   EXPECT_TRUE(archive.TakeRow(flags, 3));
@@ -194,7 +194,8 @@ TEST(SStreamSrcStream, OpensOnlyInTheDirectionOfItsStreamAndEndsItsWriting) {
     source.GetBlock(count);
     EXPECT_EQ(count, expected);
   }
-  EXPECT_FALSE(SStreamSrcStream(nullptr, false).Open(SStreamSource::kRead));
+  EXPECT_FALSE(SStreamSrcStream(nullptr, false).Open(SStreamSource::kRead) ||
+               SStreamSrcStream(nullptr, false).Extend(1));
   SStreamSrcMemory memory(nullptr, 0);
   SBinaryStream writing(SBinaryStream::kWrite, &memory, false);
   SStreamSrcStream target(&writing, false);

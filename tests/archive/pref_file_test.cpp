@@ -134,7 +134,7 @@ TEST_F(PrefFiles, GrowsByStepsRefusesWhatNoStepHoldsAndCutsAValueToWhatAStringHo
   ASSERT_TRUE(file.Open(SPrefFile::kWrite));
   EXPECT_TRUE(file.SetValue("a", "b", SString(value)) && file.SetValue("a", "c", SString(value)));
   for (const char* const section : {"a", "new"}) {
-    EXPECT_FALSE(file.SetValue(section, "d", SString('z', 9000)));
+    EXPECT_FALSE(file.SetValue(section, "d", SString('z', 8200)));
   }
   file.Close();
   EXPECT_EQ(Stored(), "[a]\r\nb=" + value + "\r\nc=" + value + "\n");
