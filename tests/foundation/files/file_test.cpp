@@ -135,8 +135,10 @@ TEST_F(FileTest, ReadsFilesOfEverySizeWhole) {
 class FileFinderTest : public testing::Test {
  protected:
   FileFinderTest() {
-    temp.WriteFile("a.kiv", ""), temp.WriteFile(".hidden", "");
-    temp.MakeFolder("folder"), temp.MakeFolder(".folder");
+    temp.WriteFile("a.kiv", "");
+    temp.WriteFile(".hidden", "");
+    temp.MakeFolder("folder");
+    temp.MakeFolder(".folder");
     SystemError error;
     for (const char* name : {".hidden", ".folder"}) {  // elsewhere than on Windows the dot does it
       Platform().files->SetAttributes(temp.Path(name).c_str(), {.hidden = true}, error);

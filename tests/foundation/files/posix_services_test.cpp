@@ -104,7 +104,8 @@ TEST_F(PosixServicesTest, ASmallFileIsReadWithItsSizeAndAPipeHasNoneAndStopsNobo
   char bytes[16];
   EXPECT_EQ(files.Read(pipe, bytes, 1), 0);
   EXPECT_EQ(files.Read(file, bytes, sizeof bytes), 10);
-  files.Close(file), files.Close(pipe);
+  files.Close(file);
+  files.Close(pipe);
   EXPECT_EQ(Delete("pipe"), SystemError::kNone);
 }
 
@@ -173,7 +174,9 @@ TEST_F(PosixServicesTest, NamesThatNoPathCanHaveAreSkippedAndTwoDotsAtAnEndAreNo
 }
 
 TEST_F(PosixServicesTest, AMarkHidesFromWalksWhereTheFolderHasOneToo) {
-  temp.WriteFile("plain", ""), temp.WriteFile("marked", ""), temp.WriteFile("in/file", "");
+  for (const char* name : {"plain", "marked", "in/file", ".dot"}) {
+    temp.WriteFile(name, "");
+  }
   temp.MakeFolder("folder");
   if (!Mark("marked", "0x22") || !Mark("folder", "0x12")) {
     GTEST_SKIP() << "no extended attributes here";
@@ -182,14 +185,13 @@ TEST_F(PosixServicesTest, AMarkHidesFromWalksWhereTheFolderHasOneToo) {
   ASSERT_TRUE(Mark("", "0x10"));
   EXPECT_EQ(Find(SFileFinder::kVisibleFiles), "plain ");
   EXPECT_EQ(Find(SFileFinder::kVisibleFolders), "in ");
-  EXPECT_EQ(Find(SFileFinder::kEverything), "folder in marked plain ");
+  EXPECT_EQ(Find(SFileFinder::kEverything), ".dot folder in marked plain ");
   SFileSpec file = Spec("in/file");
   EXPECT_FALSE(file.IsHidden() || file.SetHidden(false));
   EXPECT_TRUE(file.SetHidden(true) && file.IsHidden() && !file.SetHidden(true));
   EXPECT_EQ(Find(SFileFinder::kVisibleFiles, "in"), "");
   EXPECT_TRUE(file.SetHidden(false));
   EXPECT_EQ(Find(SFileFinder::kVisibleFiles, "in"), "file ");
-  temp.WriteFile(".dot", "");
   EXPECT_TRUE(Spec(".dot").IsHidden() && !Spec(".dot").SetHidden(false));
 }
 

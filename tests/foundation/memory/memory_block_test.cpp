@@ -22,7 +22,8 @@ TEST(MemoryBlock, KeepsItsHandleAndBytesWhenResizedAndWhenItCannotBe) {
   EXPECT_EQ(std::memcmp(LockBlock(handle), "ab", 2), 0);
   EXPECT_TRUE(LockBlock(empty) == nullptr && LockBlock(nullptr) == nullptr) << "no bytes";
   for (const MemoryHandle block : {handle, empty, MemoryHandle{nullptr}}) {
-    UnlockBlock(block), FreeBlock(block);
+    UnlockBlock(block);
+    FreeBlock(block);
   }
 }
 
@@ -47,10 +48,13 @@ struct RecordingMemory : IMemory {
 TEST(MemoryBlock, UnlocksAheadOfFreeingAndResizingAndLeavesADiscardedBlockAlone) {
   for (const bool marked : {false, true}) {
     RecordingMemory memory;
-    memory.locks = 3, memory.marks = marked ? 0x8000 : 0;
+    memory.locks = 3;
+    memory.marks = marked ? 0x8000 : 0;
     FreeBlock(memory.Handle());
     EXPECT_TRUE(memory.locks == (marked ? 3 : 0) && memory.frees == (marked ? 0 : 1));
-    memory.locks = 1, memory.marks = 0, memory.moves = marked;
+    memory.locks = 1;
+    memory.marks = 0;
+    memory.moves = marked;
     EXPECT_EQ(ResizeBlock(memory.Handle(), 10), !marked) << "only the same handle";
     EXPECT_TRUE(memory.locks == 0 && memory.flags == 2);
     memory.flags = 0;

@@ -18,7 +18,9 @@ TEST(SStringBlock, EmptyStringsShareOneBlockThatIsNeverCounted) {
   SString a, b(a), c(""), d(static_cast<const char*>(nullptr)), e("abc", 0), f('z', -3);
   for (SString* s : {&b, &c, &d, &e, &f}) {
     EXPECT_EQ(s->GetText(), a.GetText());
-    s->Release(), s->LockBuffer(), s->UnlockBuffer();
+    s->Release();
+    s->LockBuffer();
+    s->UnlockBuffer();
     EXPECT_EQ(s->GetRefs(), -1);
   }
 }
@@ -28,7 +30,8 @@ TEST(SStringBlock, HasExactlyTheCapacityAskedForAndIsSharedUntilAHolderChanges) 
   s.Append("fg");
   EXPECT_EQ(s.GetCapacity(), 7);
   const char* const block = s.GetText();
-  s.Assign("xyz"), s.Append("1234");
+  s.Assign("xyz");
+  s.Append("1234");
   EXPECT_EQ(s.GetText(), block) << "used again while it is big enough";
   char* const buffer = s.GetBuffer(100);
   EXPECT_TRUE(s.GetCapacity() == 100 && s.GetBuffer(100) == buffer);
@@ -59,7 +62,8 @@ TEST(SStringBlock, ALockedStringKeepsItsAddressAndIsNeverShared) {
   }
   locked.Substitute("%1-%1", "a");
   EXPECT_STREQ(buffer, "a-a");
-  locked.FreeExtra(), locked.Empty();
+  locked.FreeExtra();
+  locked.Empty();
   EXPECT_EQ(locked.GetText(), buffer);
   EXPECT_TRUE(locked.IsEmpty());
   locked.UnlockBuffer();
@@ -72,7 +76,8 @@ TEST(SStringBlock, TextEndsAtTheGreatestLength) {
   constexpr int kMost = SString::kMaxLength;
   const std::string most(kMost, 'x'), more(40000, 'x');
   SString s(most.c_str()), grown('x', 20000);
-  s.Append("y"), s.Append('y');
+  s.Append("y");
+  s.Append('y');
   for (const SString& cut :
        {s, SString(more.c_str()), SString(more), SString('x', 40000), s + "y"}) {
     EXPECT_EQ(cut.View(), most);
@@ -91,12 +96,17 @@ TEST(SStringBlock, TextEndsAtTheGreatestLength) {
 TEST(SString, IndicesAtTheEndsOfTheirRange) {
   SString s("abcde"), blank(" \t\r\n\v\f\xA0 \v");
   EXPECT_EQ(s.Mid(1, INT_MAX) + s.Mid(INT_MIN, INT_MAX) + s.Mid(INT_MAX, 1), "bcdeabcde");
-  s.Fill(INT_MAX, '*', INT_MAX), s.Overwrite(1, "*", INT_MAX), s.Overwrite(0, nullptr, 1);
-  s.Insert(0, nullptr, 1), s.Delete(INT_MAX, INT_MAX);
+  s.Fill(INT_MAX, '*', INT_MAX);
+  s.Overwrite(1, "*", INT_MAX);
+  s.Overwrite(0, nullptr, 1);
+  s.Insert(0, nullptr, 1);
+  s.Delete(INT_MAX, INT_MAX);
   EXPECT_STREQ(s.GetText(), "abcde");
-  s.Replace(3, INT_MAX, nullptr), s.Delete(1, INT_MAX);
+  s.Replace(3, INT_MAX, nullptr);
+  s.Delete(1, INT_MAX);
   EXPECT_STREQ(s.GetText(), "a");
-  blank.TrimLeft(), blank.TrimRight();
+  blank.TrimLeft();
+  blank.TrimRight();
   EXPECT_STREQ(blank.GetText(), "\xA0");
   EXPECT_EQ(blank.Replace(nullptr, "x") + blank.FindOneOf(nullptr), -1);
 }
@@ -175,7 +185,8 @@ TEST(SStringNumbers, WholeNumbersGoOnPastWhatIsNoDigit) {
   for (const int32_t value : {0, 9, 10, -1, INT32_MAX, INT32_MIN}) {
     const auto bits = static_cast<uint32_t>(value);
     SString s, u;
-    s.FromLong(value), u.FromULong(bits);
+    s.FromLong(value);
+    u.FromULong(bits);
     EXPECT_EQ(s.View(), std::to_string(value));
     EXPECT_EQ(u.View(), std::to_string(bits));
   }
@@ -221,7 +232,8 @@ TEST(SStringMessages, SubstitutionGoesArgumentByArgumentOnTheGrowingText) {
     s.Substitute(c.pattern, c.first, c.second);
     EXPECT_STREQ(s.GetText(), c.expected);
   }
-  one.Substitute("%1%2!", "a"), one.Substitute(one, one, one);  // may read itself
+  one.Substitute("%1%2!", "a");
+  one.Substitute(one, one, one);  // may read itself
   three.Substitute("%3%2%1%4", "a", "b", "c");
   four.Substitute("%4%3%2%1%5", "a", "b", "c", "d");
   five.Substitute("%5%4%3%2%1%%1", "a", "b", "c", "d", "e");
@@ -238,7 +250,8 @@ struct LongTexts : IResources {
 
 TEST(SStringMessages, FormattedTextsAreCutAt511AndTextsOfTheTableAt1022) {
   SString s("old");
-  s.Format("%s-%d", "a", 5), s.Format("%s", s.GetText());
+  s.Format("%s-%d", "a", 5);
+  s.Format("%s", s.GetText());
   EXPECT_STREQ(s.GetText(), "a-5");
   s.Format("%s", std::string(600, 'x').c_str());
   EXPECT_EQ(s.View(), std::string(511, 'x'));

@@ -129,7 +129,9 @@ TEST(Random, SeedsFromTheTickCountAtEveryThousandthCallOfAnyForm) {
     RandomUnit();
   }
   for (int i = 0; i < 333; ++i) {
-    Random(1, 6), Random16(1, 6), RandomUnit();
+    Random(1, 6);
+    Random16(1, 6);
+    RandomUnit();
   }
   EXPECT_EQ(clock.TicksCalls(), 1);
   clock.SetTicks(4711);
@@ -144,7 +146,8 @@ TEST(Random, IsFifteenBitsWideIncludesBothEndsAndAnyRangeIsSafe) {
   std::set<int32_t> drawn, drawn16;
   for (int i = 0; i < 2000; ++i) {
     seen |= Random(0, INT32_MAX - 1);
-    drawn.insert(Random(-2, 3)), drawn16.insert(Random16(-2, 3));
+    drawn.insert(Random(-2, 3));
+    drawn16.insert(Random16(-2, 3));
     const double unit = RandomUnit();
     ASSERT_TRUE(unit >= 0.0 && unit <= 1.0) << unit;
   }
