@@ -35,6 +35,10 @@ inline std::string Do(const Arguments& arguments) {
   return result.output;
 }
 
+inline void ExpectIn(const std::string& part, const std::string& text) {
+  EXPECT_NE(std::string::npos, text.find(part)) << part << "\nis not in\n" << text;
+}
+
 // A line, how it ends, and what it tells on standard error.
 struct Line {
   Arguments arguments;
@@ -50,9 +54,9 @@ inline void ExpectEach(const char* program, const std::vector<Line>& lines) {
   }
   for (size_t i = 0; i < lines.size(); ++i) {
     const RunResult result = results[i].get();
-    const std::string what = testing::PrintToString(lines[i].arguments) + '\n' + result.errors;
-    EXPECT_EQ(lines[i].exitCode, result.exitCode) << what;
-    EXPECT_NE(std::string::npos, result.errors.find(lines[i].told)) << lines[i].told << what;
+    EXPECT_EQ(lines[i].exitCode, result.exitCode)
+        << testing::PrintToString(lines[i].arguments) << result.errors;
+    ExpectIn(lines[i].told, result.errors);
   }
 }
 
