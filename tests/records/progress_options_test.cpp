@@ -32,13 +32,12 @@ TEST(MissionDone, IsKeptByActivityAndMission) {
     const int code = draw.Between(-1, 8), mission = draw.Between(-2, 45);
     const bool done = draw.OneIn(2), noted = draw.OneIn(4);
     record.SetDirty(false);
-    const auto activity = kActivities.find(code);
-    if (activity == kActivities.end()) {
+    if (!kActivities.contains(code)) {
       record.SetDone(code, mission, done);
       EXPECT_FALSE(record.IsDirty() || record.IsDone(code, mission)) << code;
       continue;
     }
-    auto& field = record.*activity->second;
+    auto& field = record.*kActivities.at(code);
     field.differs = noted;
     const bool isThere = mission >= 1 && mission <= field.value.GetCount();
     const bool changes = !isThere || model[{code, mission}] != done || noted;
@@ -69,11 +68,11 @@ TEST(MissionDone, IsMarkedWholeWhereThereIsNoMission) {
   for (const auto& [mark, field] : kMarks) {
     Record record;
     (record.*field).stamp = SDateTime(5);
-    (record.*mark)(false);
-    EXPECT_EQ((record.*field).stamp.Raw(), 0u);
-    EXPECT_FALSE(record.IsDirty());
-    (record.*mark)(true);
-    EXPECT_TRUE((record.*field).stamp.IsFresh() && record.IsDirty());
+    for (const bool fresh : {false, true}) {
+      (record.*mark)(fresh);
+      EXPECT_EQ((record.*field).stamp.Raw(), fresh ? kFresh : 0);
+      EXPECT_EQ(record.IsDirty(), fresh);
+    }
   }
 }
 
@@ -112,31 +111,6 @@ TEST(MissionSettings, AreThoseOfEachActivity) {
   EXPECT_EQ(record.missions.GetCount(), 40);
 }
 
-OptionsBytes OptionsWith(int missions) {
-  OptionsBytes bytes;
-  bytes.missions.resize(static_cast<size_t>(missions));
-  return bytes;
-}
-
-TEST(MissionList, MergesTheCommonLengthAndKeepsTheExcessOfBoth) {
-  const TestClock clock;
-  for (const auto& [ours, theirs] : {std::pair(25, 30), {30, 25}, {0, 3}, {3, 0}}) {
-    Draw draw(1);
-    const RecordFields here = Randomized(OptionsWith(ours).Fields(), draw, true);
-    const RecordFields there = Randomized(OptionsWith(theirs).Fields(), draw, true);
-    STeacherOptionsDob record, other;
-    ASSERT_TRUE(Fill(record, BytesOf(here)) && Fill(other, BytesOf(there)));
-    record.MarkDifferences(other);
-    EXPECT_FALSE(record.IsEqual(other));
-    record.Merge(other);
-    EXPECT_EQ(Differing(record, Merged(here, there)), "");
-    record.Copy(other);
-    EXPECT_EQ(Differing(record, there), "");
-    record.Clear();
-    EXPECT_EQ(record.missions.GetCount(), 25);
-  }
-}
-
 TEST(MissionList, GrowsInStepsAndKeepsItsLengthWithoutMemory) {
   constexpr int kSteps[][2] = {{25, 28}, {26, 28}, {40, 40}, {47, 50}, {100, 108}, {32767, 32768}};
   for (const auto& [count, capacity] : kSteps) {
@@ -159,14 +133,15 @@ TEST(MissionList, GrowsInStepsAndKeepsItsLengthWithoutMemory) {
 
 TEST(MissionList, BelievesNoCountThatTheFileDoesNotBack) {
   STeacherOptionsDob record;
-  for (const int count : {0, 1, 24, 30, 300}) {
-    ASSERT_TRUE(Fill(record, BytesOf(OptionsWith(count).Fields())));
-    EXPECT_EQ(record.missions.GetCount(), count);
+  for (const size_t count : {0, 1, 24, 25, 30, 300}) {
+    OptionsBytes options;
+    options.missions.resize(count);
+    ASSERT_TRUE(Fill(record, BytesOf(options.Fields())));
+    EXPECT_EQ(BytesOf(record), BytesOf(options.Fields()));
+    EXPECT_EQ(record.IsEqual(STeacherOptionsDob()), count == 25);
   }
   std::string bytes = BytesOf(OptionsBytes().Fields());
-  const size_t count = bytes.size() - 25 * 60 - 9 - 2;
-  ASSERT_EQ(bytes.substr(count, 2), std::string("\0\x19", 2));
-  EXPECT_FALSE(Fill(record, bytes.replace(count, 2, "\xFF\xFF")));
+  EXPECT_FALSE(Fill(record, bytes.replace(bytes.size() - 25 * 60 - 9 - 2, 2, "\xFF\xFF")));
   EXPECT_LE(record.missions.GetCount(), 27);
   EXPECT_EQ(record.GetMissionSetting(5, 5), 2);
   // A text may lack 256 missions in a row.
@@ -232,10 +207,9 @@ TEST(GameOptionsOfTheTeacher, AreLeftOutOfBothFormsWithTheirPlaceKept) {
 TEST(Records, AreDirtyWithAChild) {
   STeacherOptionsDob options;
   options.SetDirty(false);
+  EXPECT_FALSE(options.IsDirty());
   options.GetGameOptions()->SetOption(&STeacherOptionsGameDob::Accuracy, 95);
   EXPECT_TRUE(options.IsDirty());
-  options.SetDirty(false);
-  EXPECT_FALSE(options.IsDirty());
   SDBErrorDob numbered;
   numbered.errorDob.SetDirty(true);
   EXPECT_TRUE(numbered.IsDirty() && numbered.GetModified().IsFresh());

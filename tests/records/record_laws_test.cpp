@@ -94,6 +94,16 @@ void ForEachStamped(STeacherOptionsDob& record, Function function) {
 template <class Record>
 class StampedRecord : public testing::Test {
  protected:
+  // Of the options with any number of missions.
+  static RecordFields Drawn(Draw& draw) {
+    RecordFields fields = kDefaults<Record>;
+    if constexpr (std::is_same_v<Record, STeacherOptionsDob>) {
+      OptionsBytes options;
+      options.missions.resize(static_cast<size_t>(draw.Below(40)));
+      fields = options.Fields();
+    }
+    return Randomized(fields, draw, true);
+  }
   static std::set<std::string> Flagged(Record& record) {
     std::set<std::string> keys;
     ForEachStamped(record, [&](const std::string& key, auto& field) {
@@ -102,7 +112,6 @@ class StampedRecord : public testing::Test {
     return keys;
   }
 
-  const RecordFields& defaults = kDefaults<Record>;
   const TestClock clock;
   Record here, there;
 };
@@ -113,11 +122,11 @@ TYPED_TEST_SUITE(StampedRecord, StampedRecords);
 
 TYPED_TEST(StampedRecord, MergesAsAPlainTableDoes) {
   ForSeeds(20, [&](Draw& draw) {
-    const RecordFields ours = Randomized(this->defaults, draw, true);
-    const RecordFields theirs = Randomized(ours, draw, true);
+    const RecordFields ours = this->Drawn(draw), theirs = this->Drawn(draw);
     const bool dirty[] = {draw.OneIn(2), draw.OneIn(2)};
     ASSERT_TRUE(Fill(this->here, BytesOf(ours)) && Fill(this->there, BytesOf(theirs)));
     this->here.Merge(this->here);
+    this->here.MarkDifferences(this->there);
     EXPECT_EQ(Differing(this->here, ours), "");
     dirty[0] ? this->here.SetDirty(true) : void();
     dirty[1] ? this->there.SetDirty(true) : void();
@@ -125,13 +134,14 @@ TYPED_TEST(StampedRecord, MergesAsAPlainTableDoes) {
     EXPECT_EQ(Differing(this->here, Merged(ours, theirs)), "");
     EXPECT_EQ(this->here.IsDirty(), dirty[0] || dirty[1]);
     EXPECT_EQ(Differing(this->there, theirs), "");
+    this->here.Copy(this->there);
+    EXPECT_EQ(Differing(this->here, theirs), "");
   });
 }
 
 TYPED_TEST(StampedRecord, FlagsTheFieldsThatDifferAndForgetsNone) {
   ForSeeds(5, [&](Draw& draw) {
-    const RecordFields ours = Randomized(this->defaults, draw, true);
-    const RecordFields theirs = Randomized(ours, draw, true, 3);
+    const RecordFields ours = this->Drawn(draw), theirs = Randomized(ours, draw, true, 3);
     std::set<std::string> expected;
     for (size_t i = 0; i < ours.size(); ++i) {
       const bool differs = ours[i].isStamped && ours[i].values != theirs[i].values;
@@ -154,7 +164,7 @@ TYPED_TEST(StampedRecord, FlagsTheFieldsThatDifferAndForgetsNone) {
 
 TYPED_TEST(StampedRecord, VisitsEveryStampedFieldInOrder) {
   std::string keys, expected;
-  for (const FieldBytes& field : this->defaults) {
+  for (const FieldBytes& field : kDefaults<TypeParam>) {
     const bool isOwn = field.section.empty() && !field.key.starts_with("TOGameDob_");
     expected += field.isStamped && isOwn ? field.key + " " : "";
   }
@@ -163,17 +173,14 @@ TYPED_TEST(StampedRecord, VisitsEveryStampedFieldInOrder) {
 }
 
 TEST(Option, IsSetWhereThatChangesOrConfirmsSomething) {
-  const struct {
-    int16_t value;
-    bool noted, changes;
-  } kCases[] = {{2, false, false}, {2, true, true}, {3, false, true}, {3, true, true}};
-  for (const auto& c : kCases) {
+  for (const auto& [value, noted] : {std::pair<int16_t, bool>{2, false}, {2, true}, {3, false}}) {
     STOMissionDob record;
-    record.Typeline.differs = c.noted;
-    record.SetOption(&STOMissionDob::Typeline, c.value);
-    EXPECT_EQ(record.Typeline.value, c.value);
-    EXPECT_EQ(record.IsDirty(), c.changes);
-    EXPECT_EQ(record.Typeline.stamp.Raw(), c.changes ? kFresh : 0);
+    const bool changes = noted || value != record.Typeline.value;
+    record.Typeline.differs = noted;
+    record.SetOption(&STOMissionDob::Typeline, value);
+    EXPECT_EQ(record.Typeline.value, value);
+    EXPECT_EQ(record.IsDirty(), changes);
+    EXPECT_EQ(record.Typeline.stamp.Raw(), changes ? kFresh : 0);
     EXPECT_FALSE(record.HasDifferences());
   }
 }
