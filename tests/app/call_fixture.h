@@ -92,10 +92,10 @@ class AnnsStore : public ProcessState {
     store.Finish();
     host.block.mode = kind == Kind::kTeachers ? kNetworkedMode : kLocalMode;
   }
-  void Learn(const std::string& student, int mission) {
+  void Learn(const std::string& student, int mission, bool newKeys = true) {
     store.WriteOptions(student, OptionsBytes().SetMission(mission));
     GameBytes game;
-    game.learnedNewKeys = true;
+    game.learnedNewKeys = newKeys;
     store.WriteGame(student, game);
   }
   bool AskForAnn() {

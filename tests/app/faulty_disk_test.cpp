@@ -21,8 +21,7 @@ class FaultyDisk : public AnnsStore {
   void ExpectAnnAtSeven(int n) {
     EXPECT_TRUE(AskForAnn()) << n;
     EXPECT_STREQ(host.block.studentName, "Ann Lee") << n;
-    EXPECT_EQ(host.block.currentMission, 7) << n;
-    EXPECT_EQ(host.block.vocabLevel, 3) << n;
+    EXPECT_EQ(std::pair(host.block.currentMission, host.block.vocabLevel), std::pair(7, 3)) << n;
   }
   // `plan` arms the fault at the n-th operation; n rises until the command runs untouched.
   void StrikeEveryOperation(const std::function<void(FaultFileServices&, int)>& plan) {

@@ -93,9 +93,9 @@ TEST_P(BothChains, AnIndexOutsideItsListIsAnEntryThatIsNotThere) {
   }
   // What a failing command does not reach keeps the host's values.
   EXPECT_EQ(block.className + std::string(block.studentName), "");
-  EXPECT_EQ(std::tuple(block.currentMission, block.studentIndex, block.studentCount),
-            std::tuple(77, 77, 77));
-  EXPECT_EQ(block.classCount, 77);
+  EXPECT_EQ(
+      std::tuple(block.currentMission, block.studentIndex, block.studentCount, block.classCount),
+      std::tuple(77, 77, 77, 77));
 }
 
 TEST_F(Commands, ACountOfZeroFailsForClassesButNotForStudents) {
