@@ -22,13 +22,11 @@ class GameRecord : public SiteFixture {
 };
 
 TEST_F(GameRecord, StartsCleanWithNothingDone) {
-  EXPECT_FALSE(game.IsDirty());
-  EXPECT_FALSE(game.lessonDob.HasLearnedNewKeys());
+  EXPECT_FALSE(game.IsDirty() || game.lessonDob.HasLearnedNewKeys());
   EXPECT_EQ(game.GetStartScreen(), "MAIN");
   EXPECT_EQ(game.GetFileKey(), 0x67616D65u);
-  EXPECT_EQ(game.GetVersion(), 0x00010000u);
+  EXPECT_EQ(game.GetVersion(), kDataVersion);
   EXPECT_EQ(GameBytes().Bytes().size(), 957u);
-  EXPECT_EQ(BytesOf(game), GameBytes().Bytes().substr(8));
 }
 
 TEST_F(GameRecord, IsDirtyWithAnyOfItsParts) {
@@ -38,11 +36,10 @@ TEST_F(GameRecord, IsDirtyWithAnyOfItsParts) {
       [](SGameDob& g) { g.lessonDob.Clear(); },       [](SGameDob& g) { g.InitGraphData(); },
       [](SGameDob& g) { g.options->SetDirty(true); }, [](SGameDob& g) { g.ReleaseGraphData(); },
   };
-  for (const auto change : kChanges) {
+  for (const auto& change : kChanges) {
     game.SetDirty(false);
     change(game);
-    EXPECT_TRUE(game.IsDirty());
-    EXPECT_TRUE(game.GetModified().IsFresh());
+    EXPECT_TRUE(game.IsDirty() && game.GetModified().IsFresh()) << &change - kChanges;
   }
   game.SetDirty(false);
   game.SetLastName("Lee");
@@ -103,22 +100,16 @@ TEST_F(GameRecord, RestoresTheLengthOfItsGraph) {
 }
 
 TEST_F(GameRecord, NamesItsOwner) {
-  const struct {
-    const char *first, *last, *full, *upper;
-  } kOwners[] = {{"Ann", "Lee", "Ann Lee", "ANN LEE"},
-                 {"", "Lee", "Lee", "LEE"},
-                 {"Ann", "", "Ann", "ANN"},
-                 {"", "", "", ""}};
-  for (const auto& owner : kOwners) {
-    game.SetFirstName(owner.first);
-    game.SetLastName(owner.last);
-    EXPECT_EQ(game.GetFullName(), owner.full);
-    EXPECT_EQ(game.GetFullNameUpper(), owner.upper);
+  std::string told;
+  for (const auto& [first, last] : {std::pair("", ""), {"", "Lee"}, {"Ann", ""}, {"Ann", "Lee"}}) {
+    game.SetFirstName(first);
+    game.SetLastName(last);
+    for (const SString& name : {game.GetFullName(), game.GetFullNameUpper(),
+                                game.GetFirstNameUpper(), game.GetLastNameUpper()}) {
+      told += Bytes(name) + '|';
+    }
   }
-  game.SetFirstName("Ann");
-  game.SetLastName("Lee");
-  EXPECT_EQ(game.GetFirstNameUpper(), "ANN");
-  EXPECT_EQ(game.GetLastNameUpper(), "LEE");
+  EXPECT_EQ(told, "||||Lee|LEE||LEE|Ann|ANN|ANN||Ann Lee|ANN LEE|ANN|LEE|");
 }
 
 TEST_F(GameRecord, StartsALessonAnewForTheCurrentMission) {
@@ -129,8 +120,7 @@ TEST_F(GameRecord, StartsALessonAnewForTheCurrentMission) {
     game.errorDob.keyTypedWrong.SetAt(0, 5);
     game.ResetProgress();
     EXPECT_EQ(game.lessonDob.learnedNewKeys, learned);
-    EXPECT_EQ(game.lessonDob.numLinesPassed, 0);
-    EXPECT_EQ(game.errorDob.GetWrongByFinger(0), 0);
+    EXPECT_EQ(game.lessonDob.numLinesPassed + game.errorDob.GetWrongByFinger(0), 0);
     return game.lessonDob.currentLessonNumber;
   };
   host.options->GetGameOptions()->CurrentMissionNumber.value = 7;
@@ -160,26 +150,19 @@ TEST_F(GameFile, IsKnownByItsTagAndExactVersion) {
   const auto with = [&](size_t at, const char* text) {
     return std::string(good).replace(at, 1, text);
   };
-  const struct {
-    const char* what;
-    std::string bytes;
-    bool isGame, loads;
-  } kFiles[] = {{"a game", good, true, true},
-                {"another tag", with(0, "g"), false, false},
-                {"a newer version", with(7, "\1"), false, false},
-                {"torn", good.substr(0, good.size() - 1), true, false},
-                {"head only", good.substr(0, 8), true, false},
-                {"torn head", good.substr(0, 7), false, false},
-                {"empty", "", false, false}};
-  for (const auto& file : kFiles) {
-    const SFileSpec spec = Write(file.bytes);
+  using Row = std::tuple<const char*, std::string, bool>;
+  for (const auto& [what, bytes, isGame] :
+       {Row{"a game", good, true}, Row{"torn", good.substr(0, good.size() - 1), true},
+        Row{"head only", good.substr(0, 8), true}, Row{"torn head", good.substr(0, 7), false},
+        Row{"another tag", with(0, "g"), false}, Row{"a newer version", with(7, "\1"), false},
+        Row{"empty", "", false}}) {
+    const SFileSpec spec = Write(bytes);
     game.SetFirstName("Ann");
     game.handSkinTone = 3;
-    EXPECT_EQ(game.LoadGame(spec), file.loads) << file.what;
-    EXPECT_EQ(SKivGameDob::IsGameFile(spec), file.isGame) << file.what;
-    EXPECT_EQ(game.handSkinTone, file.isGame ? -1 : 3) << file.what;
-    EXPECT_EQ(game.GetFirstName(), file.isGame ? "" : "Ann") << file.what;
-    EXPECT_EQ(game.GetLastName(), "Lee") << file.what;
+    EXPECT_EQ(game.LoadGame(spec), bytes == good) << what;
+    EXPECT_EQ(SKivGameDob::IsGameFile(spec), isGame) << what;
+    EXPECT_EQ(game.handSkinTone, isGame ? -1 : 3) << what;
+    EXPECT_EQ(game.GetFullName(), isGame ? "Lee" : "Ann Lee") << what;
     EXPECT_FALSE(game.fileSpec.IsValid());
   }
   EXPECT_FALSE(game.LoadGame(Spec("missing.zep")));
