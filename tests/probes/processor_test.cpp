@@ -15,37 +15,36 @@ class ProcessorTest : public testing::Test {
 };
 
 TEST_F(ProcessorTest, FamilyComesFromCpuidOrFromTheFlagsThatStick) {
-  const struct {
-    const char* name;
-    uint32_t flags, changeable, highestLeaf, signature;
-    int16_t family;
-  } kCases[] = {{"Pentium", 0, 1u << 21, 1, 0x543, 5},
-                {"sixth", 0, 1u << 21, 5, 0x6F2, 6},
-                {"CPUID without leaf 1", 0, 1u << 21, 0, 0x543, -1},
-                {"8086: the top bits stick at 1", 0xF000, 0, 1, 0x543, 0},
-                {"286: they stick at 0", 0, 0, 1, 0x543, 2},
-                {"386: no alignment check", 0, 0x7000, 1, 0x543, 3},
-                {"486: alignment check, no CPUID", 0, 0x7000 | 1u << 18, 1, 0x543, 4}};
+  // Flags that are set, flags that can be changed, the highest CPUID leaf; and the family.
+  constexpr uint32_t kCpuid = 1u << 21, kAlignmentCheck = 1u << 18, kTopBits = 0x7000;
+  const std::tuple<uint32_t, uint32_t, uint32_t, int16_t> kCases[] = {
+      {0, kCpuid, 1, 5},
+      {0, kCpuid, 5, 5},
+      {0, kCpuid, 0, -1},
+      {0xF000, 0, 1, 0},
+      {0, 0, 1, 2},
+      {0, kTopBits, 1, 3},
+      {0, kTopBits | kAlignmentCheck, 1, 4}};
   system.features = 0x12345678;
-  for (const auto& c : kCases) {
-    system.flags = c.flags;
-    system.changeable = c.changeable;
-    system.highestLeaf = c.highestLeaf;
-    system.signature = c.signature;
-    EXPECT_EQ(c.family, ProcessorFamily()) << c.name;
-    EXPECT_EQ(c.family >= 5 ? 0x12345678u : 0, ProcessorFeatures()) << c.name;
+  system.signature = 0x6543;
+  for (const auto& [flags, changeable, highestLeaf, family] : kCases) {
+    system.flags = flags;
+    system.changeable = changeable;
+    system.highestLeaf = highestLeaf;
+    EXPECT_EQ(family, ProcessorFamily());
+    EXPECT_EQ(family >= 5 ? 0x12345678u : 0, ProcessorFeatures()) << family;
   }
 }
 
 TEST_F(ProcessorTest, SpeedGoesToProductsThatAreSold) {
-  const struct {
-    uint32_t mhz, kept, rounded;
-  } kCases[] = {{0, 0, 0},        {133, 133, 133},    {166, 166, 166},   {199, 200, 200},
-                {200, 200, 200},  {300, 300, 300},    {449, 450, 450},   {975, 966, 966},
-                {976, 976, 1000}, {1049, 1049, 1000}, {1050, 1050, 1100}};
-  for (const auto& c : kCases) {
-    EXPECT_EQ(c.kept, RoundMhz(c.mhz, true)) << c.mhz;
-    EXPECT_EQ(c.rounded, RoundMhz(c.mhz, false)) << c.mhz;
+  // What was measured, and what it is with and without keeping what is beyond the products.
+  const std::tuple<uint32_t, uint32_t, uint32_t> kCases[] = {
+      {0, 0, 0},        {133, 133, 133},    {166, 166, 166},   {199, 200, 200},
+      {200, 200, 200},  {300, 300, 300},    {449, 450, 450},   {975, 966, 966},
+      {976, 976, 1000}, {1049, 1049, 1000}, {1050, 1050, 1100}};
+  for (const auto& [mhz, kept, rounded] : kCases) {
+    EXPECT_EQ(kept, RoundMhz(mhz, true)) << mhz;
+    EXPECT_EQ(rounded, RoundMhz(mhz, false)) << mhz;
   }
 }
 

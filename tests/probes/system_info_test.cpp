@@ -14,29 +14,20 @@ class SystemInfoTest : public testing::Test {
 };
 
 TEST_F(SystemInfoTest, NamesAndVersions) {
-  const struct {
-    uint32_t version;
-    const char* name;
-    const char* text;
-    uint16_t packed;
-    bool nt;
-  } kCases[] = {{0x80000004, "Windows 95", "4.0", 0x0400, false},
-                {0x80000104, "Windows 98", "4.01", 0x0401, false},
-                {0x80000A04, "Windows", "4.1", 0x0410, false},
-                {0x80005A04, "Windows", "4.9", 0x0490, false},
-                {0x80000904, "Windows Me", "4.09", 0x0409, false},
-                {0x00003303, "Windows NT", "3.51", 0x0351, true},
-                {0x00000004, "Windows NT", "4.0", 0x0400, true},
-                {0x00000005, "Windows 2000", "5.0", 0x0500, true},
-                {0x00000105, "Windows XP", "5.01", 0x0501, true},
-                {0x0000000A, "Windows", "10.0", 0x1000, true}};
-  for (const auto& c : kCases) {
-    system.version = c.version;
+  using Row = std::tuple<uint32_t, const char*, const char*, uint16_t>;
+  for (const auto& [version, name, text, packed] :
+       {Row{0x80000004, "Windows 95", "4.0", 0x0400}, Row{0x80000104, "Windows 98", "4.01", 0x0401},
+        Row{0x80000A04, "Windows", "4.1", 0x0410}, Row{0x80000904, "Windows Me", "4.09", 0x0409},
+        Row{0x80005A04, "Windows", "4.9", 0x0490}, Row{0x3303, "Windows NT", "3.51", 0x0351},
+        Row{4, "Windows NT", "4.0", 0x0400}, Row{5, "Windows 2000", "5.0", 0x0500},
+        Row{0x0105, "Windows XP", "5.01", 0x0501}, Row{10, "Windows", "10.0", 0x1000}}) {
+    system.version = version;
     EXPECT_TRUE(SSystemInfo::Probe());
-    EXPECT_STREQ(c.name, SSystemInfo::osName.GetText());
-    EXPECT_EQ(c.packed, SSystemInfo::osVersion);
-    EXPECT_EQ(c.nt, SSystemInfo::isNtFamily);
-    EXPECT_STREQ(c.text, SSystemInfo::osVersionText.GetText());
+    EXPECT_STREQ(name, SSystemInfo::osName.GetText());
+    EXPECT_STREQ(text, SSystemInfo::osVersionText.GetText());
+    EXPECT_EQ(packed, SSystemInfo::osVersion);
+    EXPECT_EQ(version < 0x80000000, SSystemInfo::isNtFamily);
+    EXPECT_EQ(packed >= 0x0400, SSystemInfo::atLeastVersion4);
   }
 }
 
@@ -51,32 +42,23 @@ TEST_F(SystemInfoTest, OldSystemIsToldAndProbedAllTheSame) {
                   : "",
               system.message);
     EXPECT_EQ(65u, SSystemInfo::memoryMegabytes) << "rounded up";
-    EXPECT_FALSE(SSystemInfo::atLeastVersion4);
   }
 }
 
 TEST_F(SystemInfoTest, ProcessorNames) {
-  const struct {
-    uint32_t version;
-    ProcessorFacts facts;
-    const char* name;
-  } kCases[] = {{5, {0, 3, 0}, "386"},
-                {5, {0, 4, 0}, "486"},
-                {5, {0, 15, 0}, "Pentium"},
-                {5, {1, 4, 0}, "MIPS"},
-                {5, {2, 4, 0}, "Alpha"},
-                {5, {3, 4, 0}, "PPC"},
-                {5, {9, 4, 0}, "???"},
-                {0x80000004, {0, 6, 0x182}, "386"},
-                {0x80000004, {0, 6, 0x1E6}, "486"},
-                {0x80000004, {0, 3, 0x24A}, "Pentium"},
-                {0x80000004, {0, 6, 7}, "???"}};
-  for (const auto& c : kCases) {
-    system.version = c.version;
-    system.processor = c.facts;
-    SSystemInfo::Probe();
-    EXPECT_STREQ(c.name, SSystemInfo::processorName.GetText());
-  }
+  std::string names;
+  const auto probe = [&](uint32_t version, std::initializer_list<ProcessorFacts> processors) {
+    system.version = version;
+    for (const ProcessorFacts& facts : processors) {
+      system.processor = facts;
+      SSystemInfo::Probe();
+      names += SSystemInfo::processorName.GetText() + std::string(" ");
+    }
+  };
+  probe(5, {{0, 3, 0}, {0, 4, 0}, {0, 15, 0}, {1, 4, 0}, {2, 4, 0}, {3, 4, 0}, {9, 4, 0}});
+  EXPECT_EQ("386 486 Pentium MIPS Alpha PPC ??? ", std::exchange(names, ""));
+  probe(0x80000004, {{0, 6, 0x182}, {0, 6, 0x1E6}, {0, 3, 0x24A}, {0, 6, 7}});
+  EXPECT_EQ("386 486 Pentium ??? ", names);
 }
 
 TEST_F(SystemInfoTest, SmoothingIsAskedOnceAndOnlyOfNewerSystems) {
