@@ -154,7 +154,7 @@ TEST(SHandleArray, AllocatesNoMoreThanTheDataBacks) {
 
 // Of a count that a text does not back: elements are looked for until 256 in a row are missing.
 TEST(SHandleArray, LooksForElementsOfATextSoFar) {
-  const PrefText pref;
+  const PrefFile pref;
   for (const bool found : {true, false}) {
     SDErrorDob counts;
     const std::string place = found ? "256" : "257";

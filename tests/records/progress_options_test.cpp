@@ -145,7 +145,7 @@ TEST(MissionList, BelievesNoCountThatTheFileDoesNotBack) {
   EXPECT_LE(record.missions.GetCount(), 27);
   EXPECT_EQ(record.GetMissionSetting(5, 5), 2);
   // A text may lack 256 missions in a row.
-  const PrefText pref;
+  const PrefFile pref;
   for (const int place : {256, 257}) {
     const std::string text = std::to_string(place) + "_Typeline=8\r\n";
     EXPECT_FALSE(record.LoadFromPref(pref.Write("[O_Missions]\r\nCount=65535\r\n" + text), "O"));
@@ -192,12 +192,12 @@ TEST(GameOptionsOfTheTeacher, AreLeftOutOfBothFormsWithTheirPlaceKept) {
   ASSERT_TRUE(Fill(record, BytesOf(fields)));
   Drop(record);
   EXPECT_EQ(Differing(record, fields), "");
-  const PrefText pref;
+  const PrefFile pref;
   const SFileSpec spec = pref.Write("");
   ASSERT_TRUE(record.SaveToPref(spec, "O"));
-  EXPECT_EQ(pref.Lines(), LinesOf(fields, "O"));
+  EXPECT_EQ(pref.Text(), TextOf(fields, "O"));
   ASSERT_TRUE(record.DeleteFromPref(spec, "O"));
-  EXPECT_TRUE(pref.Lines().empty());
+  EXPECT_EQ(pref.Text().find('='), std::string::npos);
   ASSERT_TRUE(usual.SaveToPref(spec, "O"));
   Drop(read);
   EXPECT_TRUE(read.LoadFromPref(spec, "O"));

@@ -52,7 +52,7 @@ class RecordLaws : public testing::TestWithParam<RecordSubject> {
     return field;
   }
   const TestClock clock;
-  const PrefText pref;
+  const PrefFile pref;
   Draw draw{1};
   const RecordFields table = Random(draw);
   const std::unique_ptr<SDob> record = Made(table);
@@ -172,29 +172,26 @@ TEST_P(RecordLaws, SharesOnlyDirtWithAForeignRecord) {
 
 TEST_P(RecordLaws, ComesBackWholeFromItsText) {
   const kivstore::SFileSpec spec = pref.Write("; notes\r\n");
-  std::set<std::string> lines = LinesOf(Stored(table), "Me");
-  lines.insert("; notes");
   ASSERT_TRUE(record->SaveToPref(spec, "Me"));
-  EXPECT_EQ(pref.Lines(), lines);
+  EXPECT_EQ(pref.Text(), "; notes\r\n" + TextOf(Stored(table), "Me"));
   const std::unique_ptr<SDob> read = GetParam().make();
   EXPECT_TRUE(read->LoadFromPref(spec, "Me"));
   EXPECT_EQ(Differing(*read, table), "");
   EXPECT_TRUE(read->DeleteFromPref(spec, "Me"));
-  EXPECT_EQ(pref.Lines(), std::set<std::string>{"; notes"});
+  EXPECT_EQ(pref.Text().find("; notes\r\n["), 0u);
+  EXPECT_EQ(pref.Text().find('='), std::string::npos);
 }
 
 // An absent key is a failure, but the rest is read.
 TEST_P(RecordLaws, KeepsTheDefaultOfWhatATextLacks) {
   ForSeeds(5, [&](Draw& draw) {
-    RecordFields table = Stored(Random(draw, false));
-    FieldBytes& lacking = table[static_cast<size_t>(draw.Below(static_cast<int>(table.size())))];
-    std::set<std::string> lines = LinesOf(table, "Me");
-    for (const std::string& line : LinesOf({lacking}, "Me")) {
-      lines.erase(line);
-    }
-    lacking = Begun(GetParam().defaults[static_cast<size_t>(&lacking - table.data())]);
+    RecordFields table = Stored(Random(draw, false)), lacking = table;
+    const int place = draw.Below(static_cast<int>(table.size()));
+    lacking.erase(lacking.begin() + place);
+    FieldBytes& field = table[static_cast<size_t>(place)];
+    field = Begun(GetParam().defaults[static_cast<size_t>(place)]);
     const std::unique_ptr<SDob> read = GetParam().make();
-    EXPECT_FALSE(read->LoadFromPref(pref.Write(lines), "Me")) << lacking.key;
+    EXPECT_FALSE(read->LoadFromPref(pref.Write(TextOf(lacking, "Me")), "Me")) << field.key;
     EXPECT_EQ(Differing(*read, table), "");
   });
 }

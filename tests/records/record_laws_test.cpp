@@ -1,6 +1,8 @@
 // The laws of the records that stand alone, and of those whose fields have stamps.
 #include "tests/records/record_laws.h"
 
+#include <set>
+
 #include "records/error_dob.h"
 #include "records/lesson_dob.h"
 #include "records/tutor_options_dob.h"

@@ -3,9 +3,8 @@
 #pragma once
 
 #include <algorithm>
-#include <set>
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "archive/binary_stream.h"
 #include "archive/dob.h"
@@ -119,60 +118,45 @@ inline RecordFields Merged(const RecordFields& here, const RecordFields& there) 
   return merged;
 }
 
-// "[Student_Missions] 26_Typeline=9", each line that a preference file has of the record.
-inline std::set<std::string> LinesOf(const RecordFields& fields, const std::string& section) {
-  std::set<std::string> lines;
-  for (const FieldBytes& field : fields) {
-    const std::string start = "[" + section + field.section + "] " + field.key;
-    if (field.isArray) {
-      lines.insert(start + "_Count=" + std::to_string(field.values.size()));
-    }
-    for (size_t i = 0; i < field.values.size(); ++i) {
-      const std::string place = field.isArray ? "_" + std::to_string(i) : "";
-      lines.insert(start + place + "=" + std::to_string(field.values[i]));
-    }
-    if (field.type == 't') {
-      lines.insert(start + "=" + field.text);
-    }
-    if (field.isStamped) {
-      lines.insert(start + "_ts_high=0");
-      lines.insert(start + "_ts_low=" + std::to_string(field.stamp));
-    }
+// The lines that a field has in a preference file.
+inline std::string LinesOf(const FieldBytes& field) {
+  std::string lines;
+  const auto add = [&](const std::string& end, int64_t value) {
+    lines += field.key + end + "=" + std::to_string(value) + "\r\n";
+  };
+  field.isArray ? add("_Count", std::ssize(field.values)) : void();
+  for (size_t i = 0; i < field.values.size(); ++i) {
+    add(field.isArray ? "_" + std::to_string(i) : "", field.values[i]);
   }
+  lines += field.type == 't' ? field.key + "=" + field.text + "\r\n" : "";
+  field.isStamped ? add("_ts_high", 0), add("_ts_low", field.stamp) : void();
   return lines;
 }
 
-// A preference file, written as text and read as such lines.
-class PrefText {
+// All that a preference file has of a record in its section and those below.
+inline std::string TextOf(const RecordFields& fields, const std::string& section) {
+  std::vector<std::pair<std::string, std::string>> sections;
+  for (const FieldBytes& field : fields) {
+    const std::string head = "[" + section + field.section + "]\r\n";
+    const auto isHere = [&](const auto& other) { return other.first == head; };
+    auto place = std::find_if(sections.begin(), sections.end(), isHere);
+    place = place != sections.end() ? place : sections.insert(place, {head, ""});
+    place->second += LinesOf(field);
+  }
+  std::string text;
+  for (const auto& [head, lines] : sections) {
+    text += head + lines;
+  }
+  return text;
+}
+
+class PrefFile {
  public:
   kivstore::SFileSpec Write(const std::string& text) const {
     folder.WriteFile("tutor.ini", text);
     return kivstore::SFileSpec(folder.Path("tutor.ini").c_str());
   }
-  kivstore::SFileSpec Write(const std::set<std::string>& lines) const {
-    std::string text, section;
-    for (const std::string& line : lines) {
-      const size_t end = line.find(']') + 1;
-      text += section == line.substr(0, end) ? "" : line.substr(0, end) + "\r\n";
-      section = line.substr(0, end);
-      text += line.substr(end + 1) + "\r\n";
-    }
-    return Write(text);
-  }
-  std::set<std::string> Lines() const {
-    std::set<std::string> lines;
-    std::istringstream text(folder.ReadFile("tutor.ini"));
-    std::string section;
-    for (std::string line; std::getline(text, line);) {
-      line.erase(line.find_last_not_of('\r') + 1);
-      if (line.starts_with('[')) {
-        section = line + " ";
-      } else if (!line.empty()) {
-        lines.insert(section + line);
-      }
-    }
-    return lines;
-  }
+  std::string Text() const { return folder.ReadFile("tutor.ini"); }
 
  private:
   TempFolder folder;
