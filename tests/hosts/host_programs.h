@@ -60,7 +60,8 @@ inline void ExpectEach(const char* program, const std::vector<Line>& lines) {
   }
 }
 
-// A teacher with two classes, one student in the first.
+// A teacher with two classes, whose folders are not in the order of their names; one student in
+// the first.
 class SchoolTest : public testing::Test {
  protected:
   TempFolder folder;
@@ -69,9 +70,9 @@ class SchoolTest : public testing::Test {
   const std::string hill = store.AddTeacher("Ms Hill", "Hill");
   const std::string list = StoreBuilder::ClassList(hill);
   const std::string room = store.AddClass(hill, "Room 12", "Room12");
-  const std::string other = store.AddClass(hill, "Room 14", "Room14");
+  const std::string other = store.AddClass(hill, "Empty", "Zempty");
   const std::string ann = store.AddStudent(room, "Ann", "Lee", "AnnLee");
-  const Arguments inRoom{"--class", "room 12"}, inOther{"--class", "Room 14"};
+  const Arguments inRoom{"--class", "room 12"}, inOther{"--class", "Empty"};
   const Arguments ofAnn{"--class", "Room 12", "--student", "Ann Lee"};
 
   void SetUp() override { store.Finish(); }

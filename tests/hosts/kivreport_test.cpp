@@ -29,13 +29,13 @@ TEST(GoldenStore, IsReportedAsEver) {
 }
 
 // Two teachers; names with what CSV quotes and with an accent.
-class KivReport : public testing::Test {
+class KivReport : public SchoolTest {
  protected:
   void SetUp() override {
     GameBytes learned;
     learned.learnedNewKeys = true;
     store.WriteGame(ann, learned);
-    store.WriteOptions(StoreBuilder::ClassList(hill), OptionsBytes());
+    store.WriteOptions(list, OptionsBytes());
     store.WriteOptions(ann, OptionsBytes().SetMission(7, 100).Set("VocabLevel", 3, 100));
     store.WriteOptions(zoe, OptionsBytes().SetMission(5, 100));
     store.Finish();
@@ -47,15 +47,8 @@ class KivReport : public testing::Test {
     return Report(Arguments{root, "--format", "csv"} + more).output;
   }
 
-  TempFolder folder;
-  const std::string root = folder.Path("store");
-  StoreBuilder store{root, Kind::kTeachers};
-  const std::string hill = store.AddTeacher("Ms Hill", "Hill");
   const std::string diaz = store.AddTeacher("Mr D\xEDz", "Diaz");
-  const std::string room = store.AddClass(hill, "Room 12", "Room12");
-  const std::string empty = store.AddClass(hill, "Empty", "Zempty");
   const std::string late = store.AddClass(diaz, "Late, \"Mon\"", "Late");
-  const std::string ann = store.AddStudent(room, "Ann", "Lee", "AnnLee");
   const std::string zoe = store.AddStudent(room, "Zo\xEB", "", "Zo");
   const std::string bob = store.AddStudent(late, "Bob", "May", "BobMay");
 };
@@ -138,7 +131,7 @@ TEST_F(KivReport, WhatCannotBeReadIsToldInItsPlaceAndNeverGivenAValue) {
   }
   store.Tear(ann + "/autogame.zep", 500);
   store.RemoveFile(StoreBuilder::ClassList(diaz) + "/index.lok");
-  const HeldElsewhere held(store.Path(empty + "/Students/index.lok"), false);
+  const HeldElsewhere held(store.Path(other + "/Students/index.lok"), false);
   const Arguments forms[] = {{root}, {root, "--format", "json"}, {root, "--format", "csv"}};
   std::vector<std::future<RunResult>> results;
   for (const Arguments& form : forms) {
