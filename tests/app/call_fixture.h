@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <tuple>
 
@@ -33,7 +32,6 @@ class ProcessState : public testing::Test {
 class Host {
  public:
   Host(const std::string& dataPath, uint8_t mode) : path(dataPath) {
-    std::memset(static_cast<void*>(&block), 0, sizeof block);
     block.mode = mode;
     block.dataPath = path.c_str();
     block.teacherNameSize = block.classNameSize = block.studentNameSize = 52;
@@ -46,6 +44,15 @@ class Host {
     GeneralProc(&block);
     EXPECT_LE(block.result, 1) << "command " << command << " left no result";
     return block.result == 1;
+  }
+  // Whether it succeeds, and what the block then tells: the counts, and the names with their
+  // indices.
+  std::string Answer(int32_t command) {
+    const auto number = [](int32_t value) { return std::to_string(value) + " "; };
+    const std::string done = Call(command) ? "yes " : "no ";
+    return done + number(block.topCount) + number(block.classCount) + number(block.studentCount) +
+           block.teacherName + "|" + number(block.classIndex) + block.className + "|" +
+           number(block.studentIndex) + block.studentName;
   }
   Host& Teacher(int32_t number) {
     block.teacherIndex = block.teacherListIndex = number;
@@ -61,7 +68,7 @@ class Host {
     return *this;
   }
 
-  SGeneralParams block;
+  SGeneralParams block{};
 
  private:
   std::string path;

@@ -1,6 +1,8 @@
 // One call: what it sets up, what it takes away, what it leaves, and how texts come back.
 #include "app/general_call.h"
 
+#include <cstring>
+
 #include "app/commands.h"
 #include "game/game_dob.h"
 #include "records/tutor_options_dob.h"

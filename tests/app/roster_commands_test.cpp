@@ -26,47 +26,35 @@ INSTANTIATE_TEST_SUITE_P(Kinds, BothChains,
 
 TEST_P(BothChains, ThePlainChainWalksTheWholeRosterAndChangesNothing) {
   const auto before = store.Snapshot();
-  EXPECT_TRUE(host.Call(KIV_ANY_ENTRIES));
-  EXPECT_TRUE(host.Call(KIV_COUNT_TEACHERS));
-  EXPECT_EQ(host.block.topCount, 2);  // at the top stand teachers or classes
-  EXPECT_TRUE(host.Teacher(1).Call(KIV_COUNT_CLASSES));
-  EXPECT_EQ(host.block.classCount, 2);
-  EXPECT_TRUE(host.Class(1).Call(KIV_CLASS_NAME));
-  EXPECT_STREQ(host.block.className, "Room 12");
-  EXPECT_EQ(host.block.classIndex, 0);
-  EXPECT_TRUE(host.Call(KIV_COUNT_STUDENTS));
-  EXPECT_EQ(host.block.studentCount, 3);
-  const char* const names[] = {"Abe Young", "Ann Lee", "Mei"};
-  for (int number = 1; number <= 3; ++number) {
-    EXPECT_TRUE(host.Student(number).Call(KIV_STUDENT_PROGRESS));
-    EXPECT_STREQ(host.block.studentName, names[number - 1]);
-    EXPECT_EQ(host.block.studentIndex, number - 1);
+  EXPECT_EQ(host.Answer(KIV_ANY_ENTRIES), "yes 0 0 0 |0 |0 ");
+  EXPECT_EQ(host.Answer(KIV_COUNT_TEACHERS), "yes 2 0 0 |0 |0 ");  // or the classes at the top
+  EXPECT_EQ(host.Teacher(1).Answer(KIV_COUNT_CLASSES), "yes 2 2 0 |0 |0 ");
+  EXPECT_EQ(host.Class(1).Answer(KIV_CLASS_NAME), "yes 2 2 0 |0 Room 12|0 ");
+  EXPECT_EQ(host.Answer(KIV_COUNT_STUDENTS), "yes 2 2 3 |0 Room 12|0 ");
+  int number = 0;
+  for (const std::string student : {"0 Abe Young", "1 Ann Lee", "2 Mei"}) {
+    EXPECT_EQ(host.Student(++number).Answer(KIV_STUDENT_PROGRESS),
+              "yes 2 2 3 |0 Room 12|" + student);
   }
-  EXPECT_TRUE(host.Class(2).Call(KIV_COUNT_STUDENTS));
-  EXPECT_EQ(host.block.studentCount, 0);
+  EXPECT_EQ(host.Class(2).Answer(KIV_COUNT_STUDENTS), "yes 2 2 0 |1 Room 12|2 Mei");
   EXPECT_EQ(store.Snapshot(), before);
 }
 
 TEST_P(BothChains, TheCachedChainReadsEachListOnceAndChangesNothing) {
   const auto before = store.Snapshot();
   const bool networked = host.block.mode != kLocalMode;
-  EXPECT_EQ(host.Call(KIV_CACHE_TEACHERS), networked);
-  EXPECT_EQ(host.block.topCount, networked ? 2 : 0);
-  EXPECT_TRUE(host.Teacher(1).Call(KIV_CACHE_CLASSES));
-  EXPECT_EQ(host.block.classCount, 2);
-  EXPECT_TRUE(host.Class(1).Call(KIV_CACHE_STUDENTS));
-  EXPECT_EQ(host.block.studentCount, 3);
+  const std::string done = networked ? "yes 2" : "no 0", top = networked ? "yes 2" : "yes 0";
+  const std::string lists = networked ? " 2 3 Ms Hill|" : " 2 3 |";
+  EXPECT_EQ(host.Answer(KIV_CACHE_TEACHERS), done + " 0 0 |0 |0 ");
+  EXPECT_EQ(host.Teacher(1).Answer(KIV_CACHE_CLASSES), top + " 2 0 |0 |0 ");
+  EXPECT_EQ(host.Class(1).Answer(KIV_CACHE_STUDENTS), top + " 2 3 |0 |0 ");
   EXPECT_EQ(store.Snapshot(), before);
 
   folder.Remove("Classes.zep");
-  EXPECT_EQ(host.Call(KIV_CACHED_TEACHER_NAME), networked);
-  EXPECT_STREQ(host.block.teacherName, networked ? "Ms Hill" : "");
-  EXPECT_TRUE(host.Class(2).Call(KIV_CACHED_CLASS_NAME));
-  EXPECT_STREQ(host.block.className, "Room 14");
-  EXPECT_EQ(host.block.classIndex, 1);
-  EXPECT_TRUE(host.Class(1).Student(3).Call(KIV_CACHED_STUDENT_NAME));
-  EXPECT_STREQ(host.block.studentName, "Mei");
-  EXPECT_EQ(host.block.studentIndex, 2);
+  EXPECT_EQ(host.Answer(KIV_CACHED_TEACHER_NAME), done + lists + "0 |0 ");
+  EXPECT_EQ(host.Class(2).Answer(KIV_CACHED_CLASS_NAME), top + lists + "1 Room 14|0 ");
+  EXPECT_EQ(host.Class(1).Student(3).Answer(KIV_CACHED_STUDENT_NAME),
+            top + lists + "0 Room 14|2 Mei");
 }
 
 TEST_P(BothChains, AnIndexOutsideItsListIsAnEntryThatIsNotThere) {
@@ -102,10 +90,8 @@ TEST_F(Commands, ACountOfZeroFailsForClassesButNotForStudents) {
   store.RemoveFile(StoreBuilder::ClassList(reyes) + "/index.lok");
   store.RemoveFile(students + "/index.lok");
   host.block.classCount = host.block.studentCount = 77;
-  EXPECT_FALSE(host.Teacher(2).Call(KIV_COUNT_CLASSES));
-  EXPECT_EQ(host.block.classCount, 0);
-  EXPECT_TRUE(host.Teacher(1).Class(1).Call(KIV_COUNT_STUDENTS));
-  EXPECT_EQ(host.block.studentCount, 0);
+  EXPECT_EQ(host.Teacher(2).Answer(KIV_COUNT_CLASSES), "no 0 0 77 |0 |0 ");
+  EXPECT_EQ(host.Teacher(1).Class(1).Answer(KIV_COUNT_STUDENTS), "yes 0 0 0 |0 |0 ");
 }
 
 TEST_F(Commands, TheCachesKeepTheirTagsAndRefuseAnotherTeacherOrClass) {
@@ -139,13 +125,10 @@ TEST_F(Commands, InALocalStoreTheTeacherNumberIsOnlyATag) {
 }
 
 TEST_F(Commands, AfterANetworkedCallALocalOneSeesTheFirstTeachersClasses) {
-  EXPECT_TRUE(host.Teacher(2).Call(KIV_TEACHER_NAME));
-  EXPECT_STREQ(host.block.teacherName, "Mr Reyes");
+  EXPECT_EQ(host.Teacher(2).Answer(KIV_TEACHER_NAME), "yes 0 0 0 Mr Reyes|0 |0 ");
   host.block.mode = kLocalMode;
-  EXPECT_TRUE(host.Call(KIV_COUNT_CLASSES));
-  EXPECT_EQ(host.block.classCount, 2);
-  EXPECT_TRUE(host.Class(2).Call(KIV_CLASS_NAME));
-  EXPECT_STREQ(host.block.className, "Room 14");
+  EXPECT_EQ(host.Answer(KIV_COUNT_CLASSES), "yes 0 2 0 Mr Reyes|0 |0 ");
+  EXPECT_EQ(host.Class(2).Answer(KIV_CLASS_NAME), "yes 0 2 0 Mr Reyes|1 Room 14|0 ");
 }
 
 }  // namespace
