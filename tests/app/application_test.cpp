@@ -43,17 +43,19 @@ TEST_F(Application, ATrailingClassesFolderIsCutOffThePath) {
 TEST_F(Application, AssigningAUserCopiesTheTeacherToo) {
   CurrentUser source, target;
   source.SetTeacher({"Ms Hill", "", "MsHill"});
+  source.studentEntry = annEntry;
   source.valid = true;
   target = source;
-  source.SetTeacher({"Ms Zeta", "", "MsZeta"});
+  source.Clear();
   const CurrentUser& self = target;
   target = self;
   ASSERT_NE(target.teacherEntry, nullptr);
-  EXPECT_EQ(target.teacherEntry->folderName, "MsHill");
+  EXPECT_EQ(target.teacherEntry->folderName + target.studentEntry.folderName, "MsHillAnnLee");
   EXPECT_TRUE(target.valid);
-  target = CurrentUser();
+  target = source;
   EXPECT_EQ(target.teacherEntry, nullptr);
-  EXPECT_EQ(target.classEntry.folderName, "Default");
+  EXPECT_EQ(target.classEntry.folderName + target.studentEntry.folderName, "Default");
+  EXPECT_FALSE(target.valid);
 }
 
 // A game that says when it is deleted and started.
