@@ -17,15 +17,10 @@ class Probes : public testing::Test {
 
 TEST_F(Probes, FamilyComesFromCpuidOrFromTheFlagsThatStick) {
   // Flags that are set, flags that can be changed, the highest CPUID leaf; and the family.
-  constexpr uint32_t kCpuid = 1u << 21, kAlignmentCheck = 1u << 18, kTopBits = 0x7000;
+  constexpr uint32_t kCpuid = 1u << 21, kCheck = 1u << 18, kTop = 0x7000, kNone = 0;
   const std::tuple<uint32_t, uint32_t, uint32_t, int16_t> kCases[] = {
-      {0, kCpuid, 1, 5},
-      {0, kCpuid, 5, 5},
-      {0, kCpuid, 0, -1},
-      {0xF000, 0, 1, 0},
-      {0, 0, 1, 2},
-      {0, kTopBits, 1, 3},
-      {0, kTopBits | kAlignmentCheck, 1, 4}};
+      {0, kCpuid, 1, 5}, {0, kCpuid, 5, 5}, {0, kCpuid, 0, -1},      {0xF000, kNone, 1, 0},
+      {0, kNone, 1, 2},  {0, kTop, 1, 3},   {0, kTop | kCheck, 1, 4}};
   system.features = 0x12345678;
   system.signature = 0x6543;
   for (const auto& [flags, changeable, highestLeaf, family] : kCases) {

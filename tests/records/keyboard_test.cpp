@@ -117,19 +117,11 @@ TEST(KeyTables, CharactersLeadToTheirKeys) {
       }
     }
   }
-  for (const auto& [character, key] : {std::pair('\b', 3),
-                                       {'\t', 5},
-                                       {'\r', 6},
-                                       {'\x1B', 1},
-                                       {'\x7F', 4},
-                                       {'\0', 0},
-                                       {'\n', 0},
-                                       {'\x01', 0},
-                                       {'\x80', 0},
-                                       {'\xFF', 0}}) {
-    EXPECT_EQ(CharToKey(character), key);
-    EXPECT_FALSE(CharNeedsShift(character)) << key;
+  std::string keys;
+  for (const char character : std::string("\b\t\r\x1B\x7F\n\x01\x80\xFF\0", 10)) {
+    keys += std::to_string(CharToKey(character)) + (CharNeedsShift(character) ? "+ " : " ");
   }
+  EXPECT_EQ(keys, "3 5 6 1 4 0 0 0 0 0 ");
 }
 
 TEST(KeyTables, NameTheKeysAndTheShortcuts) {
@@ -142,18 +134,14 @@ TEST(KeyTables, NameTheKeysAndTheShortcuts) {
             " PgUp PgDown Help Ins0123456789 SpaceABCDEFGHIJKLMNOPQRSTUVWXYZ"
             " F1 F2 F3 F4 F5 F6 F7 F8 F9 F10 F11 F120123456789=/*-+..,;'/\\[]-=`"
             " Shift Control Alt CapsLock Control  ");
-  const std::tuple<uint16_t, int, const char*> kShortcuts[] = {{0x700, 55, "Ctrl+Alt+Shift+F1"},
-                                                               {0x100, 7, "Ctrl+Enter"},
-                                                               {0x200, 5, "Shift+Tab"},
-                                                               {0x400, 98, "Alt+Control"},
-                                                               {0xF8FF, 28, "Space"},
-                                                               {0x100, 0, ""},
-                                                               {0x100, 99, "Ctrl+"},
-                                                               {0, 66, "F12"},
-                                                               {0, -1, ""}};
-  for (const auto& [modifiers, key, text] : kShortcuts) {
-    EXPECT_EQ(FormatShortcut(modifiers, key), SString(text)) << text;
+  const std::pair<uint16_t, int> kShortcuts[] = {{0x700, 55}, {0x100, 7},   {0x200, 5},
+                                                 {0x400, 98}, {0xF8FF, 28}, {0x100, 0},
+                                                 {0x100, 99}, {0, 66},      {0, -1}};
+  SString texts;
+  for (const auto& [modifiers, key] : kShortcuts) {
+    texts += FormatShortcut(modifiers, key) + "|";
   }
+  EXPECT_EQ(texts, "Ctrl+Alt+Shift+F1|Ctrl+Enter|Shift+Tab|Alt+Control|Space||Ctrl+|F12||");
 }
 
 TEST(Screens, EveryNameLeadsBackToItsNumber) {
