@@ -13,22 +13,18 @@ namespace {
 using namespace kivstore;
 using Codes = std::vector<int>;
 
-// The answers of a test's user, and what happened.
-struct User {
-  std::vector<SFileSpec> picks;  // one after the other; none: nothing is picked
-  std::string longName = "Mine";
-  bool shared = false;
-  int saveChanges = 0;
-  bool openForeign = false;
-  Codes errors;
-};
-
+// With the answers of a test's user.
 class TalkingHost : public TestGameHost {
  public:
   using TestGameHost::TestGameHost;
   SKivGameDob* CreateGame() override;
 
-  User asked;
+  std::vector<SFileSpec> picks;  // one after the other; none: nothing is picked
+  std::string longName = "Mine";
+  bool picksShared = false;
+  int saveChanges = 0;
+  bool openForeign = false;
+  Codes errors;
 };
 
 class TalkingGame : public SGameDob {
@@ -37,19 +33,19 @@ class TalkingGame : public SGameDob {
 
   bool PickSaveFile(SFileSpec& spec, SString& longName, bool& shared, const SFileType&,
                     void*) override {
-    shared = host.asked.shared;
+    shared = host.picksShared;
     return Pick(spec, longName);
   }
   bool PickOpenFile(SFileSpec& spec, SString& longName, const SFileType&, void*) override {
     return Pick(spec, longName);
   }
-  int AskSaveChanges(void*) override { return host.asked.saveChanges; }
+  int AskSaveChanges(void*) override { return host.saveChanges; }
   bool ConfirmForeignGame(void*) override {
     host.events.push_back("foreign?");
-    return host.asked.openForeign;
+    return host.openForeign;
   }
   void ReportError(int16_t code) override {
-    host.asked.errors.push_back(code);
+    host.errors.push_back(code);
     SGameDob::ReportError(code);
   }
   void OnLoaded() override { host.events.push_back("loaded"); }
@@ -57,14 +53,13 @@ class TalkingGame : public SGameDob {
 
  private:
   bool Pick(SFileSpec& spec, SString& pickedName) {
-    std::vector<SFileSpec>& picks = host.asked.picks;
     host.events.push_back("pick");
-    if (picks.empty()) {
+    if (host.picks.empty()) {
       return false;
     }
-    spec = picks.front();
-    pickedName = host.asked.longName.c_str();
-    picks.erase(picks.begin());
+    spec = host.picks.front();
+    pickedName = host.longName.c_str();
+    host.picks.erase(host.picks.begin());
     return true;
   }
 
@@ -108,7 +103,7 @@ class GameFlow : public SiteFixture {
   TalkingGame* Pending() { return static_cast<TalkingGame*>(host.pending); }
   bool Load(const std::string& bytes) {
     temp.WriteFile("game.zep", bytes);
-    host.asked.errors.clear();
+    host.errors.clear();
     host.events.clear();
     return Game().LoadFile(Spec("game.zep"), "Picked", nullptr);
   }
@@ -120,9 +115,9 @@ class GameFlow : public SiteFixture {
 };
 
 TEST_F(GameFlow, SavingWritesTheFileItsLineInTheIndexAndTheUsersMemory) {
-  host.asked.picks = {Spec("ann.zep"), Spec("ann.zep")};
+  host.picks = {Spec("ann.zep"), Spec("ann.zep")};
   EXPECT_FALSE(Game().Save(true, nullptr));  // where no file is made
-  EXPECT_EQ(host.asked.errors, Codes{1000});
+  EXPECT_EQ(host.errors, Codes{1000});
   EXPECT_TRUE(temp.List().empty() && Game().IsDirty() && !Game().fileSpec.IsValid());
   host.events.clear();
   LetFilesBeMade();
@@ -142,11 +137,11 @@ TEST_F(GameFlow, SavingAsksAgainInsteadOfWritingOverASharedGame) {
   LetFilesBeMade();
   const std::string shared = GameOf("", "", true, false).Bytes();
   temp.WriteFile("shared.zep", shared);
-  host.asked.picks = {Spec("shared.zep"), Spec("shared.zep"), Spec("ann.zep")};
+  host.picks = {Spec("shared.zep"), Spec("shared.zep"), Spec("ann.zep")};
   EXPECT_TRUE(Game().Save(true, nullptr));
   EXPECT_FALSE(Game().Save(true, nullptr));  // no place is picked
   EXPECT_EQ(host.events, (Lines{"pick", "pick", "pick", "ann.zep as zep", "pick"}));
-  EXPECT_EQ(host.asked.errors, (Codes{3, 3}));
+  EXPECT_EQ(host.errors, (Codes{3, 3}));
   EXPECT_EQ(temp.ReadFile("shared.zep"), shared);
 }
 
@@ -157,15 +152,15 @@ TEST_F(GameFlow, SharingSavesADefaultGameUnderTheFoldersLock) {
   SFileSpec spec = Spec("ann.zep");
   Game().publicFile = true;
   EXPECT_FALSE(Game().SaveFile(spec, "Mine", nullptr));
-  EXPECT_TRUE(host.asked.errors.empty());
+  EXPECT_TRUE(host.errors.empty());
   LetFilesBeMade();
   Game().publicFile = false;
   EXPECT_TRUE(Game().SaveFile(spec, "Mine", nullptr));
   EXPECT_FALSE(temp.Exists("index.lok"));
   Game().fileSpec.Reset();
   Game().SetDirty(true);
-  host.asked.shared = true;
-  host.asked.picks = {Spec("all.zep"), Spec("more.zep")};
+  host.picksShared = true;
+  host.picks = {Spec("all.zep"), Spec("more.zep")};
   ASSERT_TRUE(Game().Save(true, nullptr));
   ASSERT_TRUE(Game().SaveSharedCopy(nullptr));
   for (const char* file : {"all.zep", "more.zep"}) {
@@ -223,11 +218,11 @@ TEST_F(GameFlow, OpeningDecidesWhoseTheGameIs) {
     SCOPED_TRACE(&c - games);
     const bool opens = c.events != refused;
     host.SetPendingGame(nullptr);
-    host.asked.openForeign = c.agrees;
+    host.openForeign = c.agrees;
     Game().SetDirty(true);
     EXPECT_EQ(Load(GameOf(c.first, c.last, c.shared, true).Bytes()), opens);
     EXPECT_EQ(host.events, c.events);
-    EXPECT_TRUE(host.asked.errors.empty());
+    EXPECT_TRUE(host.errors.empty());
     EXPECT_EQ(Game().IsDirty(), !opens);
     ASSERT_EQ(Pending() != nullptr, opens);
     if (opens) {
@@ -248,12 +243,12 @@ TEST_F(GameFlow, OpeningReportsWhyItFailed) {
                                     {"", 0},
                                     {AnnsGame().substr(0, AnnsGame().size() - 1), 1004}}) {
     EXPECT_FALSE(Load(bytes)) << bytes.size();
-    EXPECT_EQ(host.asked.errors, Codes{code}) << bytes.size();
+    EXPECT_EQ(host.errors, Codes{code}) << bytes.size();
   }
   host.outOfMemory = true;
   EXPECT_FALSE(Load(AnnsGame()));
   EXPECT_FALSE(Game().LoadFile(Spec("missing.zep"), "", nullptr));
-  EXPECT_EQ(host.asked.errors, (Codes{1, 1001}));
+  EXPECT_EQ(host.errors, (Codes{1, 1001}));
   EXPECT_TRUE(Game().IsDirty());
   EXPECT_EQ(Pending(), nullptr);
   std::string texts;
@@ -273,11 +268,11 @@ TEST_F(GameFlow, OpeningReportsWhyItFailed) {
 TEST_F(GameFlow, OpeningAsksForThePlaceOnceTheOldGameMayGo) {
   temp.WriteFile("game.zep", AnnsGame());
   temp.WriteFile("index.kiv", IndexBytes({}, {{"game.zep", "Monday", "zep"}}));
-  host.asked.longName = "";
-  host.asked.picks = {Spec("game.zep")};
-  host.asked.saveChanges = 2;
+  host.longName = "";
+  host.picks = {Spec("game.zep")};
+  host.saveChanges = 2;
   EXPECT_FALSE(Game().Open(nullptr));
-  host.asked.saveChanges = 4;
+  host.saveChanges = 4;
   EXPECT_TRUE(Game().Open(nullptr));
   EXPECT_EQ(Pending()->longFileName, "Monday");  // from the index
   EXPECT_FALSE(Game().Open(nullptr));
@@ -287,14 +282,14 @@ TEST_F(GameFlow, AnUnsavedGameIsClosedAsTheAnswerSays) {
   LetFilesBeMade();
   for (const auto& [answer, closes] :
        {std::pair(-1, false), {0, true}, {1, true}, {2, false}, {3, false}, {4, true}, {5, true}}) {
-    host.asked.saveChanges = answer;
+    host.saveChanges = answer;
     EXPECT_EQ(Game().ConfirmClose(nullptr), closes) << answer;
   }
-  host.asked.saveChanges = 3;
-  host.asked.picks = {Spec("ann.zep")};
+  host.saveChanges = 3;
+  host.picks = {Spec("ann.zep")};
   EXPECT_TRUE(Game().ConfirmClose(nullptr));
   EXPECT_FALSE(Game().IsDirty());
-  host.asked.saveChanges = -1;
+  host.saveChanges = -1;
   EXPECT_TRUE(Game().ConfirmClose(nullptr));
 }
 
@@ -314,9 +309,9 @@ TEST_F(GameFlow, ANewGameStartsWithTheOptionsOfItsKind) {
   for (const auto& [speed, start] : starts) {
     host.SetPendingGame(nullptr);
     host.events.clear();
-    host.asked.saveChanges = 2;
+    host.saveChanges = 2;
     EXPECT_FALSE(start());
-    host.asked.saveChanges = 0;
+    host.saveChanges = 0;
     host.outOfMemory = true;
     EXPECT_FALSE(start());
     EXPECT_EQ(Pending(), nullptr);
