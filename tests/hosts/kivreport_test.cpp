@@ -85,7 +85,7 @@ TEST_F(KivReport, SelectsAndCounts) {
   EXPECT_FALSE(of["classes"][0]["students"][0].contains("current_mission"));
 }
 
-TEST_F(KivReport, WritesFilesWithOrWithoutByteOrderMarkFromAnyCharset) {
+TEST_F(KivReport, WritesFilesWithAByteOrderMarkAndReadsAnyCharset) {
   EXPECT_EQ("", Csv({"--bom", "--output", folder.Path("report.csv")}));
   EXPECT_EQ("\xEF\xBB\xBF" + kNetworkCsv, folder.ReadFile("report.csv"));
   ExpectIn("Mr D\xD1\x8Dz", Csv({"--charset", "iso-8859-5"}));
@@ -154,12 +154,9 @@ TEST_F(KivReport, WhatCannotBeReadIsToldInItsPlaceAndNeverGivenAValue) {
       {"name":"Zoë","current_mission":4,"previous_mission":4,"vocab_level":1}]},
       {"name":"Empty","students":null}]}])");
   EXPECT_EQ(expected, report["teachers"]);
-  const Json why{{"teacher", "Ms Hill"},
-                 {"class", "Room 12"},
-                 {"student", "Ann Lee"},
-                 {"path", store.Path(ann) + "/autogame.zep"},
-                 {"reason", "damaged"}};
-  EXPECT_EQ(why, report["unread"][1]);
+  const Json& why = report["unread"][1];
+  EXPECT_EQ(Json({"Ms Hill", "Room 12", "Ann Lee", store.Path(ann) + "/autogame.zep", "damaged"}),
+            Json({why["teacher"], why["class"], why["student"], why["path"], why["reason"]}));
   EXPECT_EQ(3u, report["unread"].size());
   for (const RunResult& result : {table, json, csv}) {
     EXPECT_EQ(3, result.exitCode);
