@@ -58,10 +58,13 @@ class Host {
     block.teacherIndex = block.teacherListIndex = number;
     return *this;
   }
-  Host& Class(int32_t number) {
+  Host& ListedClass(int32_t number) {
     block.classListIndex = number;
-    block.classIndex = number - 1;
     return *this;
+  }
+  Host& Class(int32_t number) {
+    block.classIndex = number - 1;
+    return ListedClass(number);
   }
   Host& Student(int32_t number) {
     block.studentListIndex = number;

@@ -52,7 +52,7 @@ TEST_P(BothChains, TheCachedChainReadsEachListOnceAndChangesNothing) {
 
   folder.Remove("Classes.zep");
   EXPECT_EQ(host.Answer(KIV_CACHED_TEACHER_NAME), done + lists + "0 |0 ");
-  EXPECT_EQ(host.Class(2).Answer(KIV_CACHED_CLASS_NAME), top + lists + "1 Room 14|0 ");
+  EXPECT_EQ(host.ListedClass(2).Answer(KIV_CACHED_CLASS_NAME), top + lists + "1 Room 14|0 ");
   EXPECT_EQ(host.Class(1).Student(3).Answer(KIV_CACHED_STUDENT_NAME),
             top + lists + "0 Room 14|2 Mei");
 }
@@ -128,7 +128,7 @@ TEST_F(Commands, AfterANetworkedCallALocalOneSeesTheFirstTeachersClasses) {
   EXPECT_EQ(host.Teacher(2).Answer(KIV_TEACHER_NAME), "yes 0 0 0 Mr Reyes|0 |0 ");
   host.block.mode = kLocalMode;
   EXPECT_EQ(host.Answer(KIV_COUNT_CLASSES), "yes 0 2 0 Mr Reyes|0 |0 ");
-  EXPECT_EQ(host.Class(2).Answer(KIV_CLASS_NAME), "yes 0 2 0 Mr Reyes|1 Room 14|0 ");
+  EXPECT_EQ(host.ListedClass(2).Answer(KIV_CLASS_NAME), "yes 0 2 0 Mr Reyes|1 Room 14|0 ");
 }
 
 // In seconds since 1904: later decisions win.
