@@ -52,35 +52,72 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   // Whether the operation of the last FailAt, FallShortAt or DieAt came.
   bool HasStruck() const { return struck; }
   // Operations since then, or since ClearLog.
-  int Count() const { return count; }
+  int Count() const { return static_cast<int>(log.size()); }
   int CountOf(const std::string& operation) const;
   const std::vector<FileCall>& Log() const { return log; }
-  void ClearLog();
+  void ClearLog() { log.clear(); }
   // The paths of the handles that are open.
   std::vector<std::string> OpenPaths() const;
 
   FileHandle Open(const char* path, FileAccess access, SystemError& error) override;
   void Close(FileHandle file) override;
-  int32_t Read(FileHandle file, void* buffer, int32_t wanted) override;
-  int32_t Write(FileHandle file, const void* buffer, int32_t wanted) override;
-  int64_t Size(FileHandle file) override;
-  bool SetEnd(FileHandle file) override;
-  bool Flush(FileHandle file) override;
+  int32_t Read(FileHandle file, void* buffer, int32_t wanted) override {
+    return StrikesTransfer("Read", file, wanted) ? 0 : inner.Read(file, buffer, wanted);
+  }
+  int32_t Write(FileHandle file, const void* buffer, int32_t wanted) override {
+    return StrikesTransfer("Write", file, wanted) ? 0 : inner.Write(file, buffer, wanted);
+  }
+  int64_t Size(FileHandle file) override {
+    SystemError error;
+    return Strikes("Size", PathOf(file), error) ? -1 : inner.Size(file);
+  }
+  bool SetEnd(FileHandle file) override {
+    int32_t nothing = 0;
+    return !StrikesTransfer("SetEnd", file, nothing) && inner.SetEnd(file);
+  }
+  bool Flush(FileHandle file) override {
+    int32_t nothing = 0;
+    return !StrikesTransfer("Flush", file, nothing) && inner.Flush(file);
+  }
   SystemError TransferError() override { return transferError; }
-  bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
-  bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;
+  bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override {
+    return !Strikes("Attributes", path, error) && inner.Attributes(path, attributes, error);
+  }
+  bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override {
+    return !Strikes("FullAttributes", path, error) && inner.FullAttributes(path, attributes, error);
+  }
   bool SetAttributes(const char* path, const FileAttributes& attributes,
-                     SystemError& error) override;
-  bool Delete(const char* path, SystemError& error) override;
-  bool RemoveFolder(const char* path, SystemError& error) override;
-  bool Move(const char* from, const char* to, SystemError& error) override;
+                     SystemError& error) override {
+    return !Strikes("SetAttributes", path, error) && inner.SetAttributes(path, attributes, error);
+  }
+  bool Delete(const char* path, SystemError& error) override {
+    return !Strikes("Delete", path, error) && inner.Delete(path, error);
+  }
+  bool RemoveFolder(const char* path, SystemError& error) override {
+    return !Strikes("RemoveFolder", path, error) && inner.RemoveFolder(path, error);
+  }
+  bool Move(const char* from, const char* to, SystemError& error) override {
+    return !Strikes("Move", from, error) && inner.Move(from, to, error);
+  }
   std::unique_ptr<kivstore::IFolderWalk> Walk(const char* folder, const char* mask,
                                               SystemError& error) override;
-  bool DiskSpace(const char* root, uint64_t& total, uint64_t& free, uint32_t& cluster) override;
-  bool SetCurrentFolder(const char* path) override;
-  bool MakeFile(const char* path, SystemError& error) override;
-  bool MakeFolder(const char* path, uint32_t mode, SystemError& error) override;
-  bool CopyFileTo(const char* from, const char* to, SystemError& error) override;
+  bool DiskSpace(const char* root, uint64_t& total, uint64_t& free, uint32_t& cluster) override {
+    SystemError error;
+    return !Strikes("DiskSpace", root, error) && inner.DiskSpace(root, total, free, cluster);
+  }
+  bool SetCurrentFolder(const char* path) override {
+    SystemError error;
+    return !Strikes("SetCurrentFolder", path, error) && inner.SetCurrentFolder(path);
+  }
+  bool MakeFile(const char* path, SystemError& error) override {
+    return !Strikes("MakeFile", path, error) && inner.MakeFile(path, error);
+  }
+  bool MakeFolder(const char* path, uint32_t mode, SystemError& error) override {
+    return !Strikes("MakeFolder", path, error) && inner.MakeFolder(path, mode, error);
+  }
+  bool CopyFileTo(const char* from, const char* to, SystemError& error) override {
+    return !Strikes("CopyFileTo", from, error) && inner.CopyFileTo(from, to, error);
+  }
 
   // Counts and logs one operation; true if it fails.
   bool Strikes(const char* operation, const std::string& path, SystemError& error);
@@ -89,19 +126,19 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   enum class Plan { kNone, kFail, kFailForever, kFallShort, kDie };
 
   void Begin(Plan newPlan, int n);
-  bool StrikesTransfer(const char* operation, FileHandle file);
-  bool StrikesOnPath(const FileCall& call, SystemError& error) const;
-  std::string PathOf(FileHandle file) const;
-  int32_t Shortened(int32_t wanted);
+  std::string PathOf(FileHandle file) const {
+    const auto found = open.find(file);
+    return found != open.end() ? found->second : std::string();
+  }
+  // Of an open file; one that falls short does so as on a full disk.
+  bool StrikesTransfer(const char* operation, FileHandle file, int32_t& wanted);
 
   Plan plan = Plan::kNone;
   int target = 0;
-  int count = 0;
   bool struck = false;
   SystemError planned = SystemError::kOther;
-  int32_t shortBytes = 0;
   SystemError transferError = SystemError::kNone;
-  int32_t shorten = -1;  // the operation at hand moves at most so much
+  int32_t shortBytes = 0;
   std::function<void()> death;
   std::string failingPart, failingOperation;
   SystemError failingPartError = SystemError::kOther;

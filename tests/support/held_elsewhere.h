@@ -2,11 +2,11 @@
 #pragma once
 
 #include <chrono>
+#include <future>
 #include <stdexcept>
-#include <string>
 #include <thread>
 
-#include "tests/support/started_program.h"
+#include "tests/support/run_program.h"
 #include "tests/support/temp_folder.h"
 
 namespace kivtest {
@@ -15,24 +15,20 @@ class HeldElsewhere {
  public:
   // Throws if the other process cannot have it.
   HeldElsewhere(const std::string& path, bool forReading)
-      : program({KIVSTORE_BINARY_DIR "/bin/hold_file", path, forReading ? "r" : "w",
-                 folder.Path("ready")}) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (Answer().empty() && std::chrono::steady_clock::now() < end) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    if (Answer() != "held") {
-      throw std::runtime_error("another process cannot open " + path);
+      : program(std::async(std::launch::async, RunProgram,
+                           std::vector<std::string>{KIVSTORE_BINARY_DIR "/bin/hold_file", path,
+                                                    forReading ? "r" : "w", folder.Path("held")})) {
+    while (!folder.Exists("held")) {
+      if (program.wait_for(std::chrono::milliseconds(1)) == std::future_status::ready) {
+        throw std::runtime_error("another process cannot open " + path);
+      }
     }
   }
+  ~HeldElsewhere() { folder.Remove("held"); }
 
  private:
-  std::string Answer() const {
-    return folder.Exists("ready") ? folder.ReadFile("ready") : std::string();
-  }
-
   TempFolder folder;
-  StartedProgram program;
+  std::future<RunResult> program;  // whose end is waited for
 };
 
 }  // namespace kivtest

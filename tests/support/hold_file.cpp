@@ -1,9 +1,11 @@
-// Holds a file open until its standard input ends: another workstation, for the tests.
+// Holds a file open, for the tests, as another workstation does.
 //
-//   hold_file PATH r|w READY     READY appears once the file is open, or could not be opened
-#include <cstdio>
+//   hold_file PATH r|w HELD     HELD is made once PATH is open; the program ends when it is gone
+#include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 
 #include "platform/platform.h"
 
@@ -16,8 +18,13 @@ int main(int argc, char** argv) {
   const bool reading = std::string(argv[2]) == "r";
   SystemError error = SystemError::kNone;
   Platform().files->Open(argv[1], reading ? FileAccess::kRead : FileAccess::kReadWrite, error);
-  std::ofstream(argv[3]) << (error == SystemError::kNone ? "held" : "refused");
-  while (std::getchar() != EOF) {
+  if (error != SystemError::kNone) {
+    return 1;
+  }
+  std::ofstream(argv[3]).close();
+  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+  while (std::filesystem::exists(argv[3]) && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return 0;  // and the system closes what is open
 }

@@ -5,7 +5,8 @@
 namespace kivtest {
 namespace {
 
-// A bool as yes or no, a number of two bytes as itself.
+// Keys with their defaults: a bool as yes or no, a number of two bytes as itself, one of four with
+// an L.
 constexpr char kGeneralOptions[] =
     "SoundOn=2 StudAddOwnName=yes SeparateLastName=yes DisplayFirstLastName=yes "
     "AutoGameSaving=yes MaxGameFiles=10 AutoOpenStudFile=no UseSystemIODialogs=no "
@@ -22,24 +23,21 @@ constexpr char kBehindGameOptions[] =
     "AllowCorrectionDuringTest_DS=yes AllowCorrectionDuringTest_Warp=yes AllowTimeLimit=no "
     "TimeLimitWarp=2 WarpspeedView=1 ShowTimer=yes AllowPause_Warp=yes";
 constexpr char kBehindMissions[] = "AllowPlayandPracticeMode=yes";
+constexpr char kLesson[] =
+    "LesnExStage=0 CurrentExString=-1 MainString=yes BestTotalTime=0L BestTotalKeystrokes=0 "
+    "BestCorrectKeystrokes=0 AveTotalTime=0L AveTotalKeystrokes=0 AveCorrectKeystrokes=0 "
+    "Acc_Retypes=0 WPM_Retypes=0 General_Retypes=0 NumLinesPassed=0";
 
 // Mission by mission the activity it is built around: dictation station, key figures, typeline,
 // warp speed, windshield typers.
 constexpr char kStandardCourse[] = "KSKTDWTDSDTWTDWWKSTWSWDKK";
 
-int MissionBytes::*ActivityOf(char letter) {
-  switch (letter) {
-    case 'D':
-      return &MissionBytes::DictationStation;
-    case 'K':
-      return &MissionBytes::KeyFigures;
-    case 'T':
-      return &MissionBytes::Typeline;
-    case 'W':
-      return &MissionBytes::WarpSpeed;
-    default:
-      return &MissionBytes::WindshieldTypers;
-  }
+int& ActivityOf(MissionBytes& mission, char letter) {
+  return letter == 'D'   ? mission.DictationStation
+         : letter == 'K' ? mission.KeyFigures
+         : letter == 'T' ? mission.Typeline
+         : letter == 'W' ? mission.WarpSpeed
+                         : mission.WindshieldTypers;
 }
 
 // Calls function(key, type, value) for each option of a list.
@@ -50,7 +48,11 @@ void ForEachOption(const char* list, Function function) {
     const size_t end = option.find('=');
     const std::string value = option.substr(end + 1);
     const bool isBool = value == "yes" || value == "no";
-    function(option.substr(0, end), isBool ? 'b' : 's', isBool ? value == "yes" : std::stoi(value));
+    function(option.substr(0, end),
+             isBool                ? 'b'
+             : value.back() == 'L' ? 'L'
+                                   : 's',
+             isBool ? value == "yes" : std::stoi(value));
   }
 }
 
@@ -77,9 +79,12 @@ class FieldList {
     fields.insert(fields.end(), more.begin(), more.end());
     return *this;
   }
-  FieldList& AddOptions(const char* list, const std::map<std::string, int>& values) {
-    ForEachOption(list,
-                  [&](const std::string& key, char type, int) { Add(key, type, values.at(key)); });
+  // With these values in place of the defaults.
+  FieldList& AddOptions(const char* list, const std::map<std::string, int64_t>& values) {
+    ForEachOption(list, [&](const std::string& key, char type, int value) {
+      const auto found = values.find(key);
+      Add(key, type, found != values.end() ? found->second : value);
+    });
     return *this;
   }
   operator RecordFields() const { return fields; }
@@ -97,47 +102,15 @@ class FieldList {
   RecordFields fields;
 };
 
-void WriteValue(ByteWriter& out, char type, int64_t value) {
-  type == 'b'                  ? out.Byte(static_cast<int>(value))
-  : type == 's' || type == 'u' ? out.Short(static_cast<int>(value))
-                               : out.Long(static_cast<uint32_t>(value));
-}
-
 }  // namespace
-
-ByteWriter& ByteWriter::Byte(int value) {
-  bytes.push_back(static_cast<char>(value));
-  return *this;
-}
-
-ByteWriter& ByteWriter::Short(int value) {
-  return Byte(value >> 8).Byte(value);
-}
-
-ByteWriter& ByteWriter::Long(uint32_t value) {
-  return Short(static_cast<int>(value >> 16)).Short(static_cast<int>(value & 0xFFFF));
-}
-
-ByteWriter& ByteWriter::Text(const std::string& text) {
-  return Raw(text).Byte(0);
-}
-
-ByteWriter& ByteWriter::Stamp(uint32_t seconds) {
-  return Long(0).Long(seconds);
-}
-
-ByteWriter& ByteWriter::Raw(const std::string& more) {
-  bytes += more;
-  return *this;
-}
 
 std::string IndexBytes(const std::vector<IndexLine>& logins, const std::vector<FileLine>& files) {
   ByteWriter out;
-  out.Long(static_cast<uint32_t>(logins.size()));
+  out.Long(std::ssize(logins));
   for (const IndexLine& line : logins) {
     out.Text(line.folder).Text(line.first).Text(line.last);
   }
-  out.Long(static_cast<uint32_t>(files.size()));
+  out.Long(std::ssize(files));
   for (const FileLine& line : files) {
     out.Text(line.fileName).Text(line.longName).Text(line.extension);
   }
@@ -177,10 +150,10 @@ std::string LongNameBytes(const std::string& first, const std::string& last) {
 std::string FieldBytes::Bytes() const {
   ByteWriter out;
   if (isArray) {
-    out.Short(static_cast<int>(values.size()));
+    out.Short(std::ssize(values));
   }
   for (const int64_t value : values) {
-    WriteValue(out, type, value);
+    type == 'b' ? out.Byte(value) : type == 's' || type == 'u' ? out.Short(value) : out.Long(value);
   }
   if (type == 't') {
     out.Text(text);
@@ -207,13 +180,12 @@ uint32_t Stamps::Of(const std::string& key) const {
 RecordFields GameOptionsBytes::Fields(const std::string& prefix) const {
   FieldList fields(prefix, stamps);
   fields.Add("CurrentMissionNumber", 's', CurrentMissionNumber);
-  fields.Add("Accuracy", 's', Accuracy).Add("Speed", 's', Speed);
+  fields.Add("Accuracy", 's', 80).Add("Speed", 's', 10);
   fields.AddArray("LessonDone", 'b', LessonDone).AddArray("NotebookDone", 'b', NotebookDone);
-  fields.AddArray("TypelineDone", 'b', TypelineDone);
-  fields.AddArray("WindshieldTypersDone", 'b', WindshieldTypersDone);
-  fields.AddArray("WarpSpeedDone", 'b', WarpSpeedDone);
-  fields.AddArray("DictationStationDone", 'b', DictationStationDone);
-  fields.AddArray("KeyFiguresDone", 'b', KeyFiguresDone);
+  for (const char* const key : {"TypelineDone", "WindshieldTypersDone", "WarpSpeedDone",
+                                "DictationStationDone", "KeyFiguresDone"}) {
+    fields.AddArray(key, 'b', Doneness(25));
+  }
   return fields.Append(
       {{"", prefix + "AllMissionsCompleted", 'b', false, false, {AllMissionsCompleted}}});
 }
@@ -234,32 +206,28 @@ OptionsBytes::OptionsBytes() : missions(25) {
   }
   for (size_t i = 0; i < missions.size(); ++i) {
     missions[i].Typeline = i < 3 ? 0 : 2;
-    missions[i].*ActivityOf(kStandardCourse[i]) = 1;
+    ActivityOf(missions[i], kStandardCourse[i]) = 1;
   }
 }
 
-OptionsBytes& OptionsBytes::Set(const std::string& key, int value) {
-  values.at(key) = value;
-  return *this;
-}
-
 OptionsBytes& OptionsBytes::Set(const std::string& key, int value, uint32_t stamp) {
-  stamps.byKey[key] = stamp;
-  return Set(key, value);
-}
-
-OptionsBytes& OptionsBytes::SetMission(int mission) {
-  game.CurrentMissionNumber = mission;
+  values.at(key) = value;
+  if (stamp != 0) {
+    stamps.byKey[key] = stamp;
+  }
   return *this;
 }
 
 OptionsBytes& OptionsBytes::SetMission(int mission, uint32_t stamp) {
-  game.stamps.byKey["CurrentMissionNumber"] = stamp;
-  return SetMission(mission);
+  game.CurrentMissionNumber = mission;
+  if (stamp != 0) {
+    game.stamps.byKey["CurrentMissionNumber"] = stamp;
+  }
+  return *this;
 }
 
-OptionsBytes& OptionsBytes::SetLessonDone(int mission, bool done) {
-  game.LessonDone.at(static_cast<size_t>(mission - 1)) = done;
+OptionsBytes& OptionsBytes::SetLessonDone(int mission) {
+  game.LessonDone.at(static_cast<size_t>(mission - 1)) = true;
   return *this;
 }
 
@@ -287,21 +255,13 @@ std::string OptionsBytes::Bytes() const {
 RecordFields GameBytes::ErrorFields(const std::string& section) const {
   return FieldList(section)
       .AddArray("KeyTypedWrong", 'l', keyTypedWrong)
-      .AddArray("KeyTypedTotal", 'l', keyTypedTotal);
+      .AddArray("KeyTypedTotal", 'l', std::vector<int>(48));
 }
 
 RecordFields GameBytes::LessonFields(const std::string& section) const {
   FieldList fields(section);
-  fields.Add("LesnExStage", 's', lesnExStage).Add("CurrentExString", 's', currentExString);
-  fields.Add("MainString", 'b', mainString).Add("BestTotalTime", 'L', bestTotalTime);
-  fields.Add("BestTotalKeystrokes", 's', bestTotalKeystrokes);
-  fields.Add("BestCorrectKeystrokes", 's', bestCorrectKeystrokes);
-  fields.Add("AveTotalTime", 'L', aveTotalTime);
-  fields.Add("AveTotalKeystrokes", 's', aveTotalKeystrokes);
-  fields.Add("AveCorrectKeystrokes", 's', aveCorrectKeystrokes);
-  fields.Add("Acc_Retypes", 's', accRetypes).Add("WPM_Retypes", 's', wpmRetypes);
-  fields.Add("General_Retypes", 's', generalRetypes).Add("NumLinesPassed", 's', numLinesPassed);
-  fields.AddArray("KeyErrorsDuringExercises", 'l', keyErrorsDuringExercises);
+  fields.AddOptions(kLesson, {{"BestTotalTime", bestTotalTime}});
+  fields.AddArray("KeyErrorsDuringExercises", 'l', std::vector<int>(48));
   fields.Add("CurrentLessonNumber", 's', currentLessonNumber);
   return fields.Add("LearnedNewKeys", 'b', learnedNewKeys);
 }
@@ -311,9 +271,9 @@ RecordFields GameBytes::Fields() const {
   fields.AddText("FirstName", firstName).AddText("LastName", lastName);
   fields.AddText("LongFileName", longFileName).Add("PublicFile", 'b', publicFile);
   fields.Append(options.Fields()).Append(ErrorFields("_ErrorDob"));
-  fields.AddArray("StudGraphData", 's', graphData).Append(LessonFields("_LessonDob"));
-  fields.Add("HandSkinTone", 's', handSkinTone);
-  return fields.Add("DisplayFinalPayoff", 'b', displayFinalPayoff);
+  fields.AddArray("StudGraphData", 's', std::vector<int>(25, -1));
+  fields.Append(LessonFields("_LessonDob")).Add("HandSkinTone", 's', -1);
+  return fields.Add("DisplayFinalPayoff", 'b', 1);
 }
 
 std::string GameBytes::Bytes() const {

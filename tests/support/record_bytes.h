@@ -13,12 +13,15 @@ namespace kivtest {
 // Big-endian bytes, one after the other.
 class ByteWriter {
  public:
-  ByteWriter& Byte(int value);
-  ByteWriter& Short(int value);
-  ByteWriter& Long(uint32_t value);
-  ByteWriter& Text(const std::string& text);  // and one NUL
-  ByteWriter& Stamp(uint32_t seconds);        // 8 bytes: high word 0, low word
-  ByteWriter& Raw(const std::string& bytes);
+  ByteWriter& Byte(int64_t value) { return Raw(std::string(1, static_cast<char>(value))); }
+  ByteWriter& Short(int64_t value) { return Byte(value >> 8).Byte(value); }
+  ByteWriter& Long(int64_t value) { return Short(value >> 16).Short(value); }
+  ByteWriter& Text(const std::string& text) { return Raw(text).Byte(0); }
+  ByteWriter& Stamp(uint32_t seconds) { return Long(0).Long(seconds); }  // high word, low word
+  ByteWriter& Raw(const std::string& more) {
+    bytes += more;
+    return *this;
+  }
   const std::string& Bytes() const { return bytes; }
 
  private:
@@ -76,15 +79,8 @@ using Doneness = std::vector<bool>;  // element i belongs to mission i + 1
 // The options of one game: 276 bytes at their defaults.
 struct GameOptionsBytes {
   int CurrentMissionNumber = 1;
-  int Accuracy = 80;
-  int Speed = 10;
   Doneness LessonDone = Doneness(25);
   Doneness NotebookDone = Doneness(25);
-  Doneness TypelineDone = Doneness(25);
-  Doneness WindshieldTypersDone = Doneness(25);
-  Doneness WarpSpeedDone = Doneness(25);
-  Doneness DictationStationDone = Doneness(25);
-  Doneness KeyFiguresDone = Doneness(25);
   bool AllMissionsCompleted = false;
   Stamps stamps;
 
@@ -106,16 +102,14 @@ struct MissionBytes {
 // An options.kiv with the tutor's defaults and the standard course.
 struct OptionsBytes {
   OptionsBytes();
-  // Any field of the record itself by its key; an unknown key throws.
-  OptionsBytes& Set(const std::string& key, int value);
-  // The same with the time of its decision.
-  OptionsBytes& Set(const std::string& key, int value, uint32_t stamp);
-  OptionsBytes& SetMission(int mission);                  // CurrentMissionNumber
-  OptionsBytes& SetMission(int mission, uint32_t stamp);  // with the time of its decision
-  OptionsBytes& SetLessonDone(int mission, bool done = true);
+  // Any field of the record itself by its key, with the time of its decision; an unknown key
+  // throws.
+  OptionsBytes& Set(const std::string& key, int value, uint32_t stamp = 0);
+  OptionsBytes& SetMission(int mission, uint32_t stamp = 0);  // CurrentMissionNumber
+  OptionsBytes& SetLessonDone(int mission);
 
   uint32_t version = kDataVersion;
-  std::map<std::string, int> values;
+  std::map<std::string, int64_t> values;
   bool hasGameOptions = true;
   GameOptionsBytes game;
   std::vector<MissionBytes> missions;
@@ -132,26 +126,9 @@ struct GameBytes {
   bool publicFile = false;
   GameOptionsBytes options;
   std::vector<int32_t> keyTypedWrong = std::vector<int32_t>(48);
-  std::vector<int32_t> keyTypedTotal = std::vector<int32_t>(48);
-  std::vector<int> graphData = std::vector<int>(25, -1);
-  int lesnExStage = 0;
-  int currentExString = -1;
-  bool mainString = true;
   uint32_t bestTotalTime = 0;
-  int bestTotalKeystrokes = 0;
-  int bestCorrectKeystrokes = 0;
-  uint32_t aveTotalTime = 0;
-  int aveTotalKeystrokes = 0;
-  int aveCorrectKeystrokes = 0;
-  int accRetypes = 0;
-  int wpmRetypes = 0;
-  int generalRetypes = 0;
-  int numLinesPassed = 0;
-  std::vector<int32_t> keyErrorsDuringExercises = std::vector<int32_t>(48);
   int currentLessonNumber = 1;
   bool learnedNewKeys = false;
-  int handSkinTone = -1;
-  bool displayFinalPayoff = true;
 
   RecordFields ErrorFields(const std::string& section = "") const;
   RecordFields LessonFields(const std::string& section = "") const;

@@ -44,39 +44,42 @@ inline int32_t ModeOf(Kind kind) {
                                  : kivstore::kSiteLocal;
 }
 
-// Files and folders can be made as long as this lives.
-class CreatingScope {
-  kivstore::SPlatformOverride<kivstore::IFileServices> installed{kivstore::Platform().files,
-                                                                 &kivstore::CreatingFileServices()};
+// Files and folders can be made as long as this lives. No disk is waited for: a process that dies
+// leaves what it has written.
+class CreatingScope : kivstore::SForwardingFileServices {
+ public:
+  CreatingScope() : SForwardingFileServices(kivstore::CreatingFileServices()) {}
+
+ private:
+  bool Flush(kivstore::FileHandle) override { return true; }
+
+  kivstore::SPlatformOverride<kivstore::IFileServices> installed{kivstore::Platform().files, this};
 };
 
 class TestOwner final : public kivstore::ISiteOwner {
  public:
   using SString = kivstore::SString;
+  using Name = const SString&;
 
   SString GetDataPath() const override { return Text(root); }
   const kivstore::SKivTeacherOptionsDob* GetOptionsInForce() const override { return options; }
   void PrepareMessage() override { heard.push_back("PrepareMessage"); }
-  bool OnStudentRenamed(const SString& classDisplay, const SString& oldLast,
-                        const SString& oldFirst, const SString& newLast, const SString& newFirst,
-                        const SString& teacher) override {
+  bool OnStudentRenamed(Name classDisplay, Name oldLast, Name oldFirst, Name newLast, Name newFirst,
+                        Name teacher) override {
     return Hear("StudentRenamed", {classDisplay, oldLast, oldFirst, newLast, newFirst, teacher});
   }
-  bool OnClassRenamed(const SString& oldDisplay, const SString& newName,
-                      const SString& teacher) override {
+  bool OnClassRenamed(Name oldDisplay, Name newName, Name teacher) override {
     return Hear("ClassRenamed", {oldDisplay, newName, teacher});
   }
-  bool OnStudentMoved(const SString& sourceClass, const SString& destinationClass,
-                      const SString& last, const SString& first, const SString& sourceTeacher,
-                      const SString& destinationTeacher) override {
+  bool OnStudentMoved(Name sourceClass, Name destinationClass, Name last, Name first,
+                      Name sourceTeacher, Name destinationTeacher) override {
     return Hear("StudentMoved",
                 {sourceClass, destinationClass, last, first, sourceTeacher, destinationTeacher});
   }
-  bool OnTeacherRenamed(const SString& oldDisplay, const SString& newName) override {
+  bool OnTeacherRenamed(Name oldDisplay, Name newName) override {
     return Hear("TeacherRenamed", {oldDisplay, newName});
   }
-  bool OnClassMoved(const SString& sourceTeacher, const SString& destinationTeacher,
-                    const SString& name) override {
+  bool OnClassMoved(Name sourceTeacher, Name destinationTeacher, Name name) override {
     return Hear("ClassMoved", {sourceTeacher, destinationTeacher, name});
   }
 
@@ -148,6 +151,11 @@ class SiteFixture : public testing::Test {
   std::string WhyNot(bool answer) {
     EXPECT_FALSE(answer);
     return Why();
+  }
+  // The words for a user, and why.
+  std::string Told() {
+    const std::string text = Bytes(site.GetFailure().text);
+    return text + "|" + Why();
   }
   std::string Said() {
     const std::string text = Bytes(site.GetFailure().text);

@@ -1,11 +1,7 @@
 #include "tests/support/store_builder.h"
 
-#include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -19,17 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t kFolderWidth = 8;
-
-bool EqualNoCase(const std::string& a, const std::string& b) {
-  const auto fold = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
-                                            [&](char x, char y) { return fold(x) == fold(y); });
-}
-
-bool HasFolder(const std::vector<IndexLine>& lines, const std::string& folder) {
-  return std::any_of(lines.begin(), lines.end(),
-                     [&](const IndexLine& line) { return EqualNoCase(line.folder, folder); });
-}
 
 std::string LettersAndDigits(const std::string& name) {
   std::string kept;
@@ -46,39 +31,10 @@ std::string ParentOf(const std::string& path) {
   return path.substr(0, path.rfind('/'));
 }
 
-std::string NameOf(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
-#ifdef _WIN32
-bool SetHiddenAttribute(const std::string& path) {
-  return SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_HIDDEN) != 0;
-}
-#else
-// As file servers keep the attributes of Windows. The folder must bear one for its entries' to
-// count.
-bool SetHiddenAttribute(const std::string& path) {
-  return setxattr(ParentOf(path).c_str(), "user.DOSATTRIB", "0x10", 4, 0) == 0 &&
-         setxattr(path.c_str(), "user.DOSATTRIB", "0x12", 4, 0) == 0;
-}
-#endif
-
 }  // namespace
 
 StoreBuilder::StoreBuilder(const std::string& rootPath, Kind kind) : root(rootPath), kind(kind) {
   MakeList(Top());
-}
-
-std::string StoreBuilder::ClassList(const std::string& teacher) {
-  return teacher.empty() ? Top() : Join(teacher, "Classes.zep");
-}
-
-std::string StoreBuilder::StudentList(const std::string& classFolder) {
-  return Join(classFolder, "Students");
-}
-
-std::string StoreBuilder::Join(const std::string& folder, const std::string& name) {
-  return folder + "/" + name;
 }
 
 std::string StoreBuilder::AddTeacher(const std::string& name, const std::string& folder) {
@@ -91,7 +47,7 @@ std::string StoreBuilder::AddClass(const std::string& teacher, const std::string
                                    const std::string& folder) {
   const std::string added = AddEntry(ClassList(teacher), name, "", folder);
   MakeList(StudentList(added));
-  MakeFolder(Join(added, "Shared"));
+  fs::create_directory(Path(Join(added, "Shared")));
   return added;
 }
 
@@ -108,9 +64,7 @@ void StoreBuilder::AddFileLine(const std::string& list, const FileLine& line) {
 
 void StoreBuilder::WriteOptions(const std::string& place, const OptionsBytes& options) {
   WriteFile(Join(place, "options.kiv"), options.Bytes());
-  if (HasLocks()) {
-    WriteFile(Join(place, "options.lok"), "");
-  }
+  WriteLock(Join(place, "options.lok"));
 }
 
 void StoreBuilder::WriteGame(const std::string& student, const GameBytes& game) {
@@ -124,9 +78,10 @@ void StoreBuilder::Finish() {
 }
 
 void StoreBuilder::DropIndexLine(const std::string& entry) {
-  std::vector<IndexLine>& lines = lists.at(ParentOf(entry)).logins;
-  std::erase_if(lines, [&](const IndexLine& line) { return line.folder == NameOf(entry); });
-  WriteIndex(ParentOf(entry));
+  const std::string list = ParentOf(entry);
+  std::erase_if(lists.at(list).logins,
+                [&](const IndexLine& line) { return Join(list, line.folder) == entry; });
+  WriteIndex(list);
 }
 
 void StoreBuilder::RemoveFolder(const std::string& entry) const {
@@ -139,69 +94,56 @@ void StoreBuilder::SetLongName(const std::string& entry, const std::string& firs
 }
 
 bool StoreBuilder::Hide(const std::string& entry) const {
-  return SetHiddenAttribute(Path(entry));
+#ifdef _WIN32
+  return SetFileAttributesA(Path(entry).c_str(), FILE_ATTRIBUTE_HIDDEN) != 0;
+#else
+  // As file servers keep the attributes of Windows. The folder must bear one for its entries' to
+  // count.
+  return setxattr(Path(ParentOf(entry)).c_str(), "user.DOSATTRIB", "0x10", 4, 0) == 0 &&
+         setxattr(Path(entry).c_str(), "user.DOSATTRIB", "0x12", 4, 0) == 0;
+#endif
 }
 
 void StoreBuilder::Tear(const std::string& file, size_t length) const {
   fs::resize_file(Path(file), length);
 }
 
-void StoreBuilder::WriteFile(const std::string& file, const std::string& bytes) const {
-  std::ofstream out(Path(file), std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  out.close();
-  if (!out) {
-    throw std::runtime_error("cannot write " + Path(file));
-  }
-}
-
 void StoreBuilder::RemoveFile(const std::string& file) const {
   fs::remove(Path(file));
 }
 
-std::string StoreBuilder::ReadFile(const std::string& file) const {
-  std::ifstream in(Path(file), std::ios::binary);
-  if (!in) {
-    throw std::runtime_error("cannot read " + Path(file));
-  }
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 std::string StoreBuilder::AddEntry(const std::string& list, const std::string& first,
                                    const std::string& last, const std::string& folder) {
-  std::vector<IndexLine>& lines = lists.at(list).logins;
-  const std::string name = folder.empty() ? DeriveFolder(lists.at(list), first + last) : folder;
-  lines.push_back({name, first, last});
+  const std::string name = folder.empty() ? DeriveFolder(list, first + last) : folder;
+  lists.at(list).logins.push_back({name, first, last});
   const std::string entry = Join(list, name);
-  MakeFolder(entry);
+  fs::create_directories(Path(entry));
   SetLongName(entry, first, last);
-  if (HasLocks()) {
-    WriteFile(Join(entry, "index.lok"), "");
-  }
+  WriteLock(Join(entry, "index.lok"));
   return entry;
 }
 
 void StoreBuilder::MakeList(const std::string& list) {
   lists[list];
-  MakeFolder(list);
-}
-
-void StoreBuilder::MakeFolder(const std::string& folder) const {
-  fs::create_directories(Path(folder));
+  fs::create_directories(Path(list));
 }
 
 void StoreBuilder::WriteIndex(const std::string& list) const {
   const List& content = lists.at(list);
   WriteFile(Join(list, "index.kiv"), IndexBytes(content.logins, content.files));
-  if (HasLocks()) {
-    WriteFile(Join(list, "index.lok"), "");
+  WriteLock(Join(list, "index.lok"));
+}
+
+void StoreBuilder::WriteLock(const std::string& file) const {
+  if (kind != Kind::kLocal) {
+    WriteFile(file, "");
   }
 }
 
-std::string StoreBuilder::DeriveFolder(const List& list, const std::string& name) const {
+std::string StoreBuilder::DeriveFolder(const std::string& list, const std::string& name) const {
   const std::string plain = LettersAndDigits(name);
   std::string candidate = plain;
-  for (int number = 1; candidate.empty() || HasFolder(list.logins, candidate); ++number) {
+  for (int number = 1; candidate.empty() || fs::exists(Path(Join(list, candidate))); ++number) {
     const std::string ending = std::to_string(number);
     candidate = plain.substr(0, kFolderWidth - ending.size()) + ending;
   }

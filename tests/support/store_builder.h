@@ -48,9 +48,12 @@ class StoreBuilder {
 
   // The folder of the teacher list, or without teachers of the class list.
   static std::string Top() { return "Classes.zep"; }
-  static std::string ClassList(const std::string& teacher);
-  static std::string StudentList(const std::string& classFolder);
-  static std::string Join(const std::string& folder, const std::string& name);
+  static std::string ClassList(const std::string& teacher) {
+    return teacher.empty() ? Top() : Join(teacher, Top());
+  }
+  static std::string StudentList(const std::string& classFolder) {
+    return Join(classFolder, "Students");
+  }
 
   // Disorder, after Finish. The first changes the index of the entry's list and nothing else.
   void DropIndexLine(const std::string& entry);
@@ -60,12 +63,13 @@ class StoreBuilder {
   // By the attribute; false where the disk cannot keep it.
   bool Hide(const std::string& entry) const;
   void Tear(const std::string& file, size_t length) const;
-  void WriteFile(const std::string& file, const std::string& bytes) const;
+  void WriteFile(const std::string& file, const std::string& bytes) const {
+    WriteFileBytes(Path(file), bytes);
+  }
   void RemoveFile(const std::string& file) const;
-  std::string ReadFile(const std::string& file) const;
+  std::string ReadFile(const std::string& file) const { return ReadFileBytes(Path(file)); }
   std::string Path(const std::string& relative) const { return root + "/" + relative; }
 
-  // Every file of the store with its bytes: to see what a call has changed.
   std::map<std::string, std::string> Snapshot() const { return SnapshotOf(root); }
 
  private:
@@ -77,10 +81,12 @@ class StoreBuilder {
   std::string AddEntry(const std::string& list, const std::string& first, const std::string& last,
                        const std::string& folder);
   void MakeList(const std::string& list);
-  void MakeFolder(const std::string& folder) const;
   void WriteIndex(const std::string& list) const;
-  std::string DeriveFolder(const List& list, const std::string& name) const;
-  bool HasLocks() const { return kind != Kind::kLocal; }
+  void WriteLock(const std::string& file) const;  // but in a local store
+  std::string DeriveFolder(const std::string& list, const std::string& name) const;
+  static std::string Join(const std::string& folder, const std::string& name) {
+    return folder + "/" + name;
+  }
 
   std::string root;
   Kind kind;

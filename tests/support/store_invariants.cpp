@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 namespace kivtest {
@@ -19,30 +17,8 @@ std::string Folded(std::string text) {
   return text;
 }
 
-bool ReadFileBytes(const fs::path& path, std::string& bytes) {
-  std::ifstream in(path, std::ios::binary);
-  bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  return in.is_open();
-}
-
-std::string OwnName(const fs::path& folder) {
-  std::string bytes;
-  if (!ReadFileBytes(folder / "longname.kiv", bytes)) {
-    return "";
-  }
-  return bytes.substr(0, bytes.find('\0'));
-}
-
-std::vector<std::string> VisibleFolders(const fs::path& list) {
-  std::vector<std::string> names;
-  std::error_code ignored;
-  for (const fs::directory_entry& entry : fs::directory_iterator(list, ignored)) {
-    const std::string name = entry.path().filename().string();
-    if (entry.is_directory() && name[0] != '.') {
-      names.push_back(name);
-    }
-  }
-  return names;
+std::string BytesIfThere(const fs::path& path) {
+  return fs::is_regular_file(path) ? ReadFileBytes(path.string()) : std::string();
 }
 
 class StoreReader {
@@ -68,93 +44,50 @@ class StoreReader {
 
  private:
   std::vector<ListedEntry> ReadList(const std::string& list) {
-    std::vector<ListedEntry> entries = ReadIndex(list);
-    CompareWithFolders(list, entries);
-    LookForDoubles(list, entries);
-    return entries;
-  }
-
-  std::vector<ListedEntry> ReadIndex(const std::string& list) {
-    std::vector<ListedEntry> entries;
-    std::string bytes;
-    ReadFileBytes(fs::path(root) / list / "index.kiv", bytes);
+    const std::string bytes = BytesIfThere(root / list / "index.kiv");
     const IndexImage index = ReadIndexBytes(bytes);
-    for (const IndexLine& line : index.logins) {
-      entries.push_back({list, line.folder, line.first, line.last});
-    }
     if (index.isTorn && !bytes.empty()) {
       image.faults.push_back("torn index: " + list);
     }
-    return entries;
-  }
-
-  void CompareWithFolders(const std::string& list, const std::vector<ListedEntry>& entries) {
-    std::set<std::string> lines, folders;
-    for (const ListedEntry& entry : entries) {
-      lines.insert(Folded(entry.folder));
-    }
-    for (const std::string& name : VisibleFolders(fs::path(root) / list)) {
-      folders.insert(Folded(name));
-      if (lines.count(Folded(name)) == 0 && !OwnName(fs::path(root) / list / name).empty()) {
-        image.faults.push_back("folder without a line: " + list + "/" + name);
-      }
-    }
-    for (const std::string& line : lines) {
-      if (folders.count(line) == 0) {
-        image.faults.push_back("line without a folder: " + list + "/" + line);
-      }
-    }
-  }
-
-  void LookForDoubles(const std::string& list, const std::vector<ListedEntry>& entries) {
+    std::vector<ListedEntry> entries;
     std::set<std::string> folders, names;
-    for (const ListedEntry& entry : entries) {
-      if (!folders.insert(Folded(entry.folder)).second) {
-        image.faults.push_back("folder listed twice: " + list + "/" + entry.folder);
+    for (const IndexLine& line : index.logins) {
+      const ListedEntry entry{list, line.folder, line.first, line.last};
+      entries.push_back(entry);
+      if (!folders.insert(Folded(line.folder)).second) {
+        image.faults.push_back("folder listed twice: " + entry.Path());
       }
       if (!names.insert(Folded(entry.Name())).second) {
         image.faults.push_back("name listed twice: " + list + "/" + entry.Name());
       }
     }
+    CompareWithFolders(list, folders);
+    return entries;
+  }
+  void CompareWithFolders(const std::string& list, std::set<std::string> lines) {
+    std::error_code ignored;
+    for (const fs::directory_entry& entry : fs::directory_iterator(root / list, ignored)) {
+      const std::string name = entry.path().filename().string();
+      const bool isVisible = entry.is_directory() && name[0] != '.';
+      const std::string told = isVisible ? BytesIfThere(entry.path() / "longname.kiv") : "";
+      if (isVisible && lines.erase(Folded(name)) == 0 && !told.empty() && told[0] != '\0') {
+        image.faults.push_back("folder without a line: " + list + "/" + name);
+      }
+    }
+    for (const std::string& line : lines) {
+      image.faults.push_back("line without a folder: " + list + "/" + line);
+    }
   }
 
-  std::string root;
+  fs::path root;
 };
 
 }  // namespace
 
-std::vector<std::string> StoreImage::ListsWith(const std::vector<ListedEntry>& entries,
-                                               const std::string& name) {
-  std::vector<std::string> lists;
-  for (const ListedEntry& entry : entries) {
-    if (entry.Name() == name) {
-      lists.push_back(entry.list);
-    }
-  }
-  return lists;
-}
-
 StoreImage ReadStore(const std::string& root, Kind kind) {
   StoreReader reader(root);
-  if (kind == Kind::kTeachers) {
-    reader.ReadTeachers();
-  } else {
-    reader.ReadClasses("Classes.zep");
-  }
+  kind == Kind::kTeachers ? reader.ReadTeachers() : reader.ReadClasses("Classes.zep");
   return reader.image;
-}
-
-std::map<std::string, std::vector<std::string>> FindMarks(const std::string& root,
-                                                          const std::vector<ListedEntry>& entries,
-                                                          const std::string& file) {
-  std::map<std::string, std::vector<std::string>> places;
-  for (const ListedEntry& entry : entries) {
-    std::string mark;
-    if (ReadFileBytes(fs::path(root) / entry.Path() / file, mark)) {
-      places[mark].push_back(entry.Path());
-    }
-  }
-  return places;
 }
 
 }  // namespace kivtest

@@ -1,13 +1,8 @@
 // What a store on disk says of itself, and what is wrong with it: the indexes held against the
 // folders. Reads the tree with the standard library and uses nothing of ours.
 //
-//   const StoreImage image = ReadStore(folder.Path(), Kind::kTeachers);
-//   EXPECT_EQ(image.faults, std::vector<std::string>());
+//   EXPECT_EQ(ReadStore(folder.Path(), Kind::kTeachers).faults, std::vector<std::string>());
 #pragma once
-
-#include <map>
-#include <string>
-#include <vector>
 
 #include "tests/support/store_builder.h"
 
@@ -27,19 +22,9 @@ struct StoreImage {
   // An index that is torn; a line without a folder; a folder that tells its name and has no line;
   // two lines of one folder or of one name in a list.
   std::vector<std::string> faults;
-
-  // The lists, by their folders, whose index has this name; case counts.
-  static std::vector<std::string> ListsWith(const std::vector<ListedEntry>& entries,
-                                            const std::string& name);
 };
 
 // The whole tree, by folders and by indexes. A store without teachers has none.
 StoreImage ReadStore(const std::string& root, Kind kind);
-
-// The bytes of `file` in each listed entry's folder, for those that have it, with the places where
-// they are found.
-std::map<std::string, std::vector<std::string>> FindMarks(const std::string& root,
-                                                          const std::vector<ListedEntry>& entries,
-                                                          const std::string& file);
 
 }  // namespace kivtest

@@ -25,50 +25,50 @@ fs::path MakeUniqueFolder() {
 
 void AllowOwner(const fs::path& path) {
   std::error_code ignored;
-  fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, ignored);
-}
-
-// A folder must be made accessible before it can be walked.
-void MakeRemovable(const fs::path& folder) {
-  AllowOwner(folder);
-  std::error_code ignored;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
-    if (entry.is_symlink(ignored)) {
-      continue;
-    }
-    if (entry.is_directory(ignored)) {
-      MakeRemovable(entry.path());
-    } else {
-      AllowOwner(entry.path());
-    }
+  if (!fs::is_symlink(path, ignored)) {
+    fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, ignored);
   }
 }
 
+// A folder must be made accessible before it can be walked.
 void RemoveTree(const fs::path& path) {
   std::error_code ignored;
+  AllowOwner(path);
   if (!fs::is_symlink(path, ignored)) {
-    MakeRemovable(path);
+    fs::recursive_directory_iterator entry(path, ignored);
+    for (; entry != fs::recursive_directory_iterator(); entry.increment(ignored)) {
+      AllowOwner(entry->path());
+    }
   }
   fs::remove_all(path, ignored);
 }
 
 constexpr const char* kFolder = "folder";  // what a snapshot has in place of bytes
 
-std::string BytesOf(const fs::path& path) {
+}  // namespace
+
+std::string ReadFileBytes(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
-    throw std::runtime_error("cannot read " + path.string());
+    throw std::runtime_error("cannot read " + path);
   }
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-}  // namespace
+void WriteFileBytes(const std::string& path, const std::string& bytes) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file << bytes;
+  file.close();
+  if (!file) {
+    throw std::runtime_error("cannot write " + path);
+  }
+}
 
 Snapshot SnapshotOf(const std::string& root) {
   Snapshot files;
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
-    files[fs::relative(entry.path(), root).generic_string()] =
-        entry.is_directory() ? kFolder : BytesOf(entry.path());
+    const std::string path = entry.path().generic_string();
+    files[path.substr(root.size() + 1)] = entry.is_directory() ? kFolder : ReadFileBytes(path);
   }
   return files;
 }
@@ -80,18 +80,12 @@ TempFolder::~TempFolder() {
 }
 
 void TempFolder::WriteFile(const std::string& relative, const std::string& bytes) const {
-  const fs::path path = Path(relative);
-  fs::create_directories(path.parent_path());
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  if (!file) {
-    throw std::runtime_error("cannot write " + path.string());
-  }
+  fs::create_directories(fs::path(Path(relative)).parent_path());
+  WriteFileBytes(Path(relative), bytes);
 }
 
 std::string TempFolder::ReadFile(const std::string& relative) const {
-  return BytesOf(Path(relative));
+  return ReadFileBytes(Path(relative));
 }
 
 void TempFolder::MakeFolder(const std::string& relative) const {

@@ -9,6 +9,9 @@
 
 namespace kivtest {
 
+std::string ReadFileBytes(const std::string& path);
+void WriteFileBytes(const std::string& path, const std::string& bytes);
+
 // Every file below a folder with its bytes, and every folder: to see what a call has changed.
 using Snapshot = std::map<std::string, std::string>;
 Snapshot SnapshotOf(const std::string& root);

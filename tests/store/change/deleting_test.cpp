@@ -8,28 +8,31 @@ using namespace kivtest;
 
 namespace {
 
-const std::string kPrivileges =
-    " could not be deleted.  Make sure you have the necessary privileges to create, read, write, "
-    "modify, and delete files and folders.  Also, make sure nobody is accessing the folder.";
-
 class DeletingTest : public SchoolFixture {
- public:
+ protected:
   bool DeleteBob(bool standAlone = true) {
     return DeleteStudent(site, room, students[1], students, standAlone, stop);
   }
   bool DeleteRoom() { return DeleteClass(site, room, classes, true, stop); }
   bool DeleteHill() { return DeleteTeacher(site, hill, teachers); }
+  std::string NotDeleted(const std::string& level, const std::string& name,
+                         const std::string& folder, const std::string& why) const {
+    return "Unable to delete the " + level + " " + name + " because the " + level + " folder " +
+           Bytes(Spec(folder).GetPath()) +
+           " could not be deleted.  Make sure you have the necessary privileges to create, read, "
+           "write, modify, and delete files and folders.  Also, make sure nobody is accessing the "
+           "folder.|" +
+           why;
+  }
 };
 
 TEST_F(DeletingTest, AnEntryGoesWithEverythingBelowItAndWaitsForNoLockOfItsOwn) {
   NoteCounted();
   EXPECT_TRUE(DeleteBob());
   EXPECT_FALSE(site.GetCountedClasses().IsValid());
-  EXPECT_EQ(temp.List(kRoom), Lines({"AnnLee", "Cid", "index.kiv", "index.lok"}));
   EXPECT_EQ(Index(kRoom), IndexBytes({{"AnnLee", "Ann", "Lee"}, {"Cid", "Cid", ""}}));
   EXPECT_EQ(Described(students), Lines({"AnnLee:Ann:Lee", "Cid:Cid:"}));
   EXPECT_TRUE(DeleteRoom());
-  EXPECT_EQ(temp.List(kHill), Lines({"Den", "index.kiv", "index.lok"}));
   EXPECT_EQ(Index(kHill), IndexBytes({{"Den", "Den", ""}}));
   EXPECT_EQ(Described(classes), Lines({"Den:Den:"}));
   EXPECT_TRUE(DeleteHill());
@@ -57,69 +60,62 @@ TEST_F(DeletingTest, AStudentWhoIsGoneAlreadyIsASuccess) {
   temp.WriteFile(kRoom + "/Bob", "a file in the way");
   EXPECT_TRUE(DeleteBob());
   EXPECT_EQ(Why(), "");
+  // A lost class comes back ahead of it where folders are made, and nobody is in it.
+  store.RemoveFolder(kHill + "/Room");
+  EXPECT_FALSE(DeleteBob());
+  const CreatingScope creating;
+  EXPECT_TRUE(DeleteBob());
+  EXPECT_TRUE(temp.Exists(kRoom));
 }
 
 TEST_F(DeletingTest, NobodyIsDeletedOutsideTheList) {
-  for (const char* name : {"", "..", "..\\..\\Den", "."}) {
-    const SLoginNameObj hostile = Entry(name, "Ann");
-    EXPECT_FALSE(DeleteStudent(site, room, hostile, students, true, stop)) << name;
-    EXPECT_FALSE(DeleteClass(site, hostile, classes, true, stop)) << name;
-    EXPECT_FALSE(DeleteTeacher(site, hostile, teachers)) << name;
+  for (const char* name : {"", "..", "..\\..\\Den", ".", "Gone"}) {
+    const SLoginNameObj other = Entry(name, "Ann");
+    const std::string folder = name == std::string("Gone") ? "/Gone" : "";
+    EXPECT_EQ(WhyNot(DeleteClass(site, other, classes, true, stop)),
+              "no entry classes " + (folder.empty() ? "" : kHill + folder));
+    EXPECT_EQ(WhyNot(DeleteTeacher(site, other, teachers)),
+              "no entry teachers " + (folder.empty() ? "" : kTop + folder));
+    EXPECT_EQ(DeleteStudent(site, room, other, students, true, stop), !folder.empty());
+    EXPECT_EQ(Why(), folder.empty() ? "no entry students " : "");
   }
-  EXPECT_EQ(Why(), "no entry students ");
-  EXPECT_EQ(WhyNot(DeleteClass(site, Entry("Gone", "Gone"), classes, true, stop)),
-            "no entry classes " + kHill + "/Gone");
-  EXPECT_EQ(WhyNot(DeleteTeacher(site, Entry("Gone", "Gone"), teachers)),
-            "no entry teachers " + kTop + "/Gone");
   EXPECT_EQ(Changed(), Lines());
 }
 
 TEST_F(DeletingTest, AFolderThatCannotGoIsReportedAndStopsAGroup) {
-  const Holder other(Spec(kRoom + "/Bob/mark"));
+  const std::string bob = kRoom + "/Bob", busy = kHill + "/Den/busy";
+  temp.WriteFile(busy, "");
+  const Holder student(Spec(bob + "/mark")), inClass(Spec(busy));
   for (const bool standAlone : {true, false}) {
-    temp.WriteFile(kRoom + "/Bob/index.lok", "");  // the first try takes it along
+    temp.WriteFile(bob + "/index.lok", "");  // the first try takes it along
     EXPECT_FALSE(DeleteBob(standAlone));
     EXPECT_EQ(stop, !standAlone);
-    EXPECT_EQ(Bytes(site.GetFailure().text),
-              "Unable to delete the student Bob because the student folder " +
-                  Bytes(Spec(kRoom + "/Bob").GetPath()) + kPrivileges);
-    EXPECT_EQ(Why(), "in use students " + kRoom + "/Bob/mark");
+    EXPECT_EQ(Told(), NotDeleted("student", "Bob", bob, "in use students " + bob + "/mark"));
   }
-  temp.WriteFile(kRoom + "/Bob/index.lok", "");
+  temp.WriteFile(bob + "/index.lok", "");
   EXPECT_FALSE(DeleteRoom());
   EXPECT_TRUE(stop);
-  EXPECT_FALSE(temp.Exists(kRoom + "/AnnLee"));
-  EXPECT_TRUE(temp.Exists(kRoom + "/Cid"));
+  EXPECT_EQ(temp.List(kRoom), Lines({"Bob", "Cid", "index.kiv", "index.lok"}));
+  Why();
+  EXPECT_FALSE(DeleteClass(site, den, classes, true, stop));
+  EXPECT_EQ(Told(), NotDeleted("class", "Den", kHill + "/Den", "in use classes " + busy));
+  temp.WriteFile(kDen + "/index.lok", "");
+  EXPECT_FALSE(DeleteHill());
+  EXPECT_TRUE(temp.Exists(kHill + "/Room"));
 }
 
 TEST_F(DeletingTest, OneStudentInUseKeepsClassAndTeacherButNotTheOthers) {
-  const std::string index = Index(kRoom);
+  const std::string index = Index(kRoom), why = "locked students " + kRoom + "/Bob/index.lok";
   const Holder other(Spec(kRoom + "/Bob/index.lok"));
-  EXPECT_FALSE(DeleteRoom());
-  EXPECT_EQ(WhyNot(stop), "locked students " + kRoom + "/Bob/index.lok");
+  EXPECT_EQ(WhyNot(DeleteRoom()), why);
+  EXPECT_FALSE(stop);
   EXPECT_EQ(temp.List(kRoom), Lines({"Bob", "index.kiv", "index.lok"}));
   EXPECT_EQ(Index(kRoom), index);
   EXPECT_EQ(classes.GetSize(), 2);
   EXPECT_FALSE(DeleteHill());
-  EXPECT_EQ(teachers.GetSize(), 2);
+  EXPECT_EQ(Told(), NotDeleted("teacher", "Ms Hill", kHill, why));
   EXPECT_EQ(temp.List(kHill), Lines({"Room", "index.kiv", "index.lok"}));
-  EXPECT_EQ(Bytes(site.GetFailure().text),
-            "Unable to delete the teacher Ms Hill because the teacher folder " +
-                Bytes(Spec(kHill).GetPath()) + kPrivileges);
-  EXPECT_EQ(Why(), "locked students " + kRoom + "/Bob/index.lok");
-}
-
-TEST_F(DeletingTest, AClassThatCannotGoIsReported) {
-  temp.WriteFile(kHill + "/Den/busy", "");
-  const Holder other(Spec(kHill + "/Den/busy"));
-  EXPECT_FALSE(DeleteClass(site, den, classes, true, stop));
-  EXPECT_EQ(Bytes(site.GetFailure().text),
-            "Unable to delete the class Den because the class folder " +
-                Bytes(Spec(kHill + "/Den").GetPath()) + kPrivileges);
-  EXPECT_EQ(Why(), "in use classes " + kHill + "/Den/busy");
-  temp.WriteFile(kDen + "/index.lok", "");
-  EXPECT_FALSE(DeleteHill());
-  EXPECT_TRUE(temp.Exists(kHill + "/Room"));  // a folder that stays ends the group
+  EXPECT_EQ(teachers.GetSize(), 2);
 }
 
 TEST_F(DeletingTest, ASelectionThatWasThereNamesTheDeletedTeacherAfterwards) {
@@ -144,62 +140,54 @@ TEST_F(DeletingTest, ATeacherWithoutClassesGoesAtOnceOnSharedSitesOnly) {
   EXPECT_FALSE(temp.Exists("Classes.zep/aHill"));
 }
 
-// The lost class comes back ahead of it, and nobody is in it.
-TEST_F(DeletingTest, AStudentOfALostClassIsGoneAlready) {
-  store.RemoveFolder(kHill + "/Room");
-  EXPECT_FALSE(DeleteBob());
-  const CreatingScope creating;
-  EXPECT_TRUE(DeleteBob());
-  EXPECT_TRUE(temp.Exists(kRoom));
-}
-
 class DeletingFilesTest : public SchoolFixture {
  protected:
   DeletingFilesTest() {
-    store.AddFileLine(home, {"a.zep", "A", "zep"});
-    store.AddFileLine(home, {"b.TXT", "B", "TXT"});
-    store.AddFileLine(home, {"c.doc", "C", "doc"});
-    store.Finish();
+    temp.WriteFile(home + "/index.kiv", IndexBytes({}, {{"a.zep", "A", "zep"},
+                                                        {"b.TXT", "B", "TXT"},
+                                                        {"c.doc", "C", "doc"},
+                                                        {"C.doc", "Last", ""}}));
     for (const char* file : {"/a.zep", "/b.TXT", "/c.doc", "/zep", "/sub/d.zep"}) {
       temp.WriteFile(home + file, "");
     }
     built = Snapshot();
   }
-  void DeleteSuffixes(const std::vector<const char*>& endings, const char* subfolder) {
+  void DeleteSuffixes(const Lines& endings, const char* subfolder) {
     SStringArray suffixes;
-    for (const char* ending : endings) {
-      suffixes.Add(ending);
+    for (const std::string& ending : endings) {
+      suffixes.Add(Text(ending));
     }
     DeleteFilesBySuffix(site, &room, &ann, suffixes, subfolder);
   }
   const std::string home = kRoom + "/AnnLee";
 };
 
-TEST_F(DeletingFilesTest, FilesOfASuffixGoWithTheirLines) {
-  DeleteSuffixes({}, "");
-  EXPECT_EQ(Changed(), Lines());
-  DeleteSuffixes({"ZEP", "txt"}, "");
-  EXPECT_EQ(Changed(),
-            Lines({"*" + home + "/index.kiv", "-" + home + "/a.zep", "-" + home + "/b.TXT"}));
-  EXPECT_EQ(Index(home), IndexBytes({}, {{"c.doc", "C", "doc"}}));
-}
-
-TEST_F(DeletingFilesTest, FilesOfAFolderInsideGoAndTheLinesOfTheEntrysOwn) {
-  DeleteSuffixes({"zep"}, "sub");
-  EXPECT_EQ(Changed(), Lines({"*" + home + "/index.kiv", "-" + home + "/sub/d.zep"}));
-  EXPECT_EQ(Index(home), IndexBytes({}, {{"b.TXT", "B", "TXT"}, {"c.doc", "C", "doc"}}));
-}
-
-TEST_F(DeletingFilesTest, OneFileGoesWithItsFirstLine) {
-  temp.WriteFile(
-      home + "/index.kiv",
-      IndexBytes({}, {{"a.zep", "A", "zep"}, {"B.txt", "B", "txt"}, {"b.txt", "C", ""}}));
-  for (const char* file : {"/B.txt", "/nothing.zep"}) {
-    SFileSpec spec = Spec(home + file);
-    EXPECT_TRUE(DeleteUserFile(site, spec, true));
+TEST_F(DeletingFilesTest, FilesOfASuffixGoWithTheLinesOfTheEntrysOwn) {
+  const FileLine a{"a.zep", "A", "zep"}, b{"b.TXT", "B", "TXT"};
+  const FileLine c{"c.doc", "C", "doc"}, last{"C.doc", "Last", ""};
+  const struct {
+    Lines suffixes;
+    const char* subfolder;
+    Lines gone;
+    std::vector<FileLine> lines;
+  } cases[] = {{{}, "", {}, {a, b, c, last}},
+               {{"ZEP", "txt"}, "", {"-" + home + "/a.zep", "-" + home + "/b.TXT"}, {c, last}},
+               {{"zep"}, "sub", {"-" + home + "/sub/d.zep"}, {b, c, last}}};
+  for (const auto& test : cases) {
+    temp.Restore(built);
+    DeleteSuffixes(test.suffixes, test.subfolder);
+    Lines changed = Changed();
+    std::erase(changed, "*" + home + "/index.kiv");
+    EXPECT_EQ(changed, test.gone);
+    EXPECT_EQ(Index(home), IndexBytes({}, test.lines));
   }
-  EXPECT_EQ(Changed(), Lines({"*" + home + "/index.kiv", "-" + home + "/b.TXT"}));
-  EXPECT_EQ(Index(home), IndexBytes({}, {{"a.zep", "A", "zep"}, {"b.txt", "C", ""}}));
+  temp.Restore(built);
+  for (const char* file : {"/c.doc", "/nothing.zep"}) {
+    SFileSpec spec = Spec(home + file);
+    EXPECT_TRUE(DeleteUserFile(site, spec, true));  // with its first line
+  }
+  EXPECT_EQ(Changed(), Lines({"*" + home + "/index.kiv", "-" + home + "/c.doc"}));
+  EXPECT_EQ(Index(home), IndexBytes({}, {a, b, last}));
 }
 
 TEST_F(DeletingFilesTest, AFileThatCannotGoLeavesTheIndexAlone) {
@@ -214,21 +202,19 @@ TEST_F(DeletingFilesTest, AFileThatCannotGoLeavesTheIndexAlone) {
     const Holder other(Spec(c.busy));
     SFileSpec spec = Spec(c.file);
     EXPECT_FALSE(DeleteUserFile(site, spec, c.lockIt));
-    EXPECT_EQ(site.GetFailure().text.View().substr(0, 40),
-              "Unable to delete the file you selected. ");
+    EXPECT_TRUE(
+        site.GetFailure().text.StartsWith("Unable to delete the file you selected. ", true));
     EXPECT_EQ(Why(), c.why);
   }
   const SFileSpec busy = Spec(home + "/c.doc");
-  {
-    const Holder other(busy);
-    DeleteSuffixes({"doc"}, "");
-  }
-  EXPECT_EQ(Bytes(site.GetFailure().text),
+  const Holder other(busy);
+  DeleteSuffixes({"doc"}, "");
+  EXPECT_EQ(Told(),
             "The file '" + Bytes(busy.GetPath()) +
                 "' could not be %2d.  Make sure you have the necessary privileges to create, read, "
                 "write, modify, and delete files and folders.  Also, make sure nobody has the file "
-                "open.");
-  EXPECT_EQ(Why(), "in use files " + home + "/c.doc");
+                "open.|in use files " +
+                home + "/c.doc");
   EXPECT_EQ(Changed(), Lines());
 }
 

@@ -1,11 +1,9 @@
 // One of several workstations at work on the store of concurrency_test.cpp: it adds, renames, moves
-// and deletes students of its own at random, and writes down at the end what it was told became of
-// them.
+// and deletes students of its own at random, and prints at the end what it was told became of them.
 //
-//   workstation ROOT NUMBER LOG
+//   workstation ROOT NUMBER
 #include <chrono>
-#include <fstream>
-#include <random>
+#include <iostream>
 #include <thread>
 
 #include "store/change/default_entries.h"
@@ -13,7 +11,8 @@
 #include "store/change/moving.h"
 #include "store/change/renaming.h"
 #include "store/list/listing.h"
-#include "tests/store/change/class_places.h"
+#include "tests/support/draw.h"
+#include "tests/support/site_fixture.h"
 
 using namespace kivstore;
 using namespace kivtest;
@@ -36,73 +35,84 @@ class YieldingClock : public IClock {
   uint32_t ticks = 0;
 };
 
-// What it was told of each of its students, by first name; the last name changes.
 class Workstation {
  public:
   Workstation(SSite& site, int number)
-      : site(site), name("P" + std::to_string(number)), random(number + 1u) {}
+      : site(site), name("P" + std::to_string(number)), draw(static_cast<uint32_t>(number) + 1) {
+    SLoginList teachers, classes;
+    LoadTeacherList(site, teachers);
+    for (const SLoginNameObj& teacher : teachers) {
+      site.SelectTeacher(&teacher);
+      LoadClassList(site, classes, true);
+      for (const SLoginNameObj& entry : classes) {
+        places.push_back({teacher, entry});
+      }
+    }
+  }
 
   void Act() {
-    const unsigned choice = Below(10);
+    const int choice = draw.Below(10);
     if (students.empty() || (choice < 3 && students.size() < 12)) {
       Add(AnyPlace());
       return;
     }
-    const auto student = std::next(students.begin(), Below(students.size()));
+    const auto student = std::next(students.begin(), draw.Below(static_cast<int>(students.size())));
     site.SelectTeacher(&student->second.place->teacher);
     SLoginList list;
     LoadStudentList(site, list, student->second.place->entry, true, true);
     for (SLoginNameObj& entry : list) {
       if (entry.firstName == student->first.c_str()) {
-        done += Change(choice, student->first, entry, list) ? 1 : 0;
+        Change(choice, student->first, entry, list);
         return;
       }
     }
   }
-  void WriteLog(const std::string& path) const {
-    std::ofstream out(path);
+  void Print() const {
     for (const auto& [first, student] : students) {
-      out << first << ' ' << student.last << ' ' << student.place->list << '\n';
+      std::cout << first << ' ' << student.last << " Classes.zep/"
+                << student.place->teacher.folderName.View() << "/Classes.zep/"
+                << student.place->entry.folderName.View() << "/Students\n";
     }
-    out << "done " << done << '\n';
   }
 
  private:
+  struct Place {
+    SLoginNameObj teacher, entry;
+  };
   struct Student {
     std::string last;
-    const ClassPlace* place;
+    const Place* place;
   };
 
-  unsigned Below(size_t count) { return static_cast<unsigned>(random() % count); }
-  const ClassPlace& AnyPlace() { return places[Below(places.size())]; }
+  const Place& AnyPlace() {
+    return places[static_cast<size_t>(draw.Below(static_cast<int>(places.size())))];
+  }
 
-  void Add(const ClassPlace& place) {
+  void Add(const Place& place) {
     site.SelectTeacher(&place.teacher);
     const std::string first = name + "N" + std::to_string(++count);
     SString folder;
     if (AddStudent(site, place.entry, Text(first), "0", folder)) {
       students[first] = {"0", &place};
-      ++done;
     }
   }
-  bool Change(unsigned choice, const std::string& first, SLoginNameObj& entry, SLoginList& list) {
+  void Change(int choice, const std::string& first, SLoginNameObj& entry, SLoginList& list) {
     Student& student = students[first];
+    const Place& from = *student.place;
+    bool stop = false;
     if (choice < 6) {
       const std::string last = std::to_string(++count);
       const bool renamed =
-          RenameStudent(site, student.place->entry, entry, list, entry.firstName, Text(last));
+          RenameStudent(site, from.entry, entry, list, entry.firstName, Text(last));
       student.last = renamed ? last : student.last;
-      return renamed;
+    } else if (choice < 9) {
+      Move(student, AnyPlace(), entry, list);
+    } else if (DeleteStudent(site, from.entry, entry, list, true, stop)) {
+      students.erase(first);
     }
-    if (choice < 9) {
-      return Move(student, AnyPlace(), entry, list);
-    }
-    bool stop = false;
-    return DeleteStudent(site, student.place->entry, entry, list, true, stop) &&
-           students.erase(first) > 0;
   }
-  bool Move(Student& student, const ClassPlace& to, SLoginNameObj& entry, SLoginList& list) {
-    const ClassPlace& from = *student.place;
+  void Move(Student& student, const Place& to, SLoginNameObj& entry, SLoginList& list) {
+    const Place& from = *student.place;
     const SString first = entry.firstName, last = Text(student.last);
     const bool moved =
         &to != &from && (from.teacher.folderName == to.teacher.folderName
@@ -110,22 +120,21 @@ class Workstation {
                              : MoveStudentAcross(site, from.teacher, to.teacher, from.entry,
                                                  to.entry, entry, list, first, last));
     student.place = moved ? &to : &from;
-    return moved;
   }
 
   SSite& site;
   std::string name;
-  std::minstd_rand random;
-  const std::vector<ClassPlace> places = ClassPlaces();
+  Draw draw;
+  std::vector<Place> places;
+  // What it was told of each of its own, by first name; the last name changes.
   std::map<std::string, Student> students;
   int count = 0;
-  int done = 0;
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
+  if (argc != 3) {
     return 2;
   }
   RegisterGameType();
@@ -138,10 +147,10 @@ int main(int argc, char** argv) {
   YieldingClock clock;
   const SPlatformOverride<IClock> installed(Platform().clock, &clock);
   Workstation workstation(site, std::stoi(argv[2]));
-  for (const auto end = std::chrono::steady_clock::now() + kRunTime;
-       std::chrono::steady_clock::now() < end;) {
+  const auto end = std::chrono::steady_clock::now() + kRunTime;
+  while (std::chrono::steady_clock::now() < end) {
     workstation.Act();
   }
-  workstation.WriteLog(argv[3]);
+  workstation.Print();
   return 0;
 }

@@ -1,12 +1,17 @@
-#ifdef _WIN32
-
-#include <windows.h>
-
 #include "tests/support/run_program.h"
+
+#include <cstdlib>
+
 #include "tests/support/temp_folder.h"
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 namespace kivtest {
 namespace {
+
+#ifdef _WIN32
 
 std::wstring Wide(const std::string& utf8) {
   const int size = static_cast<int>(utf8.size());
@@ -36,27 +41,44 @@ HANDLE OpenInherited(const std::string& path, DWORD access, DWORD disposition) {
                      disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-int Run(const std::string& line, HANDLE output, HANDLE errors) {
-  const HANDLE input = OpenInherited("NUL", GENERIC_READ, OPEN_EXISTING);
+int Run(const std::string& line, const std::string& output, const std::string& errors) {
   STARTUPINFOW start{};
   start.cb = sizeof start;
   start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdInput = input;
-  start.hStdOutput = output;
-  start.hStdError = errors;
+  start.hStdInput = OpenInherited("NUL", GENERIC_READ, OPEN_EXISTING);
+  start.hStdOutput = OpenInherited(output, GENERIC_WRITE, CREATE_ALWAYS);
+  start.hStdError = OpenInherited(errors, GENERIC_WRITE, CREATE_ALWAYS);
   PROCESS_INFORMATION process{};
   DWORD exitCode = static_cast<DWORD>(-1);
-  std::wstring wide = Wide(line);
-  if (CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
-                     &process)) {
+  if (CreateProcessW(nullptr, Wide(line).data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                     &start, &process)) {
     WaitForSingleObject(process.hProcess, INFINITE);
     GetExitCodeProcess(process.hProcess, &exitCode);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
   }
-  CloseHandle(input);
+  for (const HANDLE handle :
+       {process.hThread, process.hProcess, start.hStdInput, start.hStdOutput, start.hStdError}) {
+    CloseHandle(handle);
+  }
   return static_cast<int>(exitCode);
 }
+
+#else
+
+std::string Quote(const std::string& argument) {
+  std::string quoted = "'";
+  for (const char c : argument) {
+    quoted += c == '\'' ? "'\\''" : std::string(1, c);
+  }
+  return quoted + "'";
+}
+
+int Run(const std::string& line, const std::string& output, const std::string& errors) {
+  const std::string redirected = line + ">" + Quote(output) + " 2>" + Quote(errors);
+  const int status = std::system(redirected.c_str());
+  return status >= 0 && (status & 0x7F) == 0 ? status >> 8 & 0xFF : -1;
+}
+
+#endif
 
 }  // namespace
 
@@ -64,19 +86,13 @@ RunResult RunProgram(const std::vector<std::string>& command) {
   const TempFolder folder;
   std::string line;
   for (const std::string& argument : command) {
-    line += (line.empty() ? "" : " ") + Quote(argument);
+    line += Quote(argument) + " ";
   }
-  const HANDLE output = OpenInherited(folder.Path("out"), GENERIC_WRITE, CREATE_ALWAYS);
-  const HANDLE errors = OpenInherited(folder.Path("err"), GENERIC_WRITE, CREATE_ALWAYS);
   RunResult result;
-  result.exitCode = Run(line, output, errors);
-  CloseHandle(output);
-  CloseHandle(errors);
+  result.exitCode = Run(line, folder.Path("out"), folder.Path("err"));
   result.output = folder.ReadFile("out");
   result.errors = folder.ReadFile("err");
   return result;
 }
 
 }  // namespace kivtest
-
-#endif
