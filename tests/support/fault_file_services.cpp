@@ -54,9 +54,9 @@ void FaultFileServices::DieAt(int n, std::function<void()> newDeath) {
 }
 
 void FaultFileServices::FailOn(const std::string& part, SystemError error,
-                               const std::string& operation) {
+                               const std::string& operations) {
   failingPart = part;
-  failingOperation = operation;
+  failingOperations = operations.empty() ? "" : " " + operations + " ";
   failingPartError = error;
 }
 
@@ -84,7 +84,9 @@ bool FaultFileServices::Strikes(const char* operation, const std::string& path,
   log.push_back({operation, path});
   const bool lasting = plan == Plan::kFailForever || plan == Plan::kDie;
   if (plan == Plan::kNone || Count() < target || (Count() > target && !lasting)) {
-    const bool isMeant = failingOperation.empty() || failingOperation == operation;
+    const bool isMeant =
+        failingOperations.empty() ||
+        failingOperations.find(std::string(" ") + operation + " ") != std::string::npos;
     const bool strikes =
         !failingPart.empty() && isMeant && path.find(failingPart) != std::string::npos;
     error = strikes ? failingPartError : error;

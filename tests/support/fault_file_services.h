@@ -44,9 +44,9 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   // that follows fails, as for a process that is no more.
   void DieAt(
       int n, std::function<void()> death = [] {});
-  // Each operation on a path that contains `part` fails, or only those of this name; counts
-  // nothing.
-  void FailOn(const std::string& part, SystemError error, const std::string& operation = "");
+  // Each operation on a path that contains `part` fails, or only those of these names, which stand
+  // between blanks; counts nothing.
+  void FailOn(const std::string& part, SystemError error, const std::string& operations = "");
   void FailNever();
 
   // Whether the operation of the last FailAt, FallShortAt or DieAt came.
@@ -140,7 +140,7 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   SystemError transferError = SystemError::kNone;
   int32_t shortBytes = 0;
   std::function<void()> death;
-  std::string failingPart, failingOperation;
+  std::string failingPart, failingOperations;
   SystemError failingPartError = SystemError::kOther;
   std::vector<FileCall> log;
   std::map<FileHandle, std::string> open;

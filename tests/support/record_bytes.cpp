@@ -23,6 +23,8 @@ constexpr char kBehindGameOptions[] =
     "AllowCorrectionDuringTest_DS=yes AllowCorrectionDuringTest_Warp=yes AllowTimeLimit=no "
     "TimeLimitWarp=2 WarpspeedView=1 ShowTimer=yes AllowPause_Warp=yes";
 constexpr char kBehindMissions[] = "AllowPlayandPracticeMode=yes";
+constexpr char kMission[] =
+    "Notebook=2 Typeline=2 WindshieldTypers=2 WarpSpeed=2 DictationStation=2 KeyFigures=2";
 constexpr char kLesson[] =
     "LesnExStage=0 CurrentExString=-1 MainString=yes BestTotalTime=0L BestTotalKeystrokes=0 "
     "BestCorrectKeystrokes=0 AveTotalTime=0L AveTotalKeystrokes=0 AveCorrectKeystrokes=0 "
@@ -32,12 +34,12 @@ constexpr char kLesson[] =
 // warp speed, windshield typers.
 constexpr char kStandardCourse[] = "KSKTDWTDSDTWTDWWKSTWSWDKK";
 
-int& ActivityOf(MissionBytes& mission, char letter) {
-  return letter == 'D'   ? mission.DictationStation
-         : letter == 'K' ? mission.KeyFigures
-         : letter == 'T' ? mission.Typeline
-         : letter == 'W' ? mission.WarpSpeed
-                         : mission.WindshieldTypers;
+const char* ActivityOf(char letter) {
+  return letter == 'D'   ? "DictationStation"
+         : letter == 'K' ? "KeyFigures"
+         : letter == 'W' ? "WarpSpeed"
+         : letter == 'S' ? "WindshieldTypers"
+                         : "";
 }
 
 // Calls function(key, type, value) for each option of a list.
@@ -191,13 +193,8 @@ RecordFields GameOptionsBytes::Fields(const std::string& prefix) const {
 }
 
 RecordFields MissionBytes::Fields(const Stamps& stamps, const std::string& prefix) const {
-  return FieldList(prefix, stamps)
-      .Add("Notebook", 's', Notebook)
-      .Add("Typeline", 's', Typeline)
-      .Add("WindshieldTypers", 's', WindshieldTypers)
-      .Add("WarpSpeed", 's', WarpSpeed)
-      .Add("DictationStation", 's', DictationStation)
-      .Add("KeyFigures", 's', KeyFigures);
+  FieldList fields(prefix, stamps);
+  return fields.AddOptions(kMission, {{"Typeline", Typeline}, {builtAround, 1}});
 }
 
 OptionsBytes::OptionsBytes() : missions(25) {
@@ -205,8 +202,8 @@ OptionsBytes::OptionsBytes() : missions(25) {
     ForEachOption(list, [&](const std::string& key, char, int value) { values[key] = value; });
   }
   for (size_t i = 0; i < missions.size(); ++i) {
-    missions[i].Typeline = i < 3 ? 0 : 2;
-    ActivityOf(missions[i], kStandardCourse[i]) = 1;
+    const char letter = kStandardCourse[i];
+    missions[i] = {letter == 'T' ? 1 : i < 3 ? 0 : 2, ActivityOf(letter)};
   }
 }
 

@@ -89,12 +89,8 @@ struct GameOptionsBytes {
 
 // The activities of one mission: 60 bytes.
 struct MissionBytes {
-  int Notebook = 2;
   int Typeline = 2;
-  int WindshieldTypers = 2;
-  int WarpSpeed = 2;
-  int DictationStation = 2;
-  int KeyFigures = 2;
+  std::string builtAround = {};  // another activity
 
   RecordFields Fields(const Stamps& stamps, const std::string& prefix = "") const;
 };

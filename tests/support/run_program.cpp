@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "tests/support/temp_folder.h"
+#include "tests/support/wine.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -81,6 +82,15 @@ int Run(const std::string& line, const std::string& output, const std::string& e
 #endif
 
 }  // namespace
+
+bool RunsUnderWine() {
+#ifdef _WIN32
+  const HMODULE system = GetModuleHandleA("ntdll.dll");
+  return system != nullptr && GetProcAddress(system, "wine_get_version") != nullptr;
+#else
+  return false;
+#endif
+}
 
 RunResult RunProgram(const std::vector<std::string>& command) {
   const TempFolder folder;

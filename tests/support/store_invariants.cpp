@@ -5,6 +5,9 @@
 #include <filesystem>
 #include <set>
 
+#include "tests/support/record_bytes.h"
+#include "tests/support/temp_folder.h"
+
 namespace kivtest {
 namespace {
 
@@ -21,73 +24,58 @@ std::string BytesIfThere(const fs::path& path) {
   return fs::is_regular_file(path) ? ReadFileBytes(path.string()) : std::string();
 }
 
-class StoreReader {
- public:
-  explicit StoreReader(const std::string& root) : root(root) {}
-
-  void ReadTeachers() {
-    image.teachers = ReadList("Classes.zep");
-    for (const ListedEntry& teacher : image.teachers) {
-      ReadClasses(teacher.Path() + "/Classes.zep");
+// The names of the folders that tell a name, or of all.
+std::set<std::string> Folders(const fs::path& list, bool naming) {
+  std::set<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator(list)) {
+    const std::string name = entry.path().filename().string();
+    const std::string told = BytesIfThere(entry.path() / "longname.kiv");
+    if (entry.is_directory() && name[0] != '.' && (!naming || (told + '\0')[0] != '\0')) {
+      names.insert(Folded(name));
     }
   }
-  void ReadClasses(const std::string& list) {
-    const std::vector<ListedEntry> classes = ReadList(list);
-    image.classes.insert(image.classes.end(), classes.begin(), classes.end());
-    for (const ListedEntry& entry : classes) {
-      const std::vector<ListedEntry> students = ReadList(entry.Path() + "/Students");
-      image.students.insert(image.students.end(), students.begin(), students.end());
-    }
-  }
+  return names;
+}
 
-  StoreImage image;
-
- private:
-  std::vector<ListedEntry> ReadList(const std::string& list) {
-    const std::string bytes = BytesIfThere(root / list / "index.kiv");
-    const IndexImage index = ReadIndexBytes(bytes);
-    if (index.isTorn && !bytes.empty()) {
-      image.faults.push_back("torn index: " + list);
-    }
-    std::vector<ListedEntry> entries;
-    std::set<std::string> folders, names;
-    for (const IndexLine& line : index.logins) {
-      const ListedEntry entry{list, line.folder, line.first, line.last};
-      entries.push_back(entry);
-      if (!folders.insert(Folded(line.folder)).second) {
-        image.faults.push_back("folder listed twice: " + entry.Path());
-      }
-      if (!names.insert(Folded(entry.Name())).second) {
-        image.faults.push_back("name listed twice: " + list + "/" + entry.Name());
-      }
-    }
-    CompareWithFolders(list, folders);
-    return entries;
+void ReadList(StoreImage& image, const fs::path& root, const std::string& list) {
+  if (!fs::is_directory(root / list)) {
+    return;
   }
-  void CompareWithFolders(const std::string& list, std::set<std::string> lines) {
-    std::error_code ignored;
-    for (const fs::directory_entry& entry : fs::directory_iterator(root / list, ignored)) {
-      const std::string name = entry.path().filename().string();
-      const bool isVisible = entry.is_directory() && name[0] != '.';
-      const std::string told = isVisible ? BytesIfThere(entry.path() / "longname.kiv") : "";
-      if (isVisible && lines.erase(Folded(name)) == 0 && !told.empty() && told[0] != '\0') {
-        image.faults.push_back("folder without a line: " + list + "/" + name);
-      }
-    }
-    for (const std::string& line : lines) {
-      image.faults.push_back("line without a folder: " + list + "/" + line);
-    }
+  const auto fault = [&](const char* what, const std::string& name) {
+    image.faults.push_back(what + list + "/" + name);
+  };
+  const std::string bytes = BytesIfThere(root / list / "index.kiv");
+  const IndexImage index = ReadIndexBytes(bytes);
+  if (index.isTorn && !bytes.empty()) {
+    fault("torn index: ", "");
   }
-
-  fs::path root;
-};
+  std::set<std::string> unlisted = Folders(root / list, true), all = Folders(root / list, false);
+  std::set<std::string> lines, names;
+  for (const IndexLine& line : index.logins) {
+    const ListedEntry entry{list, line.folder, line.first, line.last};
+    const std::string folder = Folded(line.folder);
+    unlisted.erase(folder);
+    if (!lines.insert(folder).second || !names.insert(Folded(entry.Name())).second) {
+      fault("listed twice: ", line.folder);
+    }
+    if (all.count(folder) == 0) {
+      fault("line without a folder: ", line.folder);
+    }
+    image.entries.push_back(entry);
+    ReadList(image, root, entry.Path() + "/Classes.zep");
+    ReadList(image, root, entry.Path() + "/Students");
+  }
+  for (const std::string& name : unlisted) {
+    fault("folder without a line: ", name);
+  }
+}
 
 }  // namespace
 
-StoreImage ReadStore(const std::string& root, Kind kind) {
-  StoreReader reader(root);
-  kind == Kind::kTeachers ? reader.ReadTeachers() : reader.ReadClasses("Classes.zep");
-  return reader.image;
+StoreImage ReadStore(const std::string& root) {
+  StoreImage image;
+  ReadList(image, root, "Classes.zep");
+  return image;
 }
 
 }  // namespace kivtest

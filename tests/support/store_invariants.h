@@ -1,10 +1,9 @@
 // What a store on disk says of itself, and what is wrong with it: the indexes held against the
 // folders. Reads the tree with the standard library and uses nothing of ours.
-//
-//   EXPECT_EQ(ReadStore(folder.Path(), Kind::kTeachers).faults, std::vector<std::string>());
 #pragma once
 
-#include "tests/support/store_builder.h"
+#include <string>
+#include <vector>
 
 namespace kivtest {
 
@@ -15,16 +14,17 @@ struct ListedEntry {
 
   std::string Path() const { return list + "/" + folder; }
   std::string Name() const { return last.empty() ? first : first + " " + last; }
+  bool IsStudent() const { return list.ends_with("/Students"); }
 };
 
 struct StoreImage {
-  std::vector<ListedEntry> teachers, classes, students;
+  std::vector<ListedEntry> entries;
   // An index that is torn; a line without a folder; a folder that tells its name and has no line;
   // two lines of one folder or of one name in a list.
   std::vector<std::string> faults;
 };
 
-// The whole tree, by folders and by indexes. A store without teachers has none.
-StoreImage ReadStore(const std::string& root, Kind kind);
+// The whole tree, by folders and by indexes.
+StoreImage ReadStore(const std::string& root);
 
 }  // namespace kivtest

@@ -26,23 +26,6 @@ class DeletingTest : public SchoolFixture {
   }
 };
 
-TEST_F(DeletingTest, AnEntryGoesWithEverythingBelowItAndWaitsForNoLockOfItsOwn) {
-  NoteCounted();
-  EXPECT_TRUE(DeleteBob());
-  EXPECT_FALSE(site.GetCountedClasses().IsValid());
-  EXPECT_EQ(Index(kRoom), IndexBytes({{"AnnLee", "Ann", "Lee"}, {"Cid", "Cid", ""}}));
-  EXPECT_EQ(Described(students), Lines({"AnnLee:Ann:Lee", "Cid:Cid:"}));
-  EXPECT_TRUE(DeleteRoom());
-  EXPECT_EQ(Index(kHill), IndexBytes({{"Den", "Den", ""}}));
-  EXPECT_EQ(Described(classes), Lines({"Den:Den:"}));
-  EXPECT_TRUE(DeleteHill());
-  EXPECT_EQ(temp.List(kTop), Lines({"Oak", "index.kiv", "index.lok"}));
-  EXPECT_EQ(Index(kTop), IndexBytes({{"Oak", "Mr Oak", ""}}));
-  EXPECT_EQ(Described(teachers), Lines({"Oak:Mr Oak:"}));
-  EXPECT_EQ(Why(), "");
-  EXPECT_EQ(clock.TicksCalls(), 0);
-}
-
 TEST_F(DeletingTest, AnOldListTakesOutItsOwnLineOnly) {
   temp.WriteFile(kRoom + "/index.kiv",
                  IndexBytes({{"AnnLee", "Anna", "Leigh"}, {"Bob", "Bob", ""}, {"Dan", "Dan", ""}}));

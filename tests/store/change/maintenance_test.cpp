@@ -11,9 +11,9 @@ namespace {
 const std::string kStudent = "Classes.zep/Room/Students/AnnLee";
 const std::string kLast = kStudent + "/last.kiv";
 
-std::string NameListBytes(const std::vector<std::string>& names) {
+std::string NameListBytes(const Lines& names) {
   ByteWriter writer;
-  writer.Long(static_cast<uint32_t>(names.size()));
+  writer.Long(std::ssize(names));
   for (const std::string& name : names) {
     writer.Text(name);
   }
@@ -24,10 +24,7 @@ class MaintenanceTest : public SiteFixture {
  protected:
   MaintenanceTest() {
     UseSite(Kind::kLocal);
-    StoreBuilder store(temp.Path(), Kind::kLocal);
-    store.AddClass("", "Room", "Room");
-    store.AddStudent("Classes.zep/Room", "Ann", "Lee", "AnnLee");
-    store.Finish();
+    temp.MakeFolder(kStudent);
   }
   void Record(const char* name) { RecordLastFile(site, &room, &ann, name, "zep"); }
   std::string Find(const char* extension, bool removable = false) {
@@ -44,7 +41,7 @@ TEST_F(MaintenanceTest, AFileIsRecordedInPlaceOfTheOneOfItsType) {
   const struct {
     const char* rule;
     std::string before;
-    std::vector<std::string> after;
+    Lines after;
   } cases[] = {
       {"an empty file is an empty list", "", {"new.zep"}},
       {"the first of the type is replaced",
@@ -57,7 +54,7 @@ TEST_F(MaintenanceTest, AFileIsRecordedInPlaceOfTheOneOfItsType) {
        {"new.zep"}},
       {"a name without a dot has no type", NameListBytes({"oldzep"}), {"oldzep"}},
       {"a count beyond the file ends with it",
-       std::string("\xFF\xFF\xFF\xFF", 4) + std::string("old.zep\0b.txt", 13),
+       ByteWriter().Long(-1).Text("old.zep").Raw("b.txt").Bytes(),
        {"new.zep", "b.txt"}},
   };
   for (const auto& c : cases) {
@@ -67,12 +64,16 @@ TEST_F(MaintenanceTest, AFileIsRecordedInPlaceOfTheOneOfItsType) {
   }
 }
 
-TEST_F(MaintenanceTest, AMissingListIsMadeWhereFilesAreMadeAndABusyOneKept) {
-  Record("new.zep");
-  EXPECT_FALSE(temp.Exists(kLast));
-  const CreatingScope creating;
-  Record("new.zep");
-  EXPECT_EQ(temp.ReadFile(kLast), NameListBytes({"new.zep"}));
+TEST_F(MaintenanceTest, FilesAreMadeWhereFilesAreMadeAndABusyOneIsKept) {
+  for (const bool makes : {false, true}) {
+    SPlatformOverride<IFileServices> installed(Platform().files,
+                                               makes ? &CreatingFileServices() : Platform().files);
+    SFileSpec spec;
+    MakeTopScoreFile(site, spec, &room, &ann);
+    EXPECT_EQ(PlaceAndKind(spec), (makes ? "file " : "none ") + kStudent + "/topScore.kiv");
+    Record("new.zep");
+    EXPECT_EQ(temp.Exists(kLast), makes);
+  }
   {
     const Holder other(Spec(kLast));
     Record("newer.zep");
@@ -93,32 +94,20 @@ TEST_F(MaintenanceTest, TheFirstFileOfTheTypeIsFoundUnlessItsNameLeadsElsewhere)
   }
 }
 
-TEST_F(MaintenanceTest, TopScoresAreMadeWhereFilesAreMade) {
-  for (const bool makes : {false, true}) {
-    SPlatformOverride<IFileServices> installed(Platform().files,
-                                               makes ? &CreatingFileServices() : Platform().files);
-    SFileSpec spec;
-    MakeTopScoreFile(site, spec, &room, &ann);
-    EXPECT_EQ(PlaceAndKind(spec), (makes ? "file " : "none ") + kStudent + "/topScore.kiv");
-  }
-}
-
 TEST_F(MaintenanceTest, TheOptionsOfAllLevelsGoAndNothingElse) {
-  const std::string list = "Classes.zep/";
-  for (const char* gone :
-       {"", "Room/", "Room/Students/AnnLee/", "Unlisted/", "Unlisted/Students/Nobody/"}) {
-    temp.WriteFile(list + gone + "options.kiv", "options");
+  Lines gone;
+  for (const std::string place :
+       {"Room/Students/AnnLee/", "Room/", "Unlisted/Students/Nobody/", "Unlisted/", ""}) {
+    temp.WriteFile("Classes.zep/" + place + "options.kiv", "options");
+    gone.push_back("-Classes.zep/" + place + "options.kiv");
   }
-  for (const char* kept : {"Room/Students/options.kiv", "Room/Shared/options.kiv", "topScore.kiv",
-                           "Folder/options.kiv/file.kiv"}) {
-    temp.WriteFile(list + kept, "kept");
+  for (const std::string kept : {"Room/Students/options.kiv", "Room/Shared/options.kiv",
+                                 "topScore.kiv", "Folder/options.kiv/file.kiv"}) {
+    temp.WriteFile("Classes.zep/" + kept, "kept");
   }
   const auto before = Snapshot();
   DeleteStoreFiles(site);
-  EXPECT_EQ(Changes(before, Snapshot()),
-            Lines({"-Classes.zep/Room/Students/AnnLee/options.kiv", "-Classes.zep/Room/options.kiv",
-                   "-Classes.zep/Unlisted/Students/Nobody/options.kiv",
-                   "-Classes.zep/Unlisted/options.kiv", "-Classes.zep/options.kiv"}));
+  EXPECT_EQ(Changes(before, Snapshot()), gone);
   temp.Remove("Classes.zep");
   temp.WriteFile("folder/options.kiv", "");
   DeleteStoreFiles(site);  // a folder level higher up is nobody's class

@@ -1,5 +1,7 @@
+// Renaming and moving, but for what transactions_test.cpp has of them.
 #include "store/change/moving.h"
 
+#include "store/change/renaming.h"
 #include "tests/support/school_fixture.h"
 #include "tests/support/wine.h"
 
@@ -8,41 +10,115 @@ using namespace kivtest;
 
 namespace {
 
-class MovingTest : public SchoolFixture {
- protected:
-  bool MoveRoom() { return MoveClass(site, hill, oak, classes[1], classes, "Room 2"); }
-  bool MoveAnn() { return MoveStudent(site, room, den, students[0], students, "Ann", "Lee"); }
+class RenamingTest : public SchoolFixture {
+ public:
+  bool RenameHill() { return RenameTeacher(site, hill, teachers, "Mrs Hill"); }
+  bool RenameRoom() { return RenameClass(site, room, classes, "Attic"); }
+  bool RenameAnn() { return RenameStudent(site, room, ann, students, "Eve", "Ray"); }
 };
 
-TEST_F(MovingTest, AStudentMovesWithTheFolder) {
-  NoteCounted();
-  EXPECT_TRUE(MoveAnn());
-  EXPECT_FALSE(site.GetCountedClasses().IsValid());
-  EXPECT_EQ(Index(kRoom), IndexBytes({{"Bob", "Bob", ""}, {"Cid", "Cid", ""}}));
-  EXPECT_EQ(Index(kDen), IndexBytes({{"Zoe", "Zoe", ""}, {"AnnLee", "Ann", "Lee"}}));
-  EXPECT_FALSE(temp.Exists(kRoom + "/AnnLee"));
-  EXPECT_TRUE(temp.Exists(kDen + "/AnnLee/mark"));
-  EXPECT_EQ(Described(students), Lines({"Bob:Bob:", "Cid:Cid:"}));
-  EXPECT_EQ(owner.heard, Lines({"StudentMoved|Room|Den|Lee|Ann|TDefault|TDefault"}));
-  EXPECT_EQ(Why(), "");
+TEST_F(RenamingTest, TheNameMayBeTheListsOwn) {
+  SLoginNameObj& own = students[1];
+  EXPECT_TRUE(RenameStudent(site, room, own, students, own.folderName, own.firstName));
+  EXPECT_EQ(Described(students), Lines({"AnnLee:Ann:Lee", "Bob:Bob:Bob", "Cid:Cid:"}));
+  EXPECT_EQ(owner.heard, Lines({"StudentRenamed|Room||Bob|Bob|Bob|Ms Hill"}));
 }
 
-TEST_F(MovingTest, AStudentMovesToAnotherTeachersClass) {
-  EXPECT_TRUE(MoveStudentAcross(site, hill, oak, room, yard, students[1], students, "Bob", "Ray"));
-  EXPECT_EQ(Index(kYard),
-            IndexBytes({{"Yves", "Yves", ""}, {"AnnLee", "An", "Nlee"}, {"Bob", "Bob", "Ray"}}));
-  EXPECT_EQ(owner.heard, Lines({"StudentMoved|Room|Yard|Ray|Bob|Ms Hill|Mr Oak"}));
-  EXPECT_EQ(Selected(), "aHill");
+// What others have made of the index since the list was loaded stays.
+TEST_F(RenamingTest, AnOldListTakesNoOtherNameBack) {
+  temp.WriteFile(kRoom + "/index.kiv",
+                 IndexBytes({{"AnnLee", "Eve", "Ray"}, {"Bob", "Bob", ""}, {"Dan", "Dan", ""}}));
+  EXPECT_TRUE(RenameStudent(site, room, students[1], students, "Rob", ""));
+  EXPECT_EQ(
+      Index(kRoom),
+      IndexBytes(
+          {{"AnnLee", "Eve", "Ray"}, {"Bob", "Rob", ""}, {"Cid", "Cid", ""}, {"Dan", "Dan", ""}}));
 }
+
+TEST_F(RenamingTest, OtherSitesRenameNoTeacherAndHearOfTDefault) {
+  site.SetSiteMode(kSiteLocal);
+  EXPECT_FALSE(RenameHill());
+  EXPECT_TRUE(RenameRoom());
+  EXPECT_EQ(owner.heard, Lines({"ClassRenamed|Room|Attic|TDefault"}));
+}
+
+TEST_F(RenamingTest, WhatIsNotListedOrGoneKeepsItsName) {
+  SLoginList empty;
+  EXPECT_EQ(WhyNot(RenameTeacher(site, hill, empty, "x")), "no entry teachers Classes.zep/");
+  EXPECT_EQ(WhyNot(RenameClass(site, room, empty, "x")), "no entry classes " + kHill + "/");
+  EXPECT_EQ(WhyNot(RenameStudent(site, room, ann, empty, "x", "y")),
+            "no entry students " + kRoom + "/");
+  EXPECT_EQ(Changed(), Lines());
+  const CreatingScope creating;
+  for (const auto& [gone, why, rename] :
+       {std::tuple(kRoom + "/AnnLee", "no entry students ", &RenamingTest::RenameAnn),
+        {kRoom, "missing classes ", &RenamingTest::RenameRoom},
+        {kTop + "/aHill", "no entry teachers ", &RenamingTest::RenameHill}}) {
+    store.RemoveFolder(gone);
+    EXPECT_EQ(WhyNot((this->*rename)()), why + gone);
+  }
+  EXPECT_EQ(owner.heard, Lines());
+}
+
+TEST_F(RenamingTest, ATeacherWithoutClassesGetsTheDefaultClassFirst) {
+  store.RemoveFolder(kHill);
+  site.SelectTeacher(nullptr);
+  EXPECT_FALSE(RenameHill());
+  EXPECT_EQ(Described(teachers), Lines({"aHill:Ms Hill:", "Oak:Mr Oak:"}));
+  const CreatingScope creating;
+  EXPECT_TRUE(RenameHill());
+  EXPECT_EQ(Index(kHill), IndexBytes({{"Default", "Default", ""}}));
+  EXPECT_EQ(Selected(), "-");
+  store.RemoveFolder(kHill);
+  site.SelectTeacher(&oak);
+  EXPECT_TRUE(RenameTeacher(site, teachers[0], teachers, "Ms H"));
+  EXPECT_EQ(Selected(), "aHill");  // the one object there is has been overwritten
+}
+
+TEST_F(RenamingTest, AFilesLongNameIsRenamedInItsIndex) {
+  const std::string home = kRoom + "/AnnLee";
+  const auto files = [](const char* name) {
+    return IndexBytes({}, {{"a.zep", name, "zep"}, {"b.zep", "Other", "zep"}});
+  };
+  temp.WriteFile(home + "/index.kiv", files("Old"));
+  const struct {
+    const char *from, *to, *why, *now;
+  } cases[] = {{"Old", "OTHER", "|name taken files ", "Old"},
+               {"Old", "old", "|name taken files ", "Old"},
+               {"OLD", "New", "|", "Old"},
+               {"Old", "New", "|", "New"}};
+  for (const auto& c : cases) {
+    const bool renamed = c.why == std::string("|");
+    EXPECT_EQ(RenameUserFile(site, Spec(home), c.from, c.to, true), renamed) << c.to;
+    EXPECT_EQ(Index(home), files(c.now));
+    EXPECT_EQ(Told(), c.why + (renamed ? "" : home + "/"));
+  }
+  const Holder other(Spec(home + "/index.lok"));
+  EXPECT_FALSE(RenameUserFile(site, Spec(home + "/a.zep"), "New", "Newer", true));
+  EXPECT_EQ(site.GetFailure().text.View().substr(0, 42),
+            "Unable to rename the file you selected.  M");
+  EXPECT_EQ(Why(), "locked files " + home + "/index.lok");
+  EXPECT_TRUE(RenameUserFile(site, Spec(home + "/a.zep"), "New", "Newer", false));
+  EXPECT_EQ(WhyNot(RenameUserFile(site, SFileSpec(), "New", "Newer", false)), "missing files ");
+}
+
+class MovingTest : public SchoolFixture {
+ protected:
+  bool MoveRoom() {
+    // The teacher handed in may be the selected one itself.
+    return MoveClass(site, *site.GetCurrentTeacher(), oak, classes[1], classes, "Room 2");
+  }
+  bool MoveAnn() { return MoveStudent(site, room, den, students[0], students, "Ann", "Ray"); }
+};
 
 TEST_F(MovingTest, AClassMovesWithItsStudents) {
-  // The teacher handed in may be the selected one itself.
-  EXPECT_TRUE(MoveClass(site, *site.GetCurrentTeacher(), oak, classes[1], classes, "Room 2"));
-  EXPECT_EQ(Index(kHill), IndexBytes({{"Den", "Den", ""}}));
+  EXPECT_TRUE(MoveAnn());
+  EXPECT_TRUE(MoveRoom());
+  EXPECT_EQ(Index(kDen), IndexBytes({{"Zoe", "Zoe", ""}, {"AnnLee", "Ann", "Ray"}}));
   EXPECT_EQ(Index(kOak), IndexBytes({{"Yard", "Yard", ""}, {"Room", "Room 2", ""}}));
-  EXPECT_TRUE(temp.Exists(kOak + "/Room/Students/AnnLee/mark"));
-  EXPECT_EQ(Described(classes), Lines({"Den:Den:"}));
-  EXPECT_EQ(owner.heard, Lines({"ClassMoved|Ms Hill|Mr Oak|Room 2"}));
+  EXPECT_TRUE(temp.Exists(kOak + "/Room/Students/Bob/mark"));
+  EXPECT_EQ(owner.heard, Lines({"StudentMoved|Room|Den|Ray|Ann|TDefault|TDefault",
+                                "ClassMoved|Ms Hill|Mr Oak|Room 2"}));
   EXPECT_EQ(Selected(), "aHill");
 }
 
@@ -67,10 +143,9 @@ TEST_F(MovingTest, ADestinationOfAThousandTakesNobodyMore) {
     }
     const auto before = Snapshot();
     EXPECT_EQ(MoveAnn(), count < 1000);
-    EXPECT_EQ(Why(), count < 1000 ? "" : "full students " + kDen + "/");
+    EXPECT_EQ(Told(), count < 1000 ? "|" : "|full students " + kDen + "/");
     EXPECT_EQ(MoveRoom(), count < 1000);
-    EXPECT_EQ(site.GetFailure().text, "");
-    EXPECT_EQ(Why(), count < 1000 ? "" : "full classes " + kOak + "/");
+    EXPECT_EQ(Told(), count < 1000 ? "|" : "|full classes " + kOak + "/");
     EXPECT_EQ(Changes(before, Snapshot()) == Lines(), count == 1000);
   }
 }
@@ -90,25 +165,17 @@ TEST_F(MovingTest, WhoIsNotListedOrNotThereDoesNotMove) {
   EXPECT_EQ(owner.heard, Lines());
 }
 
-TEST_F(MovingTest, AFolderNameThatIsTakenThereGivesWayUnlessItIsOfThisName) {
-  const CreatingScope creating;
+TEST_F(MovingTest, AFolderOfItsNameStopsItAndACopyThatIsNotMadeCostsTheSource) {
   temp.WriteFile(kDen + "/AnnLee/longname.kiv", LongNameBytes("Ann", "Lee"));
   const auto before = Snapshot();
-  EXPECT_FALSE(MoveAnn());
+  {
+    const CreatingScope creating;
+    EXPECT_FALSE(MoveAnn());
+  }
   EXPECT_EQ(Changes(before, Snapshot()), Lines());
   EXPECT_EQ(students[0].folderName, "AnnLee");
-
+  // A copy that is inert says it went well.
   temp.WriteFile(kDen + "/AnnLee/longname.kiv", LongNameBytes("An", "NLee"));
-  EXPECT_TRUE(MoveAnn());
-  EXPECT_TRUE(temp.Exists(kDen + "/AnnLee0/mark"));
-  EXPECT_FALSE(temp.Exists(kRoom + "/AnnLee"));
-  EXPECT_EQ(Index(kDen), IndexBytes({{"Zoe", "Zoe", ""}, {"AnnLee0", "Ann", "Lee"}}));
-  EXPECT_EQ(students.GetSize(), 2);
-}
-
-// A copy that is inert says it went well: a collision costs the folder.
-TEST_F(MovingTest, WithoutMakersATakenFolderNameCostsTheSource) {
-  temp.MakeFolder(kDen + "/AnnLee");
   EXPECT_TRUE(MoveAnn());
   EXPECT_FALSE(temp.Exists(kRoom + "/AnnLee"));
   EXPECT_FALSE(temp.Exists(kDen + "/AnnLee0"));

@@ -14,8 +14,10 @@ const std::string kRoom = "\0\0\0\1Rm\0Room\0\0\0\0\0\0"s;
 const std::string kBoth = "\0\0\0\1Rm\0Room\0\0\0\0\0\1a.zep\0A game\0zep\0"s;
 
 struct Whole : SIndexObj {
-  Whole() {
-    NeedLogins();
+  explicit Whole(bool withLogins = true) {
+    if (withLogins) {
+      NeedLogins();
+    }
     NeedFiles();
   }
 };
@@ -28,17 +30,15 @@ class IndexFile : public SiteFixture {
     EXPECT_EQ(spec.GetPath(), folder.GetPath());
     return read;
   }
-  static std::string Told(const SIndexObj& index) {
+  static std::string Told(SIndexObj& index) {
     std::string told;
-    if (index.logins) {
-      for (const SLoginNameObj& login : *index.logins) {
-        told += "[" + Bytes(login.folderName + "|" + login.firstName + "|" + login.lastName) + "]";
-      }
+    for (int i = 0; index.logins && i < index.logins->GetSize(); ++i) {
+      const SLoginNameObj& login = *index.LoginAt(i);
+      told += "[" + Bytes(login.folderName + "|" + login.firstName + "|" + login.lastName) + "]";
     }
-    if (index.files) {
-      for (const SOurFileObj& file : *index.files) {
-        told += "(" + Bytes(file.fileName + "|" + file.longName + "|" + file.extension) + ")";
-      }
+    for (int i = 0; index.files && i < index.files->GetSize(); ++i) {
+      const SOurFileObj& file = *index.FileAt(i);
+      told += "(" + Bytes(file.fileName + "|" + file.longName + "|" + file.extension) + ")";
     }
     return told;
   }
@@ -51,10 +51,8 @@ TEST_F(IndexFile, IsReadForWhatItHolds) {
   const struct {
     std::string bytes, told;
   } cases[] = {
-      {kRoom, "[Rm|Room|]"},
       {kBoth, "[Rm|Room|](a.zep|A game|zep)"},
       {"", ""},
-      {"\0\0\0\0"s, ""},
       {"\0\0\0\1\xC4\0\xFF\x80\0\xE9\0\0\0\0\0"s, "[\xC4|\xFF\x80|\xE9]"},
       // torn: what was counted is made, with empty texts
       {"\0\0\0\2Rm\0Room\0\0"s, "[Rm|Room|][||]"},
@@ -63,20 +61,15 @@ TEST_F(IndexFile, IsReadForWhatItHolds) {
       {"\0\0\0\0\0\0\0\2a.zep\0A"s, "(a.zep|A|)(||)"},
       // counts that nothing backs
       {"\xFF\xFF\xFF\xFF\0\0\0\1a\0b\0c\0"s, "(a|b|c)"},
-      {"\x7F\xFF\xFF\xFF"
-       "a\0b\0c\0"s,
-       "[a|b|c][||][||]"},
+      {"\x7F\xFF\xFF\xFF\x61\0b\0c\0"s, "[a|b|c][||][||]"},
       {"\0\0\0\0\x7F\xFF\xFF\xFF"s, "(||)"},
   };
   for (const auto& c : cases) {
     temp.WriteFile("index.kiv", c.bytes);
-    Whole index;
-    EXPECT_TRUE(Read(index));
+    Whole index, files(false);
+    EXPECT_TRUE(Read(index) && Read(files));
     EXPECT_EQ(Told(index), c.told) << testing::PrintToString(c.bytes);
     EXPECT_FALSE(index.incomplete);
-    SIndexObj files;
-    files.NeedFiles();
-    EXPECT_TRUE(Read(files));
     EXPECT_EQ(Told(files), c.told.substr(std::min(c.told.find('('), c.told.size())));
   }
   temp.Remove("index.kiv");
@@ -91,11 +84,8 @@ TEST_F(IndexFile, IsReadForWhatItHolds) {
 }
 
 TEST_F(IndexFile, KeepsNoMoreEntriesThanAListIsWalkedFor) {
-  std::string bytes = "\0\0\x80\1"s;
-  for (int i = 0; i < 0x8001; ++i) {
-    bytes += "F\0N\0\0"s;
-  }
-  temp.WriteFile("index.kiv", bytes + "\0\0\0\1a\0b\0c\0"s);
+  temp.WriteFile("index.kiv", IndexBytes(std::vector<IndexLine>(0x8001, IndexLine{"F", "N", ""}),
+                                         {{"a", "b", "c"}}));
   Whole index;
   EXPECT_TRUE(Read(index));
   EXPECT_EQ(index.logins->GetSize(), 32767);
@@ -119,12 +109,12 @@ TEST_F(IndexFile, IsWrittenByteForByteAndKeepsTheHalfThatIsNotHeld) {
   EXPECT_TRUE(WriteIndex(folder, whole));
   EXPECT_EQ(Stored(), kBoth);
 
-  SIndexObj logins, files;
+  SIndexObj logins;
   logins.NeedLogins();
   logins.logins->Add(std::make_unique<SLoginNameObj>("Ann", "Lee", "AnnLee"));
   EXPECT_TRUE(WriteIndex(folder, logins));
   EXPECT_EQ(Stored(), ann + "\0\0\0\1a.zep\0A game\0zep\0"s);
-  files.NeedFiles();
+  Whole files(false);
   EXPECT_TRUE(WriteIndex(folder, files));
   EXPECT_EQ(Stored(), ann + std::string(4, '\0'));
 }
@@ -178,8 +168,7 @@ TEST_F(IndexFile, IsCountedByOpeningItAndReadingFourBytes) {
   EXPECT_EQ(ReadIndexCount(folder), 0);
   FaultFileServices counted(*Platform().files);
   const SPlatformOverride<IFileServices> installed(Platform().files, &counted);
-  for (const auto& [bytes, count] : {std::pair(""s, 0),
-                                     {"\0\0\1"s, 0},
+  for (const auto& [bytes, count] : {std::pair("\0\0\1"s, 0),
                                      {"\0\0\1\2"s, 258},
                                      {"\x7F\xFF\xFF\xFE"s, 0x7FFFFFFE},
                                      {"\xFF\xFF\xFF\xFF"s, 0}}) {
@@ -192,11 +181,10 @@ TEST_F(IndexFile, IsCountedByOpeningItAndReadingFourBytes) {
 
 TEST_F(IndexFile, GivesTheFilesOfAnExtensionIgnoringCase) {
   SFileList moved;
-  Whole index;
+  Whole index(false);
   for (const char* const ending : {"zep", "ZEP", "txt", ""}) {
     index.files->Add(std::make_unique<SOurFileObj>(ending, "", ending));
   }
-  index.logins.reset();
   EXPECT_EQ(index.CountFilesOf("Zep"), 2);
   EXPECT_EQ(index.LoginAt(0), nullptr);
   index.RemoveFilesOf("");
@@ -212,12 +200,12 @@ TEST_F(IndexFile, GivesTheFilesOfAnExtensionIgnoringCase) {
 }
 
 TEST_F(IndexFile, FindsFilesByLongNameByteForByte) {
-  temp.WriteFile("index.kiv",
-                 "\0\0\0\0\0\0\0\3a.zep\0Game\0zep\0b.txt\0Note\0txt\0c.zep\0Game\0zep\0"s);
+  temp.WriteFile("index.kiv", IndexBytes({}, {{"a.zep", "Game", "zep"},
+                                              {"b.txt", "Note", "txt"},
+                                              {"c.zep", "Game", "zep"}}));
   temp.WriteFile("b.txt", "");
   for (const SFileSpec& spec : {folder, Spec("b.txt")}) {
-    EXPECT_TRUE(FindEntryByLongName(spec, "Game", "ZEP"));
-    EXPECT_TRUE(FindEntryByLongName(spec, "Note", ""));
+    EXPECT_TRUE(FindEntryByLongName(spec, "Game", "ZEP") && FindEntryByLongName(spec, "Note", ""));
     EXPECT_FALSE(FindEntryByLongName(spec, "game", "zep"));
     EXPECT_FALSE(FindEntryByLongName(spec, "Note", "zep"));
     EXPECT_EQ(FindFileOfLongName(spec, "Game", "zep"), "a.zep");
@@ -227,21 +215,21 @@ TEST_F(IndexFile, FindsFilesByLongNameByteForByte) {
 }
 
 TEST_F(IndexFile, TakesAFilesLineWithoutLookingAndForAClassAmongItsStudents) {
-  const std::string line = "a.zep\0A\0zep\0"s, one = "\0\0\0\0\0\0\0\1"s + line;
   UseSite(Kind::kLocal);
   const SLoginNameObj room = Entry("Rm", "Room"), ann = Entry("AnnLee", "Ann", "Lee");
-  temp.WriteFile("Classes.zep/index.kiv", kRoom);
-  for (const SLoginNameObj* student : {static_cast<const SLoginNameObj*>(nullptr), &ann}) {
-    const std::string index = std::string("Classes.zep/Rm/Students/") +
-                              (student != nullptr ? "AnnLee/" : "") + "index.kiv";
-    temp.WriteFile(index, std::string(8, '\0'));
-    EXPECT_TRUE(AddEntryFor(site, &room, student, "A", "a.zep", "zep"));
-    EXPECT_EQ(temp.ReadFile(index), one);
+  const FileLine line{"a.zep", "A", "zep"};
+  const struct {
+    const SLoginNameObj *group, *student;
+    std::string index;
+  } cases[] = {{nullptr, nullptr, "Classes.zep/index.kiv"},
+               {&room, nullptr, "Classes.zep/Rm/Students/index.kiv"},
+               {&room, &ann, "Classes.zep/Rm/Students/AnnLee/index.kiv"}};
+  for (const auto& c : cases) {
+    temp.WriteFile(c.index, kRoom);
+    EXPECT_TRUE(AddEntryFor(site, c.group, c.student, "A", "a.zep", "zep"));
+    EXPECT_TRUE(AddEntry(Spec(c.index), "A", "a.zep", "zep"));
+    EXPECT_EQ(temp.ReadFile(c.index), IndexBytes({{"Rm", "Room", ""}}, {line, line}));
   }
-  EXPECT_TRUE(AddEntryFor(site, nullptr, nullptr, "A", "a.zep", "zep"));
-  EXPECT_TRUE(AddEntry(Spec("Classes.zep/index.kiv"), "A", "a.zep", "zep"));
-  EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"),
-            kRoom.substr(0, 13) + "\0\0\0\2"s + line + line);
 }
 
 }  // namespace

