@@ -105,22 +105,18 @@ TEST_F(DeletingTest, ASelectionThatWasThereNamesTheDeletedTeacherAfterwards) {
   EXPECT_TRUE(DeleteTeacher(site, oak, teachers));
   EXPECT_EQ(Selected(), "Oak");
   site.SelectTeacher(nullptr);
+  store.RemoveFolder(kHill);  // without classes she goes at once
   EXPECT_TRUE(DeleteHill());
   EXPECT_EQ(Selected(), "-");
+  EXPECT_FALSE(temp.Exists("Classes.zep/aHill"));
 }
 
-TEST_F(DeletingTest, ATeacherWithoutClassesGoesAtOnceOnSharedSitesOnly) {
+TEST_F(DeletingTest, ALocalSiteHasNoTeachersAndNoLocks) {
   site.SetSiteMode(kSiteLocal);
   EXPECT_FALSE(DeleteHill());
   EXPECT_EQ(Changed(), Lines());
-  {
-    const Holder other(Spec(kHill + "/index.lok"));
-    EXPECT_TRUE(DeleteRoom());
-  }
-  site.SetSiteMode(kSiteSharedTeachers);
-  store.RemoveFolder(kHill);
-  EXPECT_TRUE(DeleteHill());
-  EXPECT_FALSE(temp.Exists("Classes.zep/aHill"));
+  const Holder other(Spec(kHill + "/index.lok"));
+  EXPECT_TRUE(DeleteRoom());
 }
 
 class DeletingFilesTest : public SchoolFixture {

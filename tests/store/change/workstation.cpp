@@ -52,24 +52,31 @@ class Workstation {
 
   void Act() {
     const int choice = draw.Below(10);
+    SString folder;
     if (students.empty() || (choice < 3 && students.size() < 12)) {
-      Add(AnyPlace());
+      const Student added{name + "N" + std::to_string(++count), "0", &AnyPlace()};
+      site.SelectTeacher(&added.place->teacher);
+      if (AddStudent(site, added.place->entry, Text(added.first), "0", folder)) {
+        students.push_back(added);
+      }
       return;
     }
-    const auto student = std::next(students.begin(), draw.Below(static_cast<int>(students.size())));
-    site.SelectTeacher(&student->second.place->teacher);
+    const int number = draw.Below(static_cast<int>(students.size()));
+    const Student student = students[static_cast<size_t>(number)];
+    site.SelectTeacher(&student.place->teacher);
     SLoginList list;
-    LoadStudentList(site, list, student->second.place->entry, true, true);
+    LoadStudentList(site, list, student.place->entry, true, true);
     for (SLoginNameObj& entry : list) {
-      if (entry.firstName == student->first.c_str()) {
-        Change(choice, student->first, entry, list);
+      if (entry.firstName == student.first.c_str()) {
+        students.erase(students.begin() + number);
+        Change(choice, student, entry, list);
         return;
       }
     }
   }
   void Print() const {
-    for (const auto& [first, student] : students) {
-      std::cout << first << ' ' << student.last << " Classes.zep/"
+    for (const Student& student : students) {
+      std::cout << student.first << ' ' << student.last << " Classes.zep/"
                 << student.place->teacher.folderName.View() << "/Classes.zep/"
                 << student.place->entry.folderName.View() << "/Students\n";
     }
@@ -79,8 +86,9 @@ class Workstation {
   struct Place {
     SLoginNameObj teacher, entry;
   };
+  // What it was told of one of its own.
   struct Student {
-    std::string last;
+    std::string first, last;
     const Place* place;
   };
 
@@ -88,46 +96,32 @@ class Workstation {
     return places[static_cast<size_t>(draw.Below(static_cast<int>(places.size())))];
   }
 
-  void Add(const Place& place) {
-    site.SelectTeacher(&place.teacher);
-    const std::string first = name + "N" + std::to_string(++count);
-    SString folder;
-    if (AddStudent(site, place.entry, Text(first), "0", folder)) {
-      students[first] = {"0", &place};
-    }
-  }
-  void Change(int choice, const std::string& first, SLoginNameObj& entry, SLoginList& list) {
-    Student& student = students[first];
-    const Place& from = *student.place;
+  void Change(int choice, Student student, SLoginNameObj& entry, SLoginList& list) {
+    const Place &from = *student.place, &to = AnyPlace();
+    const SString first = entry.firstName, last = Text(student.last);
     bool stop = false;
     if (choice < 6) {
-      const std::string last = std::to_string(++count);
-      const bool renamed =
-          RenameStudent(site, from.entry, entry, list, entry.firstName, Text(last));
-      student.last = renamed ? last : student.last;
-    } else if (choice < 9) {
-      Move(student, AnyPlace(), entry, list);
-    } else if (DeleteStudent(site, from.entry, entry, list, true, stop)) {
-      students.erase(first);
-    }
-  }
-  void Move(Student& student, const Place& to, SLoginNameObj& entry, SLoginList& list) {
-    const Place& from = *student.place;
-    const SString first = entry.firstName, last = Text(student.last);
-    const bool moved =
-        &to != &from && (from.teacher.folderName == to.teacher.folderName
+      const std::string renamed = std::to_string(++count);
+      if (RenameStudent(site, from.entry, entry, list, first, Text(renamed))) {
+        student.last = renamed;
+      }
+    } else if (choice < 9 && &to != &from) {
+      const bool moved = from.teacher.folderName == to.teacher.folderName
                              ? MoveStudent(site, from.entry, to.entry, entry, list, first, last)
                              : MoveStudentAcross(site, from.teacher, to.teacher, from.entry,
-                                                 to.entry, entry, list, first, last));
-    student.place = moved ? &to : &from;
+                                                 to.entry, entry, list, first, last);
+      student.place = moved ? &to : &from;
+    } else if (choice == 9 && DeleteStudent(site, from.entry, entry, list, true, stop)) {
+      return;
+    }
+    students.push_back(student);
   }
 
   SSite& site;
   std::string name;
   Draw draw;
   std::vector<Place> places;
-  // What it was told of each of its own, by first name; the last name changes.
-  std::map<std::string, Student> students;
+  std::vector<Student> students;
   int count = 0;
 };
 

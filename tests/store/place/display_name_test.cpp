@@ -67,10 +67,8 @@ TEST(DefaultEntries, AreKnownByAllThreeFields) {
   MakeTeacherDefaultEntry(teacher);
   EXPECT_EQ(classEntry.folderName, "Default");
   EXPECT_EQ(teacher.firstName, "TDefault");
-  EXPECT_TRUE(IsDefaultEntry(&classEntry));
-  EXPECT_TRUE(IsTeacherDefaultEntry(&teacher));
-  EXPECT_FALSE(IsTeacherDefaultEntry(&classEntry));
-  EXPECT_FALSE(IsDefaultEntry(nullptr));
+  EXPECT_TRUE(IsDefaultEntry(&classEntry) && IsTeacherDefaultEntry(&teacher));
+  EXPECT_FALSE(IsTeacherDefaultEntry(&classEntry) || IsDefaultEntry(nullptr));
   for (const SLoginNameObj& other :
        {teacher, Named("Default", "x", "Default"), Named("Default", "", "Other"),
         Named("Other", "", "Default")}) {
