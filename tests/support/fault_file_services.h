@@ -72,11 +72,9 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
     return Strikes("Size", PathOf(file), error) ? -1 : inner.Size(file);
   }
   bool SetEnd(FileHandle file) override {
-    int32_t nothing = 0;
     return !StrikesTransfer("SetEnd", file, nothing) && inner.SetEnd(file);
   }
   bool Flush(FileHandle file) override {
-    int32_t nothing = 0;
     return !StrikesTransfer("Flush", file, nothing) && inner.Flush(file);
   }
   SystemError TransferError() override { return transferError; }
@@ -133,6 +131,7 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   // Of an open file; one that falls short does so as on a full disk.
   bool StrikesTransfer(const char* operation, FileHandle file, int32_t& wanted);
 
+  int32_t nothing = 0;  // is what a transfer without bytes wants
   Plan plan = Plan::kNone;
   int target = 0;
   bool struck = false;

@@ -26,14 +26,6 @@ class DeletingTest : public SchoolFixture {
   }
 };
 
-TEST_F(DeletingTest, AnOldListTakesOutItsOwnLineOnly) {
-  temp.WriteFile(kRoom + "/index.kiv",
-                 IndexBytes({{"AnnLee", "Anna", "Leigh"}, {"Bob", "Bob", ""}, {"Dan", "Dan", ""}}));
-  EXPECT_TRUE(DeleteBob());
-  EXPECT_EQ(Index(kRoom),
-            IndexBytes({{"AnnLee", "Anna", "Leigh"}, {"Cid", "Cid", ""}, {"Dan", "Dan", ""}}));
-}
-
 TEST_F(DeletingTest, AStudentWhoIsGoneAlreadyIsASuccess) {
   store.RemoveFolder(kRoom + "/Bob");
   const auto before = Snapshot();

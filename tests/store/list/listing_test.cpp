@@ -83,11 +83,8 @@ class ListingTest : public SiteFixture {
     SFileList list;
     SFileSpec spec;
     EntryFolder(site, spec, &room, student);
-    if (lockIt) {
-      LoadFileListAt(site, list, spec, extension, true);
-    } else {
-      LoadFileList(site, list, &room, student, extension);
-    }
+    lockIt ? LoadFileListAt(site, list, spec, extension, true)
+           : LoadFileList(site, list, &room, student, extension);
     Lines lines;
     for (const SOurFileObj& file : list) {
       lines.push_back(Bytes(file.fileName + ":" + file.longName + ":" + file.extension));

@@ -83,19 +83,6 @@ TEST(DeriveFileName, CountsAFileOfTheNameAsTaken) {
   }
 }
 
-TEST(LongName, IsTwoTextsAndIsMadeOnlyWhereFilesAre) {
-  const TempFolder folder;
-  const SFileSpec spec = SpecOn(folder.Path());
-  WriteLongName(spec, "Room 12", "");
-  EXPECT_FALSE(folder.Exists("longname.kiv"));
-  {
-    const CreatingScope creating;
-    WriteLongName(spec, "A longer name", "");
-  }
-  WriteLongName(spec, "Ann", "Lee");
-  EXPECT_EQ(folder.ReadFile("longname.kiv"), "Ann\0Lee\0"s);
-}
-
 TEST(LongName, KeepsTheLastNameWhereTheFileEndsWithinTheFirst) {
   const TempFolder folder;
   for (const auto& [bytes, names] : {std::pair(""s, ":before"),
