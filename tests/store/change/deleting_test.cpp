@@ -59,19 +59,23 @@ TEST_F(DeletingTest, NobodyIsDeletedOutsideTheList) {
 
 TEST_F(DeletingTest, AFolderThatCannotGoIsReportedAndStopsAGroup) {
   const std::string bob = kRoom + "/Bob", busy = kHill + "/Den/busy";
-  temp.WriteFile(busy, "");
-  const Holder student(Spec(bob + "/mark")), inClass(Spec(busy));
-  for (const bool standAlone : {true, false}) {
-    temp.WriteFile(bob + "/index.lok", "");  // the first try takes it along
-    EXPECT_FALSE(DeleteBob(standAlone));
-    EXPECT_EQ(stop, !standAlone);
-    EXPECT_EQ(Told(), NotDeleted("student", "Bob", bob, "in use students " + bob + "/mark"));
+  {
+    const Holder other(Spec(bob + "/mark"));
+    for (const bool standAlone : {true, false}) {
+      temp.WriteFile(bob + "/index.lok", "");  // the first try takes it along
+      EXPECT_FALSE(DeleteBob(standAlone));
+      EXPECT_EQ(stop, !standAlone);
+      EXPECT_EQ(Told(), NotDeleted("student", "Bob", bob, "in use students " + bob + "/mark"));
+    }
+    temp.WriteFile(bob + "/index.lok", "");
+    EXPECT_FALSE(DeleteRoom());
+    EXPECT_TRUE(stop);
+    EXPECT_EQ(temp.List(kRoom), Lines({"Bob", "Cid", "index.kiv", "index.lok"}));
+    Why();
   }
   temp.WriteFile(bob + "/index.lok", "");
-  EXPECT_FALSE(DeleteRoom());
-  EXPECT_TRUE(stop);
-  EXPECT_EQ(temp.List(kRoom), Lines({"Bob", "Cid", "index.kiv", "index.lok"}));
-  Why();
+  temp.WriteFile(busy, "");
+  const Holder other(Spec(busy));
   EXPECT_FALSE(DeleteClass(site, den, classes, true, stop));
   EXPECT_EQ(Told(), NotDeleted("class", "Den", kHill + "/Den", "in use classes " + busy));
   temp.WriteFile(kDen + "/index.lok", "");

@@ -155,6 +155,9 @@ TEST_F(MovingTest, WhoIsNotListedOrNotThereDoesNotMove) {
   SLoginNameObj copy = ann;
   EXPECT_EQ(WhyNot(MoveStudent(site, room, den, copy, empty, "Ann", "Lee")),
             "no entry students " + kRoom + "/");
+  EXPECT_EQ(WhyNot(MoveClass(site, hill, oak, copy, empty, "x")),
+            "no entry classes " + kHill + "/");
+  EXPECT_EQ(Selected(), "aHill");
   EXPECT_FALSE(MoveStudent(site, room, room, students[0], students, "Ann", "Lee"));
   EXPECT_EQ(Changed(), Lines());
   temp.Remove(kRoom + "/AnnLee");
