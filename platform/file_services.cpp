@@ -69,6 +69,10 @@ bool SForwardingFileServices::Move(const char* from, const char* to, SystemError
   return inner.Move(from, to, error);
 }
 
+const char* SForwardingFileServices::BlockingFile() {
+  return inner.BlockingFile();
+}
+
 std::unique_ptr<IFolderWalk> SForwardingFileServices::Walk(const char* folder, const char* mask,
                                                            SystemError& error) {
   return inner.Walk(folder, mask, error);

@@ -106,6 +106,9 @@ class IFileServices {
   // Moves a file or a folder with all it holds; fails if the target exists, whatever it is, and for
   // a folder if the target lies on another file system.
   virtual bool Move(const char* from, const char* to, SystemError& error) = 0;
+  // The file below a folder whose being open kept the last Move from it; empty where the system
+  // does not tell.
+  virtual const char* BlockingFile() { return ""; }
 
   // Walks the entries of `folder` whose names match `mask` ("*.*" is all of them). Null on failure.
   virtual std::unique_ptr<IFolderWalk> Walk(const char* folder, const char* mask,
@@ -147,6 +150,7 @@ class SForwardingFileServices : public IFileServices {
   bool Delete(const char* path, SystemError& error) override;
   bool RemoveFolder(const char* path, SystemError& error) override;
   bool Move(const char* from, const char* to, SystemError& error) override;
+  const char* BlockingFile() override;
   std::unique_ptr<IFolderWalk> Walk(const char* folder, const char* mask,
                                     SystemError& error) override;
   bool DiskSpace(const char* root, uint64_t& total, uint64_t& free, uint32_t& cluster) override;

@@ -20,6 +20,7 @@ void WaitTicks(int32_t ms) {
   IClock& clock = *Platform().clock;
   const auto end = static_cast<int32_t>(clock.Ticks() + static_cast<uint32_t>(ms));
   while (static_cast<int32_t>(clock.Ticks()) < end) {
+    clock.Pause();
   }
 }
 

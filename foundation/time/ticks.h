@@ -7,8 +7,8 @@ namespace kivstore {
 
 uint32_t GetTicks();
 
-// Spins on the tick count, without sleeping or yielding, until `ms` have passed; returns at once
-// for 0 or less. The comparison is signed, so a wrap of the counter ends the wait early or
+// Waits by the tick count until `ms` have passed, a millisecond at a time; returns at once for 0 or
+// less. The comparison is signed, so a wrap of the counter ends the wait early or
 // lengthens it.
 void WaitTicks(int32_t ms);
 

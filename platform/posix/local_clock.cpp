@@ -15,6 +15,11 @@ class LocalClock final : public IClock {
     return static_cast<uint32_t>(static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000);
   }
 
+  void Pause() override {
+    constexpr timespec kMillisecond{0, 1000000};
+    nanosleep(&kMillisecond, nullptr);
+  }
+
   LocalTime Now() override {
     const time_t now = time(nullptr);
     tm local{};

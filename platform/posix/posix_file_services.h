@@ -10,6 +10,8 @@
 // server. A name that is not there as written costs the look through its folder more.
 #pragma once
 
+#include <string>
+
 #include "platform/inert_makers.h"
 
 namespace kivstore {
@@ -42,6 +44,7 @@ class SPosixFileServices : public SInertMakers {
   bool Delete(const char* path, SystemError& error) override;
   bool RemoveFolder(const char* path, SystemError& error) override;
   bool Move(const char* from, const char* to, SystemError& error) override;
+  const char* BlockingFile() override { return blockingFile.c_str(); }
 
   // Opening, asking the folder for its mark, reading, closing.
   std::unique_ptr<IFolderWalk> Walk(const char* folder, const char* mask,
@@ -55,6 +58,7 @@ class SPosixFileServices : public SInertMakers {
   bool Succeeded(int result);
 
   SystemError transferError = SystemError::kNone;
+  std::string blockingFile;
 };
 
 }  // namespace kivstore

@@ -49,13 +49,18 @@ int WriteMark(const char* path, const char* mark, size_t length) {
   return setxattr(path, kDosAttributeName, mark, length, 0) == 0 ? 0 : errno;
 }
 
-// The folder gets the mark of a plain folder if it has none, so that walks look for marks in it.
-int MarkFolderOf(const char* path) {
+void FolderOf(const char* path, char (&text)[4096]) {
   const std::string_view folder(path, static_cast<size_t>(LastName(path).data() - path));
-  char text[4096] = ".";
+  std::strcpy(text, ".");
   if (!folder.empty()) {
     text[folder.copy(text, sizeof text - 1)] = '\0';
   }
+}
+
+// The folder gets the mark of a plain folder if it has none, so that walks look for marks in it.
+int MarkFolderOf(const char* path) {
+  char text[4096];
+  FolderOf(path, text);
   const bool marked = getxattr(text, kDosAttributeName, nullptr, 0) >= 0;
   return marked ? 0 : WriteMark(text, "0x10", sizeof "0x10");
 }
@@ -73,8 +78,20 @@ int SetHiddenMark(const char* path, bool hidden) {
   return failure == 0 ? MarkFolderOf(path) : failure;
 }
 
+// Whoever may write in the folder and read the file could write the file before it was marked.
+mode_t WriteOfOthers(const char* path, mode_t mode) {
+  char folder[4096];
+  FolderOf(path, folder);
+  struct stat facts;
+  if (stat(folder, &facts) != 0) {
+    return 0;
+  }
+  const mode_t readers = (mode & (S_IRGRP | S_IROTH)) >> 1;
+  return facts.st_mode & readers;
+}
+
 int SetReadOnlyMode(const char* path, mode_t mode, bool readOnly) {
-  const mode_t wanted = readOnly ? mode & ~kAnyWrite : mode | S_IWUSR;
+  const mode_t wanted = readOnly ? mode & ~kAnyWrite : mode | S_IWUSR | WriteOfOthers(path, mode);
   return wanted == mode || chmod(path, wanted & 07777) == 0 ? 0 : errno;
 }
 

@@ -1,6 +1,7 @@
 #define _FILE_OFFSET_BITS 64
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -37,7 +38,7 @@ struct OpenFile {
   Descriptor descriptor;
   FileAccess access = FileAccess::kRead;
   int64_t position = 0;
-  int64_t size = kSizeUnknown;  // known only of a file open for reading
+  int64_t size = kSizeUnknown;  // known of a file open for reading
   char* ahead = nullptr;        // the first bytes of the file
   int64_t aheadSize = 0;
 };
@@ -110,6 +111,17 @@ int32_t TakeAhead(OpenFile& file, char* buffer, int32_t count) {
   return static_cast<int32_t>(moved);
 }
 
+// The system lets the superuser write what is marked read-only; deleting honours the mark, and so
+// does this. A lock file holds nothing that could be written over.
+SystemError HonourMark(const OpenFile& file, const char* path) {
+  static const bool isSuperuser = geteuid() == 0;
+  struct stat facts;
+  const bool isMarked = isSuperuser && !IsLockFile(path) &&
+                        fstat(file.descriptor.Get(), &facts) == 0 && S_ISREG(facts.st_mode) &&
+                        (facts.st_mode & S_IWUSR) == 0;
+  return isMarked ? SystemError::kAccessDenied : SystemError::kNone;
+}
+
 }  // namespace
 
 FileHandle SPosixFileServices::Open(const char* path, FileAccess access, SystemError& error) {
@@ -127,8 +139,8 @@ FileHandle SPosixFileServices::Open(const char* path, FileAccess access, SystemE
   if (error == SystemError::kNone) {
     error = LockFor(file->descriptor.Get(), access);
   }
-  if (error == SystemError::kNone && access == FileAccess::kRead) {
-    error = ReadAhead(*file);
+  if (error == SystemError::kNone) {
+    error = access == FileAccess::kRead ? ReadAhead(*file) : HonourMark(*file, path);
   }
   return error == SystemError::kNone ? file.release() : nullptr;
 }

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 
@@ -112,9 +113,10 @@ SystemError LocateTarget(PosixPath& target, const PosixPath& source, const struc
   return SystemError::kNone;
 }
 
-int HoldForMove(const PosixPath& source, const struct stat& facts, Descriptor& hold) {
+int HoldForMove(const PosixPath& source, const struct stat& facts, Descriptor& hold,
+                FolderHold& folderHold) {
   if (S_ISDIR(facts.st_mode)) {
-    return HoldsOpenFile(source.Text()) ? EAGAIN : 0;
+    return folderHold.Take(source.Text());
   }
   return S_ISREG(facts.st_mode) ? HoldToMove(source.Text(), hold) : 0;
 }
@@ -151,6 +153,7 @@ bool SPosixFileServices::Move(const char* from, const char* to, SystemError& err
   PosixPath target(to);
   struct stat facts;
   bool respelled = false;
+  blockingFile.clear();
   error = Locate(source, facts);
   if (error == SystemError::kNone) {
     error = LocateTarget(target, source, facts, respelled);
@@ -159,7 +162,10 @@ bool SPosixFileServices::Move(const char* from, const char* to, SystemError& err
     return false;
   }
   Descriptor hold;
-  int failure = HoldForMove(source, facts, hold);
+  FolderHold folderHold;
+  int failure = HoldForMove(source, facts, hold, folderHold);
+  blockingFile = folderHold.GetBlocker();
+  std::replace(blockingFile.begin(), blockingFile.end(), '/', '\\');
   if (failure == 0 && respelled) {
     failure = rename(source.Text(), target.Text()) == 0 ? 0 : errno;
   } else if (failure == 0) {

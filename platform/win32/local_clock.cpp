@@ -11,6 +11,8 @@ class LocalClock final : public IClock {
  public:
   uint32_t Ticks() override { return GetTickCount(); }
 
+  void Pause() override { Sleep(1); }
+
   LocalTime Now() override {
     SYSTEMTIME now;
     GetLocalTime(&now);

@@ -27,6 +27,19 @@ DiskSpaceCall FindDiskSpaceCall() {
   return reinterpret_cast<DiskSpaceCall>(reinterpret_cast<void*>(call));
 }
 
+// Many kinds of file bear the mark of a reparse point, kept in a cloud or deduplicated: only these
+// two lead elsewhere.
+bool IsLink(const char* path) {
+  WIN32_FIND_DATAA found;
+  const HANDLE search = FindFirstFileA(path, &found);
+  if (search == INVALID_HANDLE_VALUE) {
+    return true;
+  }
+  FindClose(search);
+  return found.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
+         found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT;
+}
+
 }  // namespace
 
 bool SWindowsFileServices::Attributes(const char* path, FileAttributes& attributes,
@@ -38,7 +51,7 @@ bool SWindowsFileServices::Attributes(const char* path, FileAttributes& attribut
   attributes.folder = (bits & FILE_ATTRIBUTE_DIRECTORY) != 0;
   attributes.hidden = (bits & FILE_ATTRIBUTE_HIDDEN) != 0;
   attributes.readOnly = (bits & FILE_ATTRIBUTE_READONLY) != 0;
-  attributes.link = (bits & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  attributes.link = (bits & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && IsLink(path);
   return true;
 }
 

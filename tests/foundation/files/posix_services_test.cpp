@@ -17,6 +17,7 @@
 #include "foundation/files/file_finder.h"
 #include "platform/platform.h"
 #include "platform/posix/dos_attribute.h"
+#include "platform/posix/file_locks.h"
 #include "platform/posix/wildcard.h"
 #include "tests/support/temp_folder.h"
 
@@ -163,6 +164,42 @@ TEST_F(PosixServicesTest, WithoutPermissionAccessIsDenied) {
            Move("folder/Readable", "folder/other") == SystemError::kAccessDenied;
   }));
   EXPECT_TRUE(temp.Exists("folder/Readable"));
+}
+
+TEST_F(PosixServicesTest, AReadOnlyMarkHoldsForEverybodyAndGivesBackWhatItTook) {
+  temp.WriteFile("folder/list", "x");
+  const std::string path = temp.Path("folder/list");
+  const auto modeOf = [&] {
+    struct stat facts;
+    return stat(path.c_str(), &facts) == 0 ? facts.st_mode & 0777 : 0;
+  };
+  for (const auto& [folderMode, mode] : {std::pair(0775, 0664), {0755, 0644}, {0777, 0640}}) {
+    chmod(temp.Path("folder").c_str(), static_cast<mode_t>(folderMode));
+    chmod(path.c_str(), static_cast<mode_t>(mode));
+    SFileSpec spec = Spec("folder/list");
+    EXPECT_TRUE(spec.SetReadOnly());
+    EXPECT_FALSE(SFile().Open(SFile::kWrite, spec));
+    EXPECT_EQ(SFileSpec::LastFailure().error, SystemError::kAccessDenied);
+    EXPECT_TRUE(spec.ClearReadOnly());
+    EXPECT_EQ(modeOf(), static_cast<mode_t>(folderMode == 0777 ? 0660 : mode));
+    EXPECT_TRUE(SFile().Open(SFile::kWrite, spec));
+  }
+}
+
+// A login that comes between the look and the rename finds its lock file taken.
+TEST_F(PosixServicesTest, AHoldKeepsOthersOutOfAFolder) {
+  temp.WriteFile("folder/deep/index.lok", "");
+  temp.WriteFile("folder/deep/game.zep", "");
+  SFile login, game;
+  {
+    FolderHold hold;
+    EXPECT_EQ(hold.Take(temp.Path("folder").c_str()), 0);
+    EXPECT_FALSE(login.Open(SFile::kWrite, Spec("folder/deep/index.lok")));
+    FolderHold second;
+    EXPECT_EQ(second.Take(temp.Path("folder").c_str()), EAGAIN);
+    EXPECT_EQ(second.GetBlocker(), temp.Path("folder/deep/index.lok"));
+  }
+  EXPECT_TRUE(login.Open(SFile::kWrite, Spec("folder/deep/index.lok")));
 }
 
 TEST_F(PosixServicesTest, NamesThatNoPathCanHaveAreSkippedAndTwoDotsAtAnEndAreNoStepUp) {

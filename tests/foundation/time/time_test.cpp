@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <limits>
 #include <set>
 
@@ -175,6 +176,12 @@ TEST(WaitTicks, SpinsUntilTheCountHasReachedTheEndBySignedNumbers) {
     WaitTicks(c.wait);
     EXPECT_EQ(clock.CurrentTicks(), c.end) << c.wait;
   }
+}
+
+TEST(WaitTicks, LeavesTheProcessorAlone) {
+  const std::clock_t used = std::clock();
+  WaitTicks(200);
+  EXPECT_LT(std::clock() - used, CLOCKS_PER_SEC / 20);
 }
 
 TEST(Beep, IsTheExclamation) {
