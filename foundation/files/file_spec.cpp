@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/files/path_steps.h"
 #include "platform/base/bytes.h"
 #include "platform/platform.h"
 
@@ -55,21 +56,6 @@ bool IsPlainName(std::string_view name) {
          name.find('/') == kNone;
 }
 
-// Cuts out each "folder\..\" and stops at one that has no folder before it. A name that only ends
-// in two dots is a name.
-void RemoveParentSteps(SString& path) {
-  constexpr std::string_view kStep = "\\..\\";
-  size_t hit = path.View().find(kStep);
-  while (hit != kNone && hit != 0) {
-    const size_t before = path.View().rfind('\\', hit - 1);
-    if (before == kNone) {
-      return;
-    }
-    path.Delete(static_cast<int>(before) + 1, static_cast<int>(hit + kStep.size() - before) - 1);
-    hit = path.View().find(kStep);
-  }
-}
-
 }  // namespace
 
 int16_t SFileSpec::GetLastError() {
@@ -96,7 +82,7 @@ bool SFileSpec::Refresh() {
 }
 
 bool SFileSpec::SetJoined(std::string_view folder, std::string_view rest) {
-  size_t length = folder.size() + rest.size();
+  const size_t length = folder.size() + rest.size();
   if (length == 0) {
     Reset();
     return false;
@@ -109,10 +95,7 @@ bool SFileSpec::SetJoined(std::string_view folder, std::string_view rest) {
     return NoteFileFailure(SString(), SystemError::kInvalidName);
   }
   AddForeignPart(AddPart(text, folder), rest);
-  if (length > 1 && text[length - 1] == '\\') {
-    --length;
-  }
-  asked.ReleaseBuffer(static_cast<int>(length));
+  asked.ReleaseBuffer(static_cast<int>(NormalizePath(text, length)));
   return TakeAttributes(asked);
 }
 
@@ -133,7 +116,6 @@ bool SFileSpec::TakeAttributes(SString& asked) {
   if (isFolder && asked.View().back() != '\\') {
     asked.Append('\\');
   }
-  RemoveParentSteps(asked);
   path = std::move(asked);
   SplitFileName();
   return exists;

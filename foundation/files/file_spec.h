@@ -5,8 +5,9 @@
 // folder's path ends in a backslash, a file's never; fileName is the last component, without a
 // backslash.
 //
-// A path may come in with slashes and is held with backslashes. One whose folder is missing cannot
-// be held: it leaves the spec invalid.
+// A path may come in with slashes, doubled separators, "." and ".."; it is held with backslashes
+// and without the others (path_steps.h), and looked at as it is held: the flags always speak of the
+// held path. One whose folder is missing cannot be held: it leaves the spec invalid.
 #pragma once
 
 #include <cstdint>
@@ -91,11 +92,15 @@ class SFileSpec {
   // without, the first such entry ends it. A missing file is a success.
   bool Delete(bool recursive);
   bool Rename(const SString& newName);
+  // To `place`, which must be free, in one stroke: at every moment it is at the one or the other.
+  // Where another file system lies between them it fails with kNotSameDevice.
+  bool RenameTo(const SFileSpec& place);
   // Into the folder `target` under its own name; falls back on MoveTree. A spec of nothing takes
   // the target's place.
   bool MoveTo(const SFileSpec& target);
   // To `target`, the place itself, which must be free: a folder by copying and deleting, as far as
-  // the makers make anything; a file by renaming.
+  // the makers make anything; a file by renaming. A source that could not be removed once all of it
+  // was copied does not show in the answer: the spec then stays on it, and it exists.
   bool MoveTree(const SFileSpec& target);
 
   // A name of eight digits, with the extension, that is free in this folder. The counter is the

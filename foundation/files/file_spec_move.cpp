@@ -138,6 +138,26 @@ bool SFileSpec::RenameOnDisk(const SString& newName) const {
   return Files().Move(bare.GetText(), target.GetPathText(), error) || NoteFileFailure(bare, error);
 }
 
+bool SFileSpec::RenameTo(const SFileSpec& place) {
+  if (!valid || !exists || !place.valid) {
+    return NoteFileFailure(path, SystemError::kPathNotFound);
+  }
+  if (place.exists) {
+    return NoteFileFailure(place.path, SystemError::kAlreadyExists);
+  }
+  if (isFolder) {
+    LeaveCurrentFolder();
+  }
+  const SString bare = WithoutBackslash();
+  const SString target = place.path;
+  SystemError error;
+  if (!Files().Move(bare.GetText(), target.GetText(), error)) {
+    const SString blocker(Files().BlockingFile());
+    return NoteFileFailure(blocker.IsEmpty() ? bare : blocker, error);
+  }
+  return Set(target);
+}
+
 // What stopped the copying tells more only if it is the same refusal further in, or if moving was
 // not possible anyway.
 bool SFileSpec::NoteRefusedMove(const SString& bare, SystemError error) {

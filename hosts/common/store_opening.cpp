@@ -25,7 +25,7 @@ std::string DataPathOf(const std::string& root, bool mayBeMissing) {
   if (fs::exists(status) && !fs::is_directory(status)) {
     throw HostError(kNoStore, root + ": is no folder; give the data root of the store");
   }
-  return ToLibraryPath((fs::absolute(root) / "").string());
+  return ToLibraryPath((fs::path(root) / "").string());
 }
 
 HostError NoClassesIn(const std::string& root) {
@@ -100,8 +100,14 @@ const char* NameOf(SiteKind kind) {
   return "teachers";
 }
 
-OpenStore::OpenStore(const std::string& root, std::optional<SiteKind> given, bool isToBeLaidOut)
-    : call(ParamsFor(DataPathOf(root, isToBeLaidOut))) {
+std::string HeldRoot(const std::string& root) {
+  const fs::path whole = fs::absolute(root).lexically_normal();
+  return (whole.has_filename() ? whole : whole.parent_path()).string();
+}
+
+OpenStore::OpenStore(const std::string& givenRoot, std::optional<SiteKind> given,
+                     bool isToBeLaidOut)
+    : root(HeldRoot(givenRoot)), call(ParamsFor(DataPathOf(root, isToBeLaidOut))) {
   if (call.GetApp() == nullptr) {
     throw std::bad_alloc();
   }

@@ -13,16 +13,22 @@ enum class SiteKind { kLocal, kShared, kTeachers };
 
 const char* NameOf(SiteKind kind);
 
+// The root as the store will hold it: absolute, and without the steps that lead nowhere or back. By
+// the letters alone, so that what is looked at, told and opened is one place.
+std::string HeldRoot(const std::string& root);
+
 // The store and the application object of one run of a program; one at a time. The file services
 // that are in place when it opens stay in place while it is open.
 class OpenStore {
  public:
-  // `root` is the data root or its classes folder. Without a kind the tree tells. Throws HostError
-  // if there is no store, unless it is still to be laid out: such a store is one with teachers.
-  OpenStore(const std::string& root, std::optional<SiteKind> kind, bool isToBeLaidOut = false);
+  // `givenRoot` is the data root or its classes folder. Without a kind the tree tells. Throws
+  // HostError if there is no store, unless it is still to be laid out: such a store is one with
+  // teachers.
+  OpenStore(const std::string& givenRoot, std::optional<SiteKind> kind, bool isToBeLaidOut = false);
   OpenStore(const OpenStore&) = delete;
   OpenStore& operator=(const OpenStore&) = delete;
 
+  const std::string& Root() const { return root; }  // as held
   SiteKind Kind() const { return kind; }
   bool HasTeachers() const { return kind == SiteKind::kTeachers; }
   kivstore::SSite& Site() const { return call.GetSite(); }
@@ -33,6 +39,7 @@ class OpenStore {
  private:
   void SetKind(SiteKind newKind);
 
+  std::string root;
   kivstore::SGeneralCall call;
   SiteKind kind = SiteKind::kTeachers;
 };

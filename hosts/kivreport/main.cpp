@@ -63,11 +63,11 @@ int Run(const CommandLine& line) {
   const Request request{Selector(line.teacher), Selector(line.group), !line.roster, line.quiet};
   const kivhost::OpenStore store(line.root, KindOf(line.mode));
   if (!store.HasTeachers() && !line.teacher.empty()) {
-    throw HostError(kWrongUsage, "--teacher: " + line.root + " is a store without teachers");
+    throw HostError(kWrongUsage, "--teacher: " + store.Root() + " is a store without teachers");
   }
   const Report report = ReadReport(store, request, *charset);
   if (report.CountClasses() == 0 && ListUnread(report).empty()) {
-    throw HostError(kRefused, line.root + ": the store has nothing of what was asked for");
+    throw HostError(kRefused, store.Root() + ": the store has nothing of what was asked for");
   }
   WriteOut(line, report);
   RequireAll(report);

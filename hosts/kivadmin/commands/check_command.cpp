@@ -49,7 +49,7 @@ void Check(const CommonOptions& common, const CheckArguments& arguments) {
       findings.begin(), findings.end(), [](const Finding& f) { return !f.repaired; }));
   (arguments.json ? WriteJson : WriteText)(findings, left);
   if (left > 0) {
-    throw HostError(kRefused, common.root + ": the store is not in order");
+    throw HostError(kRefused, kivhost::HeldRoot(common.root) + ": the store is not in order");
   }
 }
 

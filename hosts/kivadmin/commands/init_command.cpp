@@ -11,9 +11,10 @@ namespace {
 struct NoArguments {};
 
 void Init(const CommonOptions& common, const NoArguments&) {
+  const std::string root = kivhost::HeldRoot(common.root);
   std::error_code error;
-  if (!common.dryRun && !std::filesystem::create_directories(common.root, error) && error) {
-    throw HostError(kNoStore, common.root + ": " + error.message());
+  if (!common.dryRun && !std::filesystem::create_directories(root, error) && error) {
+    throw HostError(kNoStore, root + ": " + error.message());
   }
   const Session session(common, Session::Access::kLayOut);
   const bool wasThere = session.TopFolder().IsExistingFolder();
@@ -21,7 +22,7 @@ void Init(const CommonOptions& common, const NoArguments&) {
     LayoutMaker(session).CompleteStore();
   }
   session.Say((wasThere ? "completed the store of kind " : "laid out a store of kind ") +
-              std::string(NameOf(session.Kind())) + " at " + common.root);
+              std::string(NameOf(session.Kind())) + " at " + root);
 }
 
 }  // namespace

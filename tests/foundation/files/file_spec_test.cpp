@@ -6,14 +6,18 @@
 #include <string>
 
 #include "foundation/files/file.h"
+#include "foundation/files/path_steps.h"
 #include "platform/platform.h"
+#include "tests/support/draw.h"
 #include "tests/support/fault_file_services.h"
 #include "tests/support/temp_folder.h"
 
 namespace kivstore {
 namespace {
 
+using kivtest::Draw;
 using kivtest::FaultFileServices;
+using kivtest::ForSeeds;
 
 // A tree of folder\sub\, folder\file.txt and folder\sub\deep.txt.
 class FileSpecTest : public testing::Test {
@@ -56,6 +60,9 @@ TEST_F(FileSpecTest, SetTellsWhatStandsThere) {
                {"/missing/x", "invalid  | ", 2},
                {"/folder/file.txt/x", "invalid  | ", 2},
                {"/folder/sub/../sub/../", "valid there folder %\\folder\\ | folder", 0},
+               {"//folder//./sub/../file.txt", "valid there %\\folder\\file.txt | file.txt", 0},
+               {"/folder/missing//", "valid %\\folder\\missing | missing", 2},
+               {"/folder/missing/../sub", "valid there folder %\\folder\\sub\\ | sub", 0},
                {"/folder/sub/../../folder/sub/deep.txt",
                 "valid there %\\folder\\sub\\deep.txt | deep.txt", 0},
                {"/folder/sub/..", "valid there folder %\\folder\\ | folder", 0}};
@@ -68,6 +75,45 @@ TEST_F(FileSpecTest, SetTellsWhatStandsThere) {
     EXPECT_EQ(Describe(spec), expected) << c.asked;
     EXPECT_EQ(SFileSpec::GetLastError(), c.lastError) << c.asked;
   }
+}
+
+TEST(NormalizePath, TakesOutWhatMeansNothingAndStaysOnItsRoot) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"a", "a"},
+      {"a\\", "a"},
+      {"a\\..\\b\\", "a\\..\\b"},
+      {".\\a\\.\\b", ".\\a\\b"},
+      {"..\\a\\..\\..\\b", "..\\..\\b"},
+      {"\\", "\\"},
+      {"\\\\", "\\"},
+      {"\\..\\a", "\\..\\a"},
+      {"\\a\\..", "\\"},
+      {"C:\\a\\..\\..\\b", "C:\\..\\b"},
+      {"\\\\server\\share\\..\\a", "\\\\server\\share\\..\\a"},
+      {"\\\\\\server\\\\share\\a\\..\\b", "\\\\server\\share\\b"},
+      {"\\a\\...\\..b\\c..\\", "\\a\\...\\..b\\c.."}};
+  for (const auto& [asked, held] : cases) {
+    std::string path = asked;
+    path.resize(NormalizePath(path.data(), path.size()));
+    EXPECT_EQ(path, held);
+  }
+}
+
+// The flags speak of the held path.
+TEST_F(FileSpecTest, AnyTextIsLookedAtAsItIsHeld) {
+  ForSeeds(300, [&](Draw& draw) {
+    std::string asked = draw.OneIn(9) ? "" : "/";
+    for (int steps = draw.Below(8); steps > 0; --steps) {
+      static const char* const kSteps[] = {"folder", "sub", "file.txt", "..", "..", ".", "", "no"};
+      asked += std::string(kSteps[draw.Below(8)]) + (draw.OneIn(2) ? "/" : "\\");
+    }
+    SFileSpec spec = Spec(asked);
+    const std::string set = Describe(spec);
+    if (spec.IsValid()) {
+      spec.Refresh();
+      EXPECT_EQ(Describe(spec), set) << asked;
+    }
+  });
 }
 
 TEST_F(FileSpecTest, SetKeepsTheSystemsErrorAndAsksForTheFolderIfItIsNoAnswer) {
