@@ -1,4 +1,5 @@
 // The operations of a record for whole files of the binary form.
+#include "archive/composed_file.h"
 #include "archive/dob.h"
 #include "archive/dob_binary_archive.h"
 #include "archive/dob_merging.h"
@@ -30,8 +31,10 @@ bool SDob::SaveToFile(SFileSpec& spec) {
       !spec.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0)) {
     return false;
   }
-  SDobBinaryArchive archive(SDobBinaryArchive::kWrite, spec);
-  return WriteToArchive(archive);
+  SFile file;
+  SComposedFile contents;
+  return file.Open(SFile::kWrite, spec) && SaveToStream(contents.Stream()) &&
+         contents.WriteTo(file);
 }
 
 bool SDob::LoadFromFile(const SFileSpec& spec) {

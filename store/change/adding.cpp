@@ -13,6 +13,8 @@
 namespace kivstore {
 namespace {
 
+constexpr const char* kReadyEnding = ".new";
+
 // What differs between the levels; the numbers are those of the string table.
 struct AddLevel {
   ListKind list;
@@ -61,22 +63,42 @@ bool FailOnFolder(SSite& site, const AddLevel& level, const SString& display,
   return false;
 }
 
+// Where a folder is made ready: beside the list, where no listing looks. What a death has left
+// there belongs to nobody.
+SFileSpec PlaceToMake(const SFileSpec& list, const SString& folder) {
+  SFileSpec place(list);
+  place.Up();
+  place.Down(folder + kReadyEnding);
+  if (place.IsExistingFolder()) {
+    place.Delete(true);
+  }
+  return place;
+}
+
 void MakeStudentsFolder(SFileSpec spec) {
   if (spec.Down(CachedText<kTextStudents>())) {
     spec.CreateFolder(0);
   }
 }
 
-// From the list folder; the spec moves only where the level says so.
-bool MakeEntryFolder(SFileSpec& spec, const SString& folder, const SString& first,
+// From the list folder; the spec moves only where the level says so. The folder appears in the list
+// whole, with its name in it.
+bool MakeEntryFolder(SSite& site, SFileSpec& spec, const SString& folder, const SString& first,
                      const SString& last, const AddLevel& level) {
-  SFileSpec made(spec);
-  if (!made.Down(folder) || !made.CreateFolder(0)) {
+  SFileSpec place(spec);
+  SFileSpec made = PlaceToMake(spec, folder);
+  if (!place.Down(folder) || !made.CreateFolder(0)) {
     return false;
   }
-  WriteLongName(made, first, last);
+  if (!WriteLongName(made, first, last)) {
+    site.NoteShortfall(level.list);
+  }
   if (level.listsStudents) {
     MakeStudentsFolder(made);
+  }
+  if (!made.RenameTo(place)) {
+    made.Delete(true);
+    return false;
   }
   if (level.endsInFolder) {
     spec = made;
@@ -91,13 +113,18 @@ bool AddEntryAt(SSite& site, SFileSpec& spec, const SString& first, const SStrin
   if (!IsFolderThere(site, spec) || !LockIndex(lock, spec, level.list, false)) {
     return FailPlainly(site, level, display, spec);
   }
+  SLoginNameObj entry(first, last, SString());
+  if (IsListedThere(spec, entry)) {
+    folderOut = entry.folderName;
+    return true;
+  }
   bool isThere = false;
   const SString folder = DeriveFolderName(spec, first, last, isThere);
   if (!isThere) {
-    if (!EnsureEntry(spec, folder, first, last, level.limit)) {
+    if (!EnsureEntry(site, spec, folder, first, last, level.limit, level.list)) {
       return FailOnFullList(site, level, display, spec);
     }
-    if (!MakeEntryFolder(spec, folder, first, last, level)) {
+    if (!MakeEntryFolder(site, spec, folder, first, last, level)) {
       return FailOnFolder(site, level, display, spec);
     }
   }

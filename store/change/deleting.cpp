@@ -2,6 +2,7 @@
 
 #include "store/change/default_entries.h"
 #include "store/change/transaction.h"
+#include "store/list/index_lookup.h"
 #include "store/list/listing.h"
 #include "store/place/display_name.h"
 #include "store/place/placing.h"
@@ -41,14 +42,14 @@ bool RemoveFolder(SFileSpec& spec, SLockFile& lock) {
 
 // Takes the deleted entry out of the list, and out of its index too where nobody else will.
 void Forget(SSite& site, const SFileSpec& listFolder, SLoginList& list, const SLoginNameObj& entry,
-            bool writeIndex) {
+            bool writeIndex, ListKind kind) {
   const SString folder(entry.folderName);
   if (const int32_t index = FindLogin(list, entry); index >= 0) {
     list.RemoveAt(index);
   }
   site.ForgetCountedClasses();
   if (writeIndex) {
-    WriteLogins(listFolder, list, folder);
+    WriteLogins(site, listFolder, list, folder, kind);
   }
 }
 
@@ -120,7 +121,7 @@ bool DeleteTeacher(SSite& site, const SLoginNameObj& teacher, SLoginList& list) 
     return FailOnMissing(site, ListKind::kTeachers, spec);
   }
   const SFileSpec listFolder(spec);
-  if (!DownToEntry(spec, teacher) || !spec.IsExistingFolder()) {
+  if (!IsEntryOf(listFolder, teacher) || !DownToEntry(spec, teacher) || !spec.IsExistingFolder()) {
     return FailOnEntry(site, ListKind::kTeachers, spec);
   }
   if (!DownToClasses(spec)) {
@@ -129,7 +130,7 @@ bool DeleteTeacher(SSite& site, const SLoginNameObj& teacher, SLoginList& list) 
   if (!RemoveTeacherFolder(site, spec, teacher)) {
     return FailOnFolder(site, ListKind::kTeachers, kTextTeacher, teacher, spec);
   }
-  Forget(site, listFolder, list, teacher, true);
+  Forget(site, listFolder, list, teacher, true, ListKind::kTeachers);
   return true;
 }
 
@@ -146,7 +147,8 @@ bool DeleteClass(SSite& site, const SLoginNameObj& classEntry, SLoginList& list,
     return FailOnMissing(site, ListKind::kClasses, spec);
   }
   const SFileSpec listFolder(spec);
-  if (!DownToEntry(spec, classEntry) || !spec.IsExistingFolder()) {
+  if ((standAlone && !IsEntryOf(listFolder, classEntry)) || !DownToEntry(spec, classEntry) ||
+      !spec.IsExistingFolder()) {
     return FailOnEntry(site, ListKind::kClasses, spec);
   }
   if (!spec.Down(CachedText<kTextStudents>()) || !spec.IsExistingFolder()) {
@@ -164,7 +166,7 @@ bool DeleteClass(SSite& site, const SLoginNameObj& classEntry, SLoginList& list,
     stop |= !standAlone;
     return FailOnFolder(site, ListKind::kClasses, kTextClass, classEntry, spec);
   }
-  Forget(site, listFolder, list, classEntry, standAlone);
+  Forget(site, listFolder, list, classEntry, standAlone, ListKind::kClasses);
   return true;
 }
 
@@ -183,7 +185,7 @@ bool DeleteStudent(SSite& site, const SLoginNameObj& classEntry, const SLoginNam
     return FailOnMissing(site, ListKind::kStudents, spec);
   }
   const SFileSpec listFolder(spec);
-  if (!DownToEntry(spec, student)) {
+  if ((standAlone && !IsEntryOf(listFolder, student)) || !DownToEntry(spec, student)) {
     return FailOnEntry(site, ListKind::kStudents, spec);
   }
   if (!spec.IsExistingFolder()) {
@@ -197,7 +199,7 @@ bool DeleteStudent(SSite& site, const SLoginNameObj& classEntry, const SLoginNam
     stop |= !standAlone;
     return FailOnFolder(site, ListKind::kStudents, kTextStudent, student, spec);
   }
-  Forget(site, listFolder, list, student, standAlone);
+  Forget(site, listFolder, list, student, standAlone, ListKind::kStudents);
   return true;
 }
 

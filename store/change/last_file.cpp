@@ -1,6 +1,7 @@
 #include "store/change/last_file.h"
 
 #include "archive/binary_stream.h"
+#include "archive/composed_file.h"
 #include "archive/stream_file.h"
 #include "foundation/containers/string_array.h"
 #include "platform/base/bytes.h"
@@ -67,15 +68,16 @@ void WriteNames(SFileSpec& spec, const SStringArray& names) {
   if (!spec.Exists()) {
     spec.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0);
   }
-  SStreamSrcFile target(spec);
-  SBinaryStream stream(SBinaryStream::kWrite, &target, false);
-  if (stream.HasError()) {
+  SFile target;
+  if (!target.Open(SFile::kWrite, spec)) {
     return;
   }
-  stream.WriteLong(names.GetSize());
+  SComposedFile contents;
+  contents.Stream().WriteLong(names.GetSize());
   for (int32_t i = 0; i < names.GetSize(); ++i) {
-    stream.WriteText(names[i]);
+    contents.Stream().WriteText(names[i]);
   }
+  contents.WriteTo(target);
 }
 
 }  // namespace

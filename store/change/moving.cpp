@@ -11,6 +11,8 @@
 namespace kivstore {
 namespace {
 
+constexpr const char* kCopyEnding = ".copy";
+
 // One end of a move: a class list, or with a class its student list.
 struct MoveEnd {
   const SLoginNameObj* teacher;  // null: the selected one
@@ -37,7 +39,8 @@ class EntryMove {
   bool TakeLocks();
   bool HasRoom() const;
   bool MoveFolder();
-  bool CopyUnderNewName();
+  SString FinalName();
+  bool CopyTo(SFileSpec& place, const SString& name);
   bool LockMovedFolder();
 
   bool Fail(FailureKind kind, const SFileSpec& spec) const;
@@ -76,10 +79,10 @@ Outcome EntryMove::Run(const SString& first, const SString& last) {
   if (!LockMovedFolder()) {
     return Outcome::kMoved;
   }
-  EnsureEntry(destinationFolder, entry.folderName, first, last, kNoLimit);
+  EnsureEntry(site, destinationFolder, entry.folderName, first, last, kNoLimit, EntryListKind());
   list.RemoveAt(index);
   site.ForgetCountedClasses();
-  WriteLogins(sourceFolder, list, oldFolder);
+  WriteLogins(site, sourceFolder, list, oldFolder, EntryListKind());
   return Outcome::kDone;
 }
 
@@ -129,8 +132,14 @@ bool EntryMove::AreStudentsFree() const {
   return true;
 }
 
+// The two lists in the order of their paths: of two opposite moves one goes through. Behind the
+// locks the folder must still be the entry's.
 bool EntryMove::TakeLocks() {
-  return sourceLock.Lock() && destinationLock.Lock() && entryLock.Lock();
+  const bool sourceFirst = sourceFolder.GetPath() < destinationFolder.GetPath();
+  SLockFile& first = sourceFirst ? sourceLock : destinationLock;
+  SLockFile& second = sourceFirst ? destinationLock : sourceLock;
+  return first.Lock() && second.Lock() && entryLock.Lock() &&
+         (IsEntryOf(sourceFolder, entry) || Fail(FailureKind::kMissing, entryFolder));
 }
 
 bool EntryMove::HasRoom() const {
@@ -138,26 +147,56 @@ bool EntryMove::HasRoom() const {
   return ReadIndexCount(destinationFolder) < limit || Fail(FailureKind::kFull, destinationFolder);
 }
 
-bool EntryMove::MoveFolder() {
-  entryLock.Unlock();  // its file lies in the folder that is to go
+// The folder gets another name where the destination has one of its own already; none if that is of
+// somebody of the same name.
+SString EntryMove::FinalName() {
   SFileSpec namesake(destinationFolder);
-  DownToEntry(namesake, entry);
-  if (namesake.Exists() ? CopyUnderNewName() : entryFolder.MoveTo(destinationFolder)) {
-    return true;
+  if (!DownToEntry(namesake, entry) || !namesake.Exists()) {
+    return entry.folderName;
   }
-  site.NoteFileFailure(EntryListKind());
-  return false;
+  bool isThere = false;
+  const SString derived =
+      DeriveFolderName(destinationFolder, entry.firstName, entry.lastName, isThere);
+  return isThere ? SString() : derived;
 }
 
-bool EntryMove::CopyUnderNewName() {
-  bool isThere = false;
-  const SString folder =
-      DeriveFolderName(destinationFolder, entry.firstName, entry.lastName, isThere);
-  if (!entryFolder.CopyTo(destinationFolder, folder)) {
+// A line that a death has left in the destination must not become this folder's.
+bool EntryMove::MoveFolder() {
+  const SString name = FinalName();
+  if (name.IsEmpty()) {
+    return Fail(FailureKind::kNameTaken, destinationFolder);
+  }
+  SFileSpec place(destinationFolder);
+  place.Down(name);
+  RemoveLine(site, destinationFolder, name, EntryListKind());
+  entryLock.Unlock();  // its file lies in the folder that is to go
+  const bool moved =
+      entryFolder.RenameTo(place) ||
+      (SFileSpec::LastFailure().error == SystemError::kNotSameDevice && CopyTo(place, name));
+  if (moved) {
+    entry.folderName = name;
+  } else {
+    site.NoteFileFailure(EntryListKind());
+  }
+  return moved;
+}
+
+// Across file systems: the copy is made beside the destination, where no listing looks, and appears
+// whole; then the source goes.
+bool EntryMove::CopyTo(SFileSpec& place, const SString& name) {
+  const SString copyName = name + kCopyEnding;
+  SFileSpec beside(destinationFolder);
+  beside.Up();
+  SFileSpec copy(beside);
+  if (!copy.Down(copyName) || !copy.Delete(true) || !entryFolder.CopyTo(beside, copyName) ||
+      !copy.Refresh() || !copy.RenameTo(place)) {
+    copy.Delete(true);
     return false;
   }
-  entry.folderName = folder;
-  return entryFolder.Delete(true);
+  if (!entryFolder.Delete(true)) {
+    site.NoteShortfall(EntryListKind());
+  }
+  return true;
 }
 
 bool EntryMove::LockMovedFolder() {

@@ -3,6 +3,7 @@
 #include "platform/base/bytes.h"
 #include "store/change/default_entries.h"
 #include "store/change/transaction.h"
+#include "store/list/index_lookup.h"
 #include "store/list/long_name.h"
 #include "store/place/display_name.h"
 #include "store/place/failure_report.h"
@@ -76,7 +77,7 @@ bool RenameEntry(SSite& site, SFileSpec& spec, const SLoginNameObj& entry, SLogi
   }
   SFileSpec inside(spec);
   SLockFile entryLock(site);
-  if (!DownToEntry(inside, entry) || !inside.IsExistingFolder()) {
+  if (!IsEntryOf(spec, entry) || !DownToEntry(inside, entry) || !inside.IsExistingFolder()) {
     return FailOnEntry(site, level, inside);
   }
   if (!level.goInside(site, inside, entry) ||
@@ -86,11 +87,13 @@ bool RenameEntry(SSite& site, SFileSpec& spec, const SLoginNameObj& entry, SLogi
   if (!level.staysInFolder) {
     inside.Up();
   }
-  WriteLongName(inside, first, last);
+  if (!WriteLongName(inside, first, last)) {
+    site.NoteShortfall(level.listLock);
+  }
   SLoginNameObj& renamed = list[index];
   renamed.firstName = first;
   renamed.lastName = last;
-  WriteLogins(spec, list, renamed.folderName);
+  WriteLogins(site, spec, list, renamed.folderName, level.listLock);
   return true;
 }
 

@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "store/list/index_lookup.h"
+
 namespace kivstore {
 namespace {
 
@@ -54,15 +56,17 @@ bool IsKnownMissing(const SFileSpec& spec) {
   return !spec.Exists() && SFileSpec::GetLastError() == kNotFound;
 }
 
-bool WriteLogins(const SFileSpec& folder, const SLoginList& list, const SString& changed) {
+void WriteLogins(SSite& site, const SFileSpec& folder, const SLoginList& list,
+                 const SString& changed, ListKind kind) {
   SIndexObj index;
   ReadWholeIndex(folder, index);
   SLoginList merged;
   if (!TakeOthersChanges(merged, list, *index.logins, changed)) {
-    return false;
+    site.NoteShortfall(kind);
+    return;
   }
   *index.logins = std::move(merged);
-  return WriteIndex(folder, index);
+  WriteIndexNoted(site, folder, index, kind);
 }
 
 }  // namespace kivstore

@@ -20,7 +20,8 @@ bool IsKnownMissing(const SFileSpec& spec);
 
 // Writes the list into the folder's index; its file half stays. The list was loaded before the lock
 // was taken: of every entry but the one in the folder `changed` the index knows better, and what
-// the list does not know of stays behind it. False for an error during writing.
-bool WriteLogins(const SFileSpec& folder, const SLoginList& list, const SString& changed);
+// the list does not know of stays behind it. What could not be written is noted with the site.
+void WriteLogins(SSite& site, const SFileSpec& folder, const SLoginList& list,
+                 const SString& changed, ListKind kind);
 
 }  // namespace kivstore

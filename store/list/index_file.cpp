@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "archive/binary_stream.h"
+#include "archive/composed_file.h"
 #include "archive/stream_file.h"
 #include "platform/base/bytes.h"
 #include "store/place/store_names.h"
@@ -37,12 +38,17 @@ void WriteEntry(SBinaryStream& stream, const SOurFileObj& file) {
   stream.WriteText(file.extension);
 }
 
+int32_t BytesLeft(SBinaryStream& stream) {
+  return stream.Source().GetLength() - stream.Source().GetPosition();
+}
+
 // Of what the file counts no more than its remaining bytes can hold, and one record that is torn.
-int32_t ReadCount(SBinaryStream& stream) {
+int32_t ReadCount(SBinaryStream& stream, SIndexObj& index) {
   int32_t count = 0;
   stream.ReadLong(count);
-  const int32_t rest = stream.Source().GetLength() - stream.Source().GetPosition();
-  return std::clamp(count, 0, std::max(rest, 0) / kLeastRecord + 1);
+  const int32_t most = std::max(BytesLeft(stream), 0) / kLeastRecord;
+  index.torn |= count < 0 || count > most;
+  return std::clamp(count, 0, most + 1);
 }
 
 void SkipRecords(SBinaryStream& stream, int32_t count) {
@@ -72,20 +78,26 @@ bool ReadEntries(SBinaryStream& stream, int32_t count, SOwningList<Entry>& list)
   return taken == count;
 }
 
+bool HasNameless(const SLoginList& logins) {
+  return std::any_of(logins.begin(), logins.end(),
+                     [](const SLoginNameObj& login) { return login.folderName.IsEmpty(); });
+}
+
 void ReadHalves(SBinaryStream& stream, SIndexObj& index) {
-  const int32_t loginCount = stream.Source().GetLength() < 1 ? 0 : ReadCount(stream);
+  const int32_t loginCount = ReadCount(stream, index);
   if (!index.logins || !index.readLogins) {
     SkipRecords(stream, loginCount);
-  } else if (!ReadEntries(stream, loginCount, *index.logins)) {
-    index.incomplete = true;
+  } else {
+    index.incomplete |= !ReadEntries(stream, loginCount, *index.logins);
+    index.torn |= HasNameless(*index.logins);
   }
+  const int32_t fileCount = ReadCount(stream, index);
   if (!index.files || !index.readFiles) {
-    return;
+    SkipRecords(stream, fileCount);
+  } else if (!stream.HasError()) {
+    index.incomplete |= !ReadEntries(stream, fileCount, *index.files);
   }
-  const int32_t fileCount = ReadCount(stream);
-  if (!stream.HasError() && !ReadEntries(stream, fileCount, *index.files)) {
-    index.incomplete = true;
-  }
+  index.torn |= stream.HasError() || BytesLeft(stream) > 0;
 }
 
 bool ReadIndexFile(const SFileSpec& spec, SIndexObj& index) {
@@ -98,7 +110,9 @@ bool ReadIndexFile(const SFileSpec& spec, SIndexObj& index) {
     index.incomplete |= source.GetOpenError() != SFile::kNotFound;
     return false;
   }
-  ReadHalves(stream, index);
+  if (source.GetLength() > 0) {
+    ReadHalves(stream, index);
+  }
   index.incomplete |= source.HasError() && source.GetPosition() < source.GetLength();
   return true;
 }
@@ -130,15 +144,14 @@ void WriteHalf(SBinaryStream& stream, const std::optional<List>& half) {
 }
 
 bool WriteIndexFile(const SFileSpec& file, const SIndexObj& index) {
-  SStreamSrcFile source(file);
-  SBinaryStream stream(SBinaryStream::kWrite, &source, false);
-  if (stream.HasError()) {
+  SFile target;
+  if (!target.Open(SFile::kWrite, file)) {
     return true;
   }
-  WriteHalf(stream, index.logins);
-  WriteHalf(stream, index.files);
-  stream.FinishWriting(false);
-  return !stream.HasError();
+  SComposedFile contents;
+  WriteHalf(contents.Stream(), index.logins);
+  WriteHalf(contents.Stream(), index.files);
+  return contents.WriteMarkedTo(target, index.torn);
 }
 
 }  // namespace

@@ -16,6 +16,9 @@
 // remaining bytes could hold (3 a record) is cut to that and the one record being torn. Of each
 // half at most 32,767 entries are kept.
 //
+// While a file is written zeros stand behind it. Bytes left over, a count that the bytes do not
+// back, an end within a record and a login without a folder tell that a writer has died on the way.
+//
 // Nothing here locks. Reading, changing and writing an index is safe only under its list's lock.
 #pragma once
 

@@ -4,6 +4,8 @@
 #include <optional>
 #include <utility>
 
+#include "store/list/long_name.h"
+#include "store/place/display_name.h"
 #include "store/place/placing.h"
 #include "store/place/store_names.h"
 
@@ -56,22 +58,78 @@ SString FindLongNameOfFile(const SFileSpec& spec, const SString& extension) {
       .value_or(SString());
 }
 
-bool EnsureEntry(const SFileSpec& spec, const SString& folderName, const SString& first,
-                 const SString& last, int16_t limit) {
+bool WriteIndexNoted(SSite& site, const SFileSpec& spec, SIndexObj& index, ListKind list) {
+  const uint32_t before = LastFileFailure().number;
+  const bool written = WriteIndex(spec, index);
+  if (LastFileFailure().number != before) {
+    site.NoteShortfall(list);
+  }
+  return written;
+}
+
+bool EnsureEntry(SSite& site, const SFileSpec& spec, const SString& folderName,
+                 const SString& first, const SString& last, int16_t limit, ListKind list) {
   SIndexObj index;
   ReadWholeIndex(spec, index);
-  if (limit >= 0 && index.logins->GetSize() >= limit) {
+  SLoginList& logins = *index.logins;
+  if (limit >= 0 && logins.GetSize() >= limit) {
     return false;
   }
   std::unique_ptr<SLoginNameObj> entry(new (std::nothrow) SLoginNameObj(first, last, folderName));
   if (entry == nullptr) {
     return false;
   }
-  if (FindLogin(*index.logins, *entry) < 0) {
-    index.logins->Add(std::move(entry));
-    WriteIndex(spec, index);
+  const int32_t others = logins.RemoveIf([&](const SLoginNameObj& other) {
+    return IsInFolder(other, folderName) && CompareDisplayNames(other, *entry) != 0;
+  });
+  const bool isThere = FindLogin(logins, *entry) >= 0;
+  if (!isThere) {
+    logins.Add(std::move(entry));
+  }
+  if (!isThere || others > 0) {
+    WriteIndexNoted(site, spec, index, list);
   }
   return true;
+}
+
+void RemoveLine(SSite& site, const SFileSpec& spec, const SString& folderName, ListKind list) {
+  SIndexObj index;
+  ReadWholeIndex(spec, index);
+  const int32_t removed = index.logins->RemoveIf(
+      [&](const SLoginNameObj& other) { return IsInFolder(other, folderName); });
+  if (removed > 0) {
+    WriteIndexNoted(site, spec, index, list);
+  }
+}
+
+bool IsEntryOf(const SFileSpec& list, const SLoginNameObj& entry) {
+  SIndexObj index;
+  ReadWholeIndex(list, index);
+  for (const SLoginNameObj& line : *index.logins) {
+    if (!index.torn && IsInFolder(line, entry.folderName)) {
+      return CompareDisplayNames(line, entry) == 0;
+    }
+  }
+  SLoginNameObj owner;
+  SFileSpec file = ListedFolder(list, entry.folderName);
+  const bool isNamed = file.DownAssumed(CachedText<kTextLongNameFile>().GetText()) &&
+                       ReadLongName(file, owner.firstName, owner.lastName) &&
+                       !owner.firstName.IsEmpty();
+  return !isNamed || CompareDisplayNames(owner, entry) == 0;
+}
+
+bool IsListedThere(const SFileSpec& list, SLoginNameObj& entry) {
+  SIndexObj index;
+  ReadWholeIndex(list, index);
+  for (const SLoginNameObj& line : *index.logins) {
+    SFileSpec folder(list);
+    if (CompareDisplayNames(line, entry) == 0 && DownToEntry(folder, line) &&
+        folder.IsExistingFolder()) {
+      entry.folderName = line.folderName;
+      return true;
+    }
+  }
+  return false;
 }
 
 bool AddEntry(const SFileSpec& spec, const SString& longName, const SString& fileName,

@@ -7,10 +7,21 @@
 
 namespace kivstore {
 
-// Adds a login to the folder's index, unless one of that name and folder is there. False if the
-// index holds `limit` entries or more, also for an entry that is there; kNoLimit for no test.
-bool EnsureEntry(const SFileSpec& spec, const SString& folderName, const SString& first,
-                 const SString& last, int16_t limit);
+// Adds a login to the folder's index, unless one of that name and folder is there, and takes out
+// any other line of that folder name: a folder never appears under somebody else's line. False if
+// the index holds `limit` entries or more, also for an entry that is there; kNoLimit for no test.
+// An index that could not be written does not show in the answer; the site notes it.
+bool EnsureEntry(SSite& site, const SFileSpec& spec, const SString& folderName,
+                 const SString& first, const SString& last, int16_t limit, ListKind list);
+// Takes every line of that folder name out of the folder's index.
+void RemoveLine(SSite& site, const SFileSpec& spec, const SString& folderName, ListKind list);
+// Whether the folder is the entry's: by its line in the list's index or, where there is none, by
+// its longname.kiv. A folder that neither names is taken to be.
+bool IsEntryOf(const SFileSpec& list, const SLoginNameObj& entry);
+// Whether the list has that display name with a folder that is there, whose name `entry` gets then.
+bool IsListedThere(const SFileSpec& list, SLoginNameObj& entry);
+// WriteIndex; what could not be written is noted with the site.
+bool WriteIndexNoted(SSite& site, const SFileSpec& spec, SIndexObj& index, ListKind list);
 
 // File entries by their long name, byte for byte, in the folder `spec` or the folder of the file
 // `spec`. An empty extension takes any.

@@ -35,6 +35,9 @@ class SIndexObj {
   // ReadIndex met a file that it could not open or not read to the end of what was asked for, so
   // that writing this index would drop what the file holds: WriteIndex leaves the file alone.
   bool incomplete = false;
+  // ReadIndex met bytes that no writer left on purpose: a writer has died between two calls. Its
+  // names are not to be trusted, and WriteIndex leaves it so until a listing has asked the folders.
+  bool torn = false;
 };
 
 }  // namespace kivstore

@@ -63,7 +63,7 @@ void LoadLoginsAt(SSite& site, SLoginList& list, const SFileSpec& folder, ListKi
     return;
   }
   SIndexObj index;
-  const bool isTrusted = ReadLogins(folder, index) && !reconcile;
+  const bool isTrusted = ReadLogins(folder, index) && !reconcile && !index.torn;
   Repair(site, folder, index, kind, !isTrusted);
   index.MoveLoginsTo(list);
 }

@@ -1,6 +1,7 @@
 #include "store/list/long_name.h"
 
 #include "archive/binary_stream.h"
+#include "archive/composed_file.h"
 #include "archive/stream_file.h"
 #include "store/place/store_names.h"
 
@@ -12,13 +13,14 @@ bool WriteLongName(const SFileSpec& folder, const SString& first, const SString&
   if (!file.Exists()) {
     file.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0);
   }
-  SStreamSrcFile source(file);
-  SBinaryStream stream(SBinaryStream::kWrite, &source, false);
-  if (stream.HasError() || !stream.WriteText(first) || !stream.WriteText(last)) {
+  SFile target;
+  if (!target.Open(SFile::kWrite, file)) {
     return false;
   }
-  stream.FinishWriting(false);
-  return !stream.HasError();
+  SComposedFile contents;
+  contents.Stream().WriteText(first);
+  contents.Stream().WriteText(last);
+  return contents.WriteMarkedTo(target);
 }
 
 bool ReadLongName(const SFileSpec& file, SString& first, SString& last) {
@@ -29,7 +31,7 @@ bool ReadLongName(const SFileSpec& file, SString& first, SString& last) {
   }
   stream.ReadText(first);
   stream.ReadText(last);
-  return true;
+  return source.GetPosition() >= source.GetLength();
 }
 
 }  // namespace kivstore

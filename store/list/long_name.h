@@ -10,8 +10,9 @@ namespace kivstore {
 
 // `folder` is the entry's. False if the file could not be written to its end.
 bool WriteLongName(const SFileSpec& folder, const SString& first, const SString& last);
-// False if the file is missing or cannot be opened; the texts are then as they were. `last` stays
-// as it was where the file ends within the first text.
+// False if the file is missing or cannot be opened, and the texts are then as they were; or if
+// bytes are left over, since its writer has died on the way: what it says is not to be trusted.
+// `last` stays as it was where the file ends within the first text.
 bool ReadLongName(const SFileSpec& file, SString& first, SString& last);
 
 }  // namespace kivstore

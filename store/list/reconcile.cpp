@@ -11,6 +11,7 @@
 #include "store/list/index_file.h"
 #include "store/list/long_name.h"
 #include "store/lock/lock_file.h"
+#include "store/place/placing.h"
 #include "store/place/store_names.h"
 
 namespace kivstore {
@@ -42,34 +43,48 @@ bool Append(SOwningList<Entry>& entries, Entry* entry) {
   return entries.GetSize() < kMostEntries && entries.Add(std::move(owned));
 }
 
-// Whom the folder says it belongs to; without its lock, or with no word of it, the texts stay.
-void AskFolder(SSite& site, const SFileSpec& folder, SString& first, SString& last) {
+// Whom the folder says it belongs to; false without its lock, or with no word of it. Where the
+// index is torn the lock is not asked for: whoever is at work there must not vanish from the list.
+bool AskFolder(SSite& site, const SFileSpec& folder, bool lockIt, SString& first, SString& last) {
   SFileSpec file(folder);
   if (!file.Down(CachedText<kTextLongNameFile>()) || !file.Exists()) {
-    return;
+    return false;
   }
   SLockFile lock(site);
-  if (LockIndex(lock, folder, ListKind::kStudents, false)) {
-    ReadLongName(file, first, last);
-  }
+  return (!lockIt || LockIndex(lock, folder, ListKind::kStudents, false)) &&
+         ReadLongName(file, first, last) && !first.IsEmpty();
 }
 
 // New entries for the folders that tell a name; whether there are any.
-bool AdoptFolders(SSite& site, const SFileSpec& list, SLoginList& logins,
-                  const SStringArray& names) {
+bool AdoptFolders(SSite& site, const SFileSpec& list, SLoginList& logins, const SStringArray& names,
+                  bool lockThem) {
   bool adopted = false;
   SString first, last;
   for (int32_t i = 0; i < names.GetSize(); ++i) {
     SFileSpec folder(list);
-    first.Empty();
-    if (folder.Down(names[i])) {
-      AskFolder(site, folder, first, last);
-    }
-    if (!first.IsEmpty()) {
+    if (folder.Down(names[i]) && AskFolder(site, folder, lockThem, first, last)) {
       adopted |= Append(logins, new (std::nothrow) SLoginNameObj(first, last, names[i]));
     }
   }
   return adopted;
+}
+
+// What a torn index says of the folders that are there counts only where a folder has no name of
+// its own, and once.
+void AskEachFolder(SSite& site, const SFileSpec& list, SLoginList& logins) {
+  SString first, last;
+  for (SLoginNameObj& login : logins) {
+    if (AskFolder(site, ListedFolder(list, login.folderName), false, first, last)) {
+      login.firstName = first;
+      login.lastName = last;
+    }
+  }
+  const SLoginNameObj* before = nullptr;
+  logins.RemoveIf([&](const SLoginNameObj& login) {
+    const bool isAgain = before != nullptr && CompareByFolder(*before, login) == 0;
+    before = isAgain ? before : &login;
+    return isAgain;
+  });
 }
 
 bool AdoptFiles(SFileList& files, const SStringArray& names) {
@@ -97,8 +112,14 @@ bool ReconcileLogins(SSite& site, const SFileSpec& spec, SIndexObj& index) {
     return false;
   }
   const bool dropped = DropMissing(logins, match);
-  const bool adopted = AdoptFolders(site, spec, logins, match.unknown);
-  if (dropped || adopted) {
+  const bool wasTorn = index.torn;
+  if (wasTorn) {
+    AskEachFolder(site, spec, logins);
+    index.NeedFiles();
+    index.torn = false;
+  }
+  const bool adopted = AdoptFolders(site, spec, logins, match.unknown, !wasTorn);
+  if (dropped || adopted || wasTorn) {
     logins.Sort(CompareByDisplayName);
     VaryDuplicateNames(site, spec, logins);
     WriteIndex(spec, index);
@@ -106,8 +127,23 @@ bool ReconcileLogins(SSite& site, const SFileSpec& spec, SIndexObj& index) {
   return true;
 }
 
+// Where the folder has no logins that could still be put right the files alone mend it.
+void ForgetTornFiles(const SFileSpec& spec, SIndexObj& index) {
+  index.files->RemoveAll();
+  SIndexObj stored;
+  ReadWholeIndex(spec, stored);
+  if (stored.logins->IsEmpty()) {
+    index.NeedLogins();
+    index.torn = false;
+  }
+}
+
 void ReconcileFiles(const SFileSpec& spec, SIndexObj& index, const SString& extension) {
   SFileList others;
+  const bool wasTorn = index.torn && index.files.has_value();
+  if (wasTorn) {
+    ForgetTornFiles(spec, index);
+  }
   if (!index.files || !index.files->MoveIf(others, [&](const SOurFileObj& file) {
         return !HasExtension(file, extension);
       })) {
@@ -117,12 +153,12 @@ void ReconcileFiles(const SFileSpec& spec, SIndexObj& index, const SString& exte
   files.Sort(CompareByFileName);
   SFolderMatch match(files.GetSize());
   AddNames(match, files, &SOurFileObj::fileName);
-  bool changed = false;
+  bool changed = wasTorn;
   if (match.Walk(spec, SFileFinder::kVisibleFiles, TakeType, extension)) {
     const bool dropped = DropMissing(files, match);
     const bool adopted = AdoptFiles(files, match.unknown);
     files.Sort(CompareByFileName);
-    changed = dropped || adopted;
+    changed |= dropped || adopted;
   }
   files.Append(std::move(others));
   if (changed) {

@@ -48,6 +48,14 @@ void SSite::NoteFailure(FailureKind kind, const SString& path, ListKind list, Sy
   }
 }
 
+// Of the file operation that has just failed.
+void SSite::NoteShortfall(ListKind list) {
+  if (!shortfall) {
+    const SFileFailure& last = SFileSpec::LastFailure();
+    shortfall = {FailureKindOf(last.error), list, last.error, last.path, SString()};
+  }
+}
+
 void SSite::NoteFileFailure(ListKind list) {
   const SFileFailure& last = SFileSpec::LastFailure();
   NoteFailure(FailureKindOf(last.error), last.path, list, last.error);

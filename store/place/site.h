@@ -88,11 +88,16 @@ class SSite {
   // The first reason noted since the last ClearFailure is the one that is kept: what fails later
   // fails because of it. Of its texts the last one composed is.
   const SFailure& GetFailure() const { return failure; }
-  void ClearFailure() { failure = {}; }
+  void ClearFailure() { failure = shortfall = {}; }
   void NoteFailure(FailureKind kind, const SString& path, ListKind list,
                    SystemError system = SystemError::kNone);
   // Of the file operation that has just failed.
   void NoteFileFailure(ListKind list);
+  // What an operation that answered true could not do all the same: a list or a name that it could
+  // not write, a rest that it could not remove. The first since ClearFailure.
+  const SFailure& GetShortfall() const { return shortfall; }
+  void NoteShortfall(ListKind list);
+
   // The system's own words.
   void TellFailure(const SString& text) { failure.text = text; }
 
@@ -116,6 +121,7 @@ class SSite {
   SString dataPathOverride;
   SFileSpec countedClasses;
   SFailure failure;
+  SFailure shortfall;
 };
 
 }  // namespace kivstore

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "store/change/default_entries.h"
+#include "store/change/deleting.h"
 #include "store/list/index_file.h"
 #include "tests/support/school_fixture.h"
 
@@ -25,6 +26,10 @@ class AddingTest : public SchoolFixture {
 
     std::string Unable() const { return "Unable to add the " + word + " Jo May"; }
   };
+  // Where the folder is made ready.
+  static std::string BesideOf(const std::string& list) {
+    return list.substr(0, list.rfind('/') + 1);
+  }
   const std::vector<Level> levels = {
       {kTop, "teacher", "teachers", [this] { return AddTeacher(site, "Jo May", folder); }},
       {kHill, "class", "classes", [this] { return AddClass(site, "Jo May", folder); }},
@@ -93,8 +98,25 @@ TEST_F(AddingTest, AFolderThatIsNotMadeLeavesTheLineForTheNextListing) {
                           " could not be created.  Make sure you have enough disk space and the "
                           "necessary privileges to create, read, write, modify, and delete files "
                           "and folders.|no permission " +
-                          level.plural + " " + level.list + "/JoMay");
+                          level.plural + " " + (level.list == kTop ? "" : BesideOf(level.list)) +
+                          "JoMay.new");
   }
+}
+
+// Somebody of that name is listed, under a folder name of another spelling.
+TEST_F(AddingTest, WhoIsListedUnderThatNameIsTheAnswer) {
+  const CreatingScope creating;
+  const auto add = [&](const char* first, const char* last) {
+    EXPECT_TRUE(AddStudent(site, room, first, last, folder));
+    return Bytes(folder);
+  };
+  EXPECT_EQ(add("An", "nLee"), "AnnLee0");
+  EXPECT_TRUE(DeleteStudent(site, room, ann, students, true, stop));
+  EXPECT_EQ(add("AN", "NLee"), "AnnLee0");
+  // A line that a death has left goes with the folder name to who gets the folder.
+  temp.WriteFile(kRoom + "/index.kiv", IndexBytes({{"EveRay", "Ev", "Eray"}}));
+  EXPECT_EQ(add("Eve", "Ray"), "EveRay");
+  EXPECT_EQ(Index(kRoom), IndexBytes({{"EveRay", "Eve", "Ray"}}));
 }
 
 TEST_F(AddingTest, ANameIsFreeUnlessSomebodyHasAddedItSince) {

@@ -37,7 +37,7 @@ TEST_F(DefaultEntriesTest, AnEmptyListGetsTheDefaultClassOrItsLineAlone) {
     EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"), kDefaultLine);
     EXPECT_FALSE(temp.Exists("Classes.zep/Default"));
     EXPECT_TRUE(site.HasStoreFailed());
-    EXPECT_EQ(Why(), "no permission classes Classes.zep/Default");
+    EXPECT_EQ(Why(), "no permission classes Default.new");
 
     Build(kind);
     const CreatingScope creating;
@@ -138,7 +138,7 @@ TEST_F(DefaultEntriesTest, WhatIsLostIsPutBackWhereFilesAreMade) {
     EXPECT_EQ(Changes(before, Snapshot()), makes ? Lines{"+" + rooms} : Lines());
     EXPECT_EQ(PrepareStudentList(site, lost), makes);
     EXPECT_EQ(lost.folderName, makes ? "Room7" : "Lost");
-    EXPECT_EQ(Why(), makes ? "" : "no permission classes Classes.zep/Room7");
+    EXPECT_EQ(Why(), makes ? "" : "no permission classes Room7.new");
     EXPECT_EQ(temp.Exists("Classes.zep/Room7/Students"), makes);
     EXPECT_EQ(WhyNot(PrepareStudentList(site, hostile)),
               "missing students " + WithSlashes(temp.Path()));

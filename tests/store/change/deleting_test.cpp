@@ -1,6 +1,9 @@
 #include "store/change/deleting.h"
 
 #include "store/change/deleting_files.h"
+#include "store/change/moving.h"
+#include "store/change/renaming.h"
+#include "store/change/setting_aside.h"
 #include "tests/support/school_fixture.h"
 
 using namespace kivstore;
@@ -191,6 +194,45 @@ TEST_F(DeletingFilesTest, AFileThatCannotGoLeavesTheIndexAlone) {
                 "open.|in use files " +
                 home + "/c.doc");
   EXPECT_EQ(Changed(), Lines());
+}
+
+// Between the list that was read and the change she has gone, and her folder's name is another's.
+TEST_F(DeletingTest, NobodyElseIsTouched) {
+  temp.WriteFile(kRoom + "/index.kiv",
+                 IndexBytes({{"AnnLee", "An", "NLee"}, {"Bob", "Bob", ""}, {"Cid", "Cid", ""}}));
+  const auto before = Snapshot();
+  const std::string why = "no entry students " + kRoom + "/";
+  EXPECT_EQ(WhyNot(DeleteStudent(site, room, ann, students, true, stop)), why);
+  EXPECT_EQ(WhyNot(RenameStudent(site, room, ann, students, "Eve", "")), why);
+  EXPECT_EQ(WhyNot(MoveStudent(site, room, den, students[0], students, "Ann", "Lee")),
+            "missing students " + kRoom + "/AnnLee/");
+  EXPECT_EQ(WhyNot(SetAside(site, Spec(kRoom), ListKind::kStudents, ann, Spec("x"))), why);
+  EXPECT_EQ(Changes(before, Snapshot()), Lines());
+}
+
+TEST_F(DeletingTest, WhoIsSetAsideComesBackUnderAFreeName) {
+  const auto setAside = [&](const char* to) {
+    return SetAside(site, Spec(kRoom), ListKind::kStudents, ann, Spec(to));
+  };
+  const auto putBack = [&](const char* from, SLoginNameObj& entry) {
+    return PutBack(site, Spec(kRoom), ListKind::kStudents, Spec(from), entry);
+  };
+  {
+    const Holder other(Spec(kRoom + "/AnnLee/mark"));
+    EXPECT_EQ(WhyNot(setAside("1")).substr(0, 16), "in use students ");
+    EXPECT_EQ(Changed(), Lines());
+  }
+  EXPECT_TRUE(setAside("1"));
+  temp.WriteFile(kRoom + "/1/longname.kiv", LongNameBytes("One"));
+  SLoginNameObj entry;
+  EXPECT_TRUE(putBack("1", entry));
+  EXPECT_EQ(entry.folderName, "AnnLee");  // the name of her own, where "1" is taken
+  EXPECT_EQ(temp.ReadFile(kRoom + "/AnnLee/mark"), "Ann");
+  EXPECT_TRUE(setAside("2"));
+  temp.WriteFile(kRoom + "/AnnLee/longname.kiv", LongNameBytes("Ann", "Lee"));
+  EXPECT_EQ(WhyNot(putBack("2", entry)), "name taken students " + kRoom + "/");
+  temp.Remove("2/longname.kiv");
+  EXPECT_EQ(WhyNot(putBack("2", entry)), "damaged students 2/longname.kiv");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "records/tutor_options_dob.h"
 #include "store/change/last_file.h"
+#include "store/change/setting_aside.h"
 #include "tests/store/change/transactions.h"
 #include "tests/support/fault_file_services.h"
 
@@ -87,6 +88,38 @@ TEST_F(KillTable, ARealEndAtEveryOperationLeavesWhatTheTableSays) {
   }
 }
 #endif
+
+// At every moment she is in her list or set aside, and whoever is told so finds her there.
+TEST_F(KillTable, WhoIsSetAsideIsInOnePlace) {
+  const std::string aside = "Deleted/1";
+  const auto place = [&] {
+    temp.MakeFolder(aside);
+    return Spec(aside + "/AnnLee");
+  };
+  SLoginNameObj back;
+  bool answer = false;
+  for (const bool putsBack : {false, true}) {
+    const auto prepare = [&] {
+      Restore();
+      temp.Remove("Deleted");
+      const SFileSpec to = place();
+      EXPECT_TRUE(!putsBack || SetAside(site, Spec(kRoom), ListKind::kStudents, ann, to));
+    };
+    const auto run = [&] {
+      const SFileSpec spec = Spec(aside + "/AnnLee");
+      answer = putsBack ? PutBack(site, Spec(kRoom), ListKind::kStudents, spec, back)
+                        : SetAside(site, Spec(kRoom), ListKind::kStudents, ann, spec);
+    };
+    const auto check = [&](bool struck, bool) {
+      const bool isAside = temp.Exists(aside + "/AnnLee/mark");
+      const Lines lists = ListsWith(ListAll(), "Ann Lee");
+      EXPECT_EQ(lists, isAside ? Lines() : Lines{kRoom});
+      EXPECT_TRUE(!answer || isAside == !putsBack);
+      EXPECT_TRUE(struck || answer);
+    };
+    BreakEverywhere(prepare, run, check);
+  }
+}
 
 // The files beside the lists, saved in the same way: each is the old or the new one.
 TEST_F(KillTable, OptionsAndTheLastUsedFileAreTheOldOrTheNewOnes) {

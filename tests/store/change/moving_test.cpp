@@ -168,21 +168,20 @@ TEST_F(MovingTest, WhoIsNotListedOrNotThereDoesNotMove) {
   EXPECT_EQ(owner.heard, Lines());
 }
 
-TEST_F(MovingTest, AFolderOfItsNameStopsItAndACopyThatIsNotMadeCostsTheSource) {
+// In one rename, which needs no maker.
+TEST_F(MovingTest, ATakenFolderNameGivesANewOneUnlessItIsOfTheSameName) {
   temp.WriteFile(kDen + "/AnnLee/longname.kiv", LongNameBytes("Ann", "Lee"));
   const auto before = Snapshot();
-  {
-    const CreatingScope creating;
-    EXPECT_FALSE(MoveAnn());
-  }
+  EXPECT_EQ(WhyNot(MoveAnn()), "name taken students " + kDen + "/");
   EXPECT_EQ(Changes(before, Snapshot()), Lines());
   EXPECT_EQ(students[0].folderName, "AnnLee");
-  // A copy that is inert says it went well.
   temp.WriteFile(kDen + "/AnnLee/longname.kiv", LongNameBytes("An", "NLee"));
+  // A line that a death has left there is not hers.
+  temp.WriteFile(kDen + "/index.kiv", IndexBytes({{"AnnLee0", "Zac", ""}}));
   EXPECT_TRUE(MoveAnn());
   EXPECT_FALSE(temp.Exists(kRoom + "/AnnLee"));
-  EXPECT_FALSE(temp.Exists(kDen + "/AnnLee0"));
-  EXPECT_EQ(owner.heard, Lines());
+  EXPECT_EQ(temp.ReadFile(kDen + "/AnnLee0/mark"), "Ann");
+  EXPECT_EQ(Index(kDen), IndexBytes({{"AnnLee0", "Ann", "Ray"}}));
 }
 
 }  // namespace

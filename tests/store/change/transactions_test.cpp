@@ -32,7 +32,7 @@ class Refusals : public TransactionFixture {
     Restore();
     Why();
     FaultFileServices services(*Platform().files);
-    services.FailOn("Classes.zep", error, operations);
+    services.FailOn("\\", error, operations);
     const SPlatformOverride<IFileServices> installed(Platform().files, &services);
     return transaction.run();
   }
@@ -199,14 +199,15 @@ TEST_F(Refusals, AReadOnlyStoreAnswersFalseForWantOfPermissionAndIsNotTouched) {
   }
 }
 
-// Nothing is made where there is no room; what needs none is done, and the next listing, which
-// finds room again, has everybody else.
+// Nothing is made where there is no room; what needs none is done, though what could not be written
+// is told, and the next listing, which finds room again, has everybody else.
 TEST_F(Refusals, AFullDiskCostsNobody) {
   for (const Transaction& transaction : transactions) {
     SCOPED_TRACE(transaction.name);
     EXPECT_EQ(
         RunWithout(transaction, SystemError::kDiskFull, "Write MakeFile MakeFolder CopyFileTo"),
         !transaction.NeedsRoom());
+    EXPECT_EQ(site.GetShortfall().kind, FailureKind::kDiskFull);
     EXPECT_EQ(Why().substr(0, 10), transaction.NeedsRoom() ? "disk full " : "");
     CheckStore(transaction, ListAll(), false);
   }

@@ -7,6 +7,7 @@
 
 using namespace kivstore;
 using namespace kivtest;
+using namespace std::string_literals;
 
 namespace {
 
@@ -87,7 +88,7 @@ TEST_F(ReconcileTest, AnEntryWithoutAFolderOfItsOwnGoes) {
                 "eightlet:Ann:"},
                {"names that lead elsewhere are no folders",
                 {"a"},
-                ":Empty:,..:Up:,..\\Students\\a:Round:,../Shared:Slash:,a:Zoe:",
+                "..:Up:,..\\Students\\a:Round:,../Shared:Slash:,a:Zoe:",
                 "a:Zoe:"}};
   for (const auto& c : cases) {
     Build(Kind::kLocal, "");
@@ -185,6 +186,58 @@ TEST_F(ReconcileTest, NoFailureOnTheWayCostsAnEntry) {
       EXPECT_EQ(services.OpenPaths(), Lines()) << n;
     }
     EXPECT_FALSE(struck);
+  }
+}
+
+// A list above one buffer, and what a writer leaves that dies before, within and behind the write.
+TEST_F(ReconcileTest, NoCutOfAnIndexLeavesAWrongName) {
+  constexpr int kStudents = 330;
+  std::vector<IndexLine> before;
+  for (int i = 0; i < kStudents; ++i) {
+    const std::string number = std::to_string(1000 + i);
+    before.push_back({"Folder" + number, "First" + number, std::string(i % 7, 'x')});
+  }
+  std::vector<IndexLine> shorter(before.begin() + 1, before.end()), renamed = before;
+  renamed[200].first = "Somebody else";
+  StoreBuilder store = Build(Kind::kShared, "");
+  for (const auto& after : {shorter, renamed}) {
+    temp.Remove(kList);
+    std::set<std::string> expected;
+    for (const IndexLine& line : after) {
+      AddFolder(line.folder, line.first, line.last);
+      expected.insert(line.folder + ":" + line.first + ":" + line.last);
+    }
+    temp.WriteFile(In("index.lok"), "");
+    const std::string from = IndexBytes(before), to = IndexBytes(after);
+    const size_t longest = std::max(from.size(), to.size()) + 64;
+    for (size_t cut = 0; cut <= to.size(); cut += cut % 4096 < 8 ? 1 : to.size() / 9) {
+      std::string torn = to.substr(0, cut) + from.substr(std::min(cut, from.size()));
+      torn.resize(longest);
+      temp.WriteFile(kList + "/index.kiv", torn);
+      std::set<std::string> listed;
+      std::istringstream list(Listed());
+      for (std::string line; std::getline(list, line, ',');) {
+        listed.insert(line);
+      }
+      EXPECT_EQ(listed, expected) << cut;
+      EXPECT_EQ(Index().size(), to.size()) << cut;
+    }
+  }
+}
+
+TEST_F(ReconcileTest, ATornIndexAsksEachFolderAlsoOfWhoIsAtWork) {
+  Build(Kind::kShared, "a:Ann:,b:Bob:,c:Cid:");
+  temp.WriteFile(In("b/longname.kiv"), LongNameBytes("Rob") + "torn");
+  temp.Remove(In("c/longname.kiv"));
+  AddFolder("d", "Dan");
+  const Holder atWork(Spec(In("a/index.lok"))), another(Spec(In("d/index.lok")));
+  const std::string torn = IndexBytes(Parsed("a:nn:,a:Ann:,b:Bob:,c:Cid:"));
+  const std::string count = "\0\0\0"s;
+  for (const std::string& bytes :
+       {torn + '\0', torn.substr(0, torn.size() - 2), count + '\5' + torn.substr(4)}) {
+    temp.WriteFile(kList + "/index.kiv", bytes);
+    EXPECT_EQ(Listed(), "a:Ann:,b:Bob:,c:Cid:,d:Dan:");
+    EXPECT_EQ(Index(), IndexBytes(Parsed("a:Ann:,b:Bob:,c:Cid:,d:Dan:")));
   }
 }
 
