@@ -23,6 +23,9 @@ Words OtherWords(SystemError error) {
       return {"on a disk that takes no changes", "look at how it is mounted or shared"};
     case SystemError::kDeviceGone:
       return {"on a disk or server that no longer answers", "look at the network"};
+    case SystemError::kNotSameDevice:
+      return {"on another file system than the data root, so it cannot be set aside there",
+              "mount the whole data root as one"};
     case SystemError::kAlreadyExists:
       return {"there already", kTryAgain};
     case SystemError::kFolderNotEmpty:

@@ -9,10 +9,10 @@ namespace {
 
 using AddCommand = void (*)(const kivhost::Command& app, CommonOptions& common);
 
-constexpr AddCommand kCommands[] = {AddInitCommand,     AddAddCommands,    AddRenameCommands,
-                                    AddMoveCommands,    AddDeleteCommands, AddImportCommand,
-                                    AddExportCommand,   AddCheckCommand,   AddOptionsCommands,
-                                    AddProgressCommand, AddDumpCommand,    AddAboutCommand};
+constexpr AddCommand kCommands[] = {
+    AddInitCommand,     AddAddCommands,   AddRenameCommands, AddMoveCommands, AddDeleteCommands,
+    AddDeletedCommands, AddImportCommand, AddExportCommand,  AddCheckCommand, AddOptionsCommands,
+    AddProgressCommand, AddDumpCommand,   AddAboutCommand};
 
 int Run(int argc, char** argv) {
   CommonOptions common;

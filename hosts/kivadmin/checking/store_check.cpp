@@ -1,11 +1,14 @@
 #include "hosts/kivadmin/checking/store_check.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
 #include "archive/file_version.h"
+#include "foundation/files/file.h"
 #include "foundation/files/file_finder.h"
 #include "game/game_dob.h"
+#include "hosts/common/empty_file.h"
 #include "records/tutor_options_dob.h"
 #include "store/list/index_file.h"
 #include "store/list/long_name.h"
@@ -15,6 +18,7 @@
 namespace kivadmin {
 
 using namespace kivstore;
+using kivhost::IsEmptyFile;
 
 namespace {
 
@@ -28,6 +32,20 @@ std::string Folded(const SString& text) {
   SString folded(text);
   folded.MakeUpper();
   return std::string(folded.View());
+}
+
+constexpr const char* kEmpty = "is empty";
+
+// Empty if it cannot be read.
+std::string BytesOf(const SFileSpec& spec) {
+  SFile file;
+  if (!file.Open(SFile::kRead, spec)) {
+    return {};
+  }
+  std::string bytes(static_cast<size_t>(std::max(file.Size(), 0)), '\0');
+  bytes.resize(static_cast<size_t>(
+      std::max(file.Read(static_cast<int32_t>(bytes.size()), bytes.data()), 0)));
+  return bytes;
 }
 
 const char* VersionTrouble(int32_t status) {
@@ -125,8 +143,13 @@ bool StoreCheck::ReadLogins(const SFileSpec& folder, SIndexObj& index) {
     return true;
   }
   const SFileSpec shown(file);
-  if (!ReadIndex(file, index) || index.incomplete) {
+  const bool isRead = ReadIndex(file, index) && !index.incomplete;
+  if (!isRead) {
     Report("index", shown, "cannot be read to its end");
+  } else if (IsEmptyFile(shown)) {
+    Report("index", shown, kEmpty);
+  } else if (index.torn) {
+    Report("index", shown, "was cut short while it was written");
   }
   return true;
 }
@@ -150,6 +173,8 @@ void StoreCheck::CompareWithFolders(const SFileSpec& folder, const SIndexObj& in
       Report("index", folder, "the index lists " + who + ", whose folder is not there");
     } else if (!listed.insert(name).second) {
       Report("index", folder, "the index lists the folder of " + who + " twice");
+    } else {
+      CheckLongName(onDisk.at(name), entry);
     }
   }
   for (const auto& [name, entry] : onDisk) {
@@ -175,6 +200,28 @@ bool StoreCheck::CheckUnlisted(const SFileSpec& folder) {
   return isNamed;
 }
 
+void StoreCheck::CheckLongName(const SFileSpec& folder, const SLoginNameObj& entry) {
+  SLoginNameObj owner;
+  if (!ReadLongName(Below(folder, CachedText<kTextLongNameFile>()), owner.firstName,
+                    owner.lastName) ||
+      owner.firstName.IsEmpty()) {
+    Report("longname", folder, "longname.kiv is missing, empty or cut short");
+  } else if (CompareDisplayNames(owner, entry) != 0) {
+    Report("longname", folder,
+           "the index calls it " + session.Show(entry) + ", longname.kiv " + session.Show(owner));
+  }
+}
+
+// Two folders with one game, which holds its owner's name and times: one student, listed twice.
+void StoreCheck::CheckTwin(const SFileSpec& game) {
+  const std::string bytes = BytesOf(game);
+  const auto [first, isNew] =
+      games.emplace(std::pair(bytes.size(), std::hash<std::string>()(bytes)), game);
+  if (!isNew && !bytes.empty()) {
+    Report("twin", game, "is the same game as " + session.Show(first->second));
+  }
+}
+
 void StoreCheck::CheckNames(const SFileSpec& folder, const SIndexObj& index) {
   std::map<std::string, int> names;
   for (const SLoginNameObj& entry : *index.logins) {
@@ -195,6 +242,10 @@ void StoreCheck::CheckOptions(const SFileSpec& folder) {
   if (!file.IsExistingFile()) {
     return;
   }
+  if (IsEmptyFile(file)) {
+    Report("options", file, kEmpty);
+    return;
+  }
   int32_t status = SDob::kCannotOpen;
   if (!SDob::CheckFileVersion(status, file, gFileVersion)) {
     Report("options", file, VersionTrouble(status));
@@ -206,10 +257,14 @@ void StoreCheck::CheckOptions(const SFileSpec& folder) {
 void StoreCheck::CheckGames(const SFileSpec& folder) {
   SFileFinder finder(folder, SFileFinder::kVisibleFiles, ".zep");
   for (SFileSpec file; finder.Next(file);) {
-    if (!SGameDob::IsGameFile(file)) {
+    if (IsEmptyFile(file)) {
+      Report("game", file, kEmpty);
+    } else if (!SGameDob::IsGameFile(file)) {
       Report("game", file, "is no game file, or of another version");
     } else if (SGameDob game; !game.LoadGame(file)) {
       Report("game", file, "cannot be read to its end");
+    } else {
+      CheckTwin(file);
     }
   }
 }

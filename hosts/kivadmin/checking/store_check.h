@@ -2,7 +2,9 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hosts/kivadmin/session/session.h"
@@ -11,7 +13,8 @@
 namespace kivadmin {
 
 struct Finding {
-  std::string kind;  // "index", "nameless", "lock", "options", "game", "name", "folder", "busy"
+  // "index", "longname", "nameless", "lock", "options", "game", "twin", "name", "folder", "busy"
+  std::string kind;
   std::string path;
   std::string what;
   bool repaired = false;
@@ -42,6 +45,8 @@ class StoreCheck {
   void CompareWithFolders(const kivstore::SFileSpec& folder, const kivstore::SIndexObj& index,
                           CheckEntry checkEntry);
   bool CheckUnlisted(const kivstore::SFileSpec& folder);
+  void CheckLongName(const kivstore::SFileSpec& folder, const kivstore::SLoginNameObj& entry);
+  void CheckTwin(const kivstore::SFileSpec& game);
   void CheckNames(const kivstore::SFileSpec& folder, const kivstore::SIndexObj& index);
   void CheckLock(const kivstore::SFileSpec& folder, const char* name);
   void CheckOptions(const kivstore::SFileSpec& folder);
@@ -51,6 +56,7 @@ class StoreCheck {
   const Session& session;
   std::function<void()> classDone;
   std::vector<Finding> findings;
+  std::map<std::pair<size_t, size_t>, kivstore::SFileSpec> games;  // by length and hash
 };
 
 }  // namespace kivadmin

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "hosts/common/progress_bar.h"
+#include "hosts/kivadmin/checking/store_mending.h"
 #include "hosts/kivadmin/rosters/layout_maker.h"
 
 namespace kivadmin {
@@ -19,6 +20,7 @@ void Repair(const CommonOptions& common) {
   try {
     const Session session(common, Session::Access::kChange);
     LayoutMaker(session, false).CompleteStore();
+    MendStore(session);
   } catch (const HostError& error) {
     std::cerr << "kivadmin: " << error.what() << '\n';
   }

@@ -12,6 +12,7 @@ void AddAddCommands(const kivhost::Command& app, CommonOptions& common);
 void AddRenameCommands(const kivhost::Command& app, CommonOptions& common);
 void AddMoveCommands(const kivhost::Command& app, CommonOptions& common);
 void AddDeleteCommands(const kivhost::Command& app, CommonOptions& common);
+void AddDeletedCommands(const kivhost::Command& app, CommonOptions& common);
 void AddImportCommand(const kivhost::Command& app, CommonOptions& common);
 void AddExportCommand(const kivhost::Command& app, CommonOptions& common);
 void AddCheckCommand(const kivhost::Command& app, CommonOptions& common);

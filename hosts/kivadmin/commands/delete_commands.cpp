@@ -1,38 +1,34 @@
 // `delete`: a teacher, a class or a student, with all that belongs to it.
-#include <iostream>
-
-#include "hosts/common/console.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
-#include "hosts/kivadmin/rosters/roster_changes.h"
-#include "store/change/deleting.h"
+#include "hosts/kivadmin/commands/confirmation.h"
+#include "hosts/kivadmin/rosters/belongings.h"
+#include "hosts/kivadmin/rosters/deleted_entries.h"
 
 namespace kivadmin {
 namespace {
 
+using kivstore::ListKind;
 using kivstore::SLoginNameObj;
 
 struct DeleteArguments {
   EntryNames where;
   std::string name;
   bool yes = false;
+  bool purge = false;
 };
 
-void Confirm(const Session& session, const DeleteArguments& arguments, const SLoginNameObj& entry,
-             const char* level) {
-  if (arguments.yes || session.IsDryRun()) {
-    return;
+void Delete(const Session& session, const DeleteArguments& arguments, const EntryToDelete& what,
+            const Belongings& belongings) {
+  const std::string text = what.level + ' ' + session.Show(what.entry) + ": " + TextOf(belongings);
+  if (!session.IsDryRun()) {
+    Confirm((arguments.purge ? "delete for good " : "delete ") + text, arguments.yes);
   }
-  const std::string what = std::string(level) + ' ' + session.Show(entry);
-  if (!kivhost::InputIsTerminal()) {
-    throw HostError(kWrongUsage, "delete " + what + ": not without --yes");
+  const DeletedEntry deleted = SetAside(session, what);
+  if (arguments.purge) {
+    Purge(session, deleted);
   }
-  std::cerr << "Delete " << what << " and all that belongs to it? [y/N] " << std::flush;
-  std::string answer;
-  std::getline(std::cin, answer);
-  if (answer != "y" && answer != "Y" && answer != "yes") {
-    throw HostError(kRefused, "nothing deleted");
-  }
+  session.Say("deleted " + text + (arguments.purge ? "" : "; kivadmin undelete brings it back"));
 }
 
 void DeleteTeacher(const CommonOptions& common, const DeleteArguments& arguments) {
@@ -40,9 +36,9 @@ void DeleteTeacher(const CommonOptions& common, const DeleteArguments& arguments
   RequireTeachers(session);
   Roster teachers = Teachers(session);
   const SLoginNameObj& teacher = Find(session, teachers, arguments.name, "teacher");
-  Confirm(session, arguments, teacher, "teacher");
-  DeleteEntry(session, teacher, "teacher",
-              [&] { return kivstore::DeleteTeacher(session.Site(), teacher, teachers.list); });
+  session.Site().SelectTeacher(&teacher);
+  Delete(session, arguments, {teachers, ListKind::kTeachers, teacher, "teacher", ""},
+         OfAllClasses(session));
 }
 
 void DeleteClass(const CommonOptions& common, const DeleteArguments& arguments) {
@@ -50,11 +46,8 @@ void DeleteClass(const CommonOptions& common, const DeleteArguments& arguments) 
   ChooseTeacher(session, arguments.where.teacher);
   Roster classes = Classes(session);
   const SLoginNameObj& group = Find(session, classes, arguments.name, "class");
-  Confirm(session, arguments, group, "class");
-  bool stop = false;
-  DeleteEntry(session, group, "class", [&] {
-    return kivstore::DeleteClass(session.Site(), group, classes.list, true, stop);
-  });
+  Delete(session, arguments, {classes, ListKind::kClasses, group, "class", TeacherText(session)},
+         OfClass(session, group));
 }
 
 void DeleteStudent(const CommonOptions& common, const DeleteArguments& arguments) {
@@ -63,11 +56,10 @@ void DeleteStudent(const CommonOptions& common, const DeleteArguments& arguments
   const SLoginNameObj group = FindClass(session, arguments.where.group);
   Roster students = Students(session, group);
   const SLoginNameObj& student = Find(session, students, arguments.name, "student");
-  Confirm(session, arguments, student, "student");
-  bool stop = false;
-  DeleteEntry(session, student, "student", [&] {
-    return kivstore::DeleteStudent(session.Site(), group, student, students.list, true, stop);
-  });
+  Delete(session, arguments,
+         {students, ListKind::kStudents, student, "student",
+          "class " + session.Show(group) + OfTeacher(session)},
+         OfStudent(session, students.folder, student));
 }
 
 DeleteArguments& AddOne(const Command& command, CommonOptions& common, Run<DeleteArguments> run) {
@@ -75,6 +67,7 @@ DeleteArguments& AddOne(const Command& command, CommonOptions& common, Run<Delet
   AddChangeArguments(command, common);
   command.AddOption("NAME", arguments.name, "The name, or #N for its place").Require();
   command.AddFlag("--yes", arguments.yes, "Do not ask");
+  command.AddFlag("--purge", arguments.purge, "For good: undelete cannot bring it back");
   return arguments;
 }
 
@@ -83,7 +76,8 @@ DeleteArguments& AddOne(const Command& command, CommonOptions& common, Run<Delet
 void AddDeleteCommands(const Command& app, CommonOptions& common) {
   const Command remove = app.AddCommand(
       "delete",
-      "Delete a teacher, a class or a student; asks first, without a terminal needs --yes");
+      "Delete a teacher, a class or a student; asks first, without a terminal needs --yes.\n"
+      "It is kept in the folder Deleted of the data root until kivadmin purge.");
   remove.RequireCommand();
 
   const Command teacher = remove.AddCommand("teacher", "Delete a teacher with all classes");

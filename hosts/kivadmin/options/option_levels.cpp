@@ -3,6 +3,7 @@
 #include <map>
 
 #include "archive/file_version.h"
+#include "hosts/common/empty_file.h"
 #include "store/place/placing.h"
 
 namespace kivadmin {
@@ -62,12 +63,12 @@ bool LoadPatiently(const Session& session, STeacherOptionsDob& options, const SF
   return true;
 }
 
-// Clean, and with no option decided, if there is no file.
+// Clean, and with no option decided, if there is no file or an empty one.
 void ReadOptions(const Session& session, STeacherOptionsDob& options, const SFileSpec& spec,
                  const OptionsPlace& place) {
   options.Clear();
   options.SetDirty(false);
-  if (spec.IsExistingFile()) {
+  if (spec.IsExistingFile() && !kivhost::IsEmptyFile(spec)) {
     session.Need("read " + FileOf(place), spec,
                  [&] { return LoadPatiently(session, options, spec, place); });
   }

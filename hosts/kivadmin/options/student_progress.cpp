@@ -1,6 +1,7 @@
 #include "hosts/kivadmin/options/student_progress.h"
 
 #include "game/game_dob.h"
+#include "hosts/common/empty_file.h"
 #include "store/place/placing.h"
 
 namespace kivadmin {
@@ -41,8 +42,9 @@ void ReadGame(const Session& session, SGameDob& game, const SFileSpec& file,
               const kivstore::SLoginNameObj& student) {
   game.SetFirstName(student.firstName);
   game.SetLastName(student.lastName);
-  session.Need("read the student's automatic game", file,
-               [&] { return !file.IsExistingFile() || game.LoadGame(file); });
+  session.Need("read the student's automatic game", file, [&] {
+    return !file.IsExistingFile() || kivhost::IsEmptyFile(file) || game.LoadGame(file);
+  });
 }
 
 SFileSpec FolderOf(const Session& session, const OptionsPlace& place) {

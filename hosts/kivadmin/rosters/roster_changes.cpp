@@ -103,11 +103,4 @@ void MoveEntry(const Session& session, const Roster& destination, const SLoginNa
   session.Say("moved " + what + " to " + to);
 }
 
-void DeleteEntry(const Session& session, const SLoginNameObj& entry, const std::string& level,
-                 const Operation& remove) {
-  const std::string what = level + ' ' + session.Show(entry);
-  session.Change("delete " + what, remove);
-  session.Say("deleted " + what);
-}
-
 }  // namespace kivadmin

@@ -36,7 +36,5 @@ void RenameEntry(const Session& session, const Roster& roster, const kivstore::S
 void MoveEntry(const Session& session, const Roster& destination,
                const kivstore::SLoginNameObj& entry, const std::string& level,
                const std::string& to, const Operation& move);
-void DeleteEntry(const Session& session, const kivstore::SLoginNameObj& entry,
-                 const std::string& level, const Operation& remove);
 
 }  // namespace kivadmin

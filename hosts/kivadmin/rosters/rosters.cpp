@@ -160,9 +160,14 @@ void RequireTeachers(const Session& session) {
   }
 }
 
-std::string OfTeacher(const Session& session) {
+std::string TeacherText(const Session& session) {
   const SLoginNameObj* const teacher = session.Site().GetCurrentTeacher();
-  return teacher != nullptr ? " of teacher " + session.Show(*teacher) : "";
+  return teacher != nullptr ? "teacher " + session.Show(*teacher) : "";
+}
+
+std::string OfTeacher(const Session& session) {
+  const std::string teacher = TeacherText(session);
+  return teacher.empty() ? "" : " of " + teacher;
 }
 
 }  // namespace kivadmin

@@ -46,6 +46,8 @@ kivstore::SLoginNameObj FindStudent(const Session& session,
 // Throws wrong usage in a store without teachers.
 void RequireTeachers(const Session& session);
 
+// "teacher "X"" of the selected one; empty in a store without teachers.
+std::string TeacherText(const Session& session);
 // " of teacher "X"" for the line of what was done; empty in a store without teachers.
 std::string OfTeacher(const Session& session);
 

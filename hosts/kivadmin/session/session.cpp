@@ -78,6 +78,9 @@ void Session::Change(const std::string& what, const std::function<bool()>& opera
   if (!dryRun && !operation()) {
     throw kivhost::Unable(what, Site().GetFailure());
   }
+  if (shortfall.empty() && Site().GetShortfall()) {
+    shortfall = what + ": " + kivhost::ReasonText(Site().GetShortfall());
+  }
 }
 
 void Session::Need(const std::string& what, const SFileSpec& file,
@@ -115,6 +118,10 @@ void Session::TakeIndexLock(SLockFile& lock, const SFileSpec& folder, ListKind l
 
 void Session::Say(const std::string& line) const {
   std::cout << (dryRun ? "dry run: " : "") << line << '\n';
+  if (!shortfall.empty()) {
+    throw HostError(kNoStore, "not all of it is written: " + shortfall +
+                                  "; kivadmin check --repair mends the rest");
+  }
 }
 
 std::optional<long> PlaceOf(const std::string& name) {

@@ -65,7 +65,8 @@ class Session {
   std::string Show(const kivstore::SFileSpec& spec) const;       // its path as the host writes it
 
   // Runs an operation of the store, unless this is a dry run: "delete student "Ann Lee"". Where it
-  // answers false the store's reason is thrown.
+  // answers false the store's reason is thrown; what one that answers true could not write is told
+  // behind the line of what was done.
   void Change(const std::string& what, const std::function<bool()>& operation) const;
   // The same for an operation on files alone, also in a dry run. `file` is named where the system
   // gave no reason.
@@ -76,7 +77,7 @@ class Session {
   void TakeIndexLock(kivstore::SLockFile& lock, const kivstore::SFileSpec& folder,
                      kivstore::ListKind list) const;
 
-  // The one line of what was done.
+  // The one line of what was done. Throws if something of it could not be written.
   void Say(const std::string& line) const;
 
  private:
@@ -85,6 +86,7 @@ class Session {
   std::unique_ptr<kivstore::IFileServices> lookingServices;  // in place if nothing may change
   FileServicesScope services;
   kivhost::OpenStore store;
+  mutable std::string shortfall;  // what could not be written, the first
 };
 
 // The N of "#N"; nothing for a plain name, 0 for a number beyond any list.

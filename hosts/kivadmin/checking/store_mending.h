@@ -1,0 +1,13 @@
+// Puts right what a death or a full disk has left half written: names that the index and
+// longname.kiv tell differently or that one of them lacks, and files of no bytes, which count as
+// none.
+#pragma once
+
+#include "hosts/kivadmin/session/session.h"
+
+namespace kivadmin {
+
+// The lists as any listing repairs them first. Throws where a list cannot be had or written.
+void MendStore(const Session& session);
+
+}  // namespace kivadmin

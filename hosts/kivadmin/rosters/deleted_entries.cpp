@@ -1,0 +1,211 @@
+#include "hosts/kivadmin/rosters/deleted_entries.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <sstream>
+
+#include "foundation/files/file_finder.h"
+#include "hosts/common/console.h"
+#include "hosts/common/whole_file.h"
+#include "store/change/setting_aside.h"
+#include "store/place/display_name.h"
+
+namespace kivadmin {
+namespace {
+
+using namespace kivstore;
+
+constexpr const char* kDeletedFolder = "Deleted";
+constexpr const char* kNoteFile = "deleted.txt";
+constexpr size_t kLongestNote = 1 << 16;
+
+std::string TimeText(const char* form) {
+  const std::time_t now = std::time(nullptr);
+  char text[32];
+  return {text, std::strftime(text, sizeof text, form, std::localtime(&now))};
+}
+
+std::string UserName() {
+  for (const char* const variable : {"SUDO_USER", "USER", "USERNAME", "LOGNAME"}) {
+    if (const char* const name = std::getenv(variable); name != nullptr && *name != '\0') {
+      return name;
+    }
+  }
+  return "unknown";
+}
+
+SFileSpec DeletedFolder(const Session& session) {
+  SFileSpec spec = session.TopFolder();
+  spec.Up();
+  spec.Down(kDeletedFolder);
+  return spec;
+}
+
+void NeedFolder(const Session& session, SFileSpec& spec) {
+  session.Need("make the folder", spec,
+               [&] { return spec.IsExistingFolder() || (!spec.Exists() && spec.CreateFolder(0)); });
+}
+
+// A subfolder of its own for each delete, also of two within a second.
+SFileSpec NewPlace(const Session& session, const SString& folderName) {
+  SFileSpec deleted = DeletedFolder(session);
+  NeedFolder(session, deleted);
+  const SString stem = SString(TimeText("%Y%m%d-%H%M%S-").c_str()) + folderName;
+  SFileSpec place(deleted);
+  place.Down(stem);
+  for (int again = 2; place.Exists(); ++again) {
+    place = deleted;
+    place.Down(stem + SString(("-" + std::to_string(again)).c_str()));
+  }
+  session.Need("make the folder", place, [&] { return place.CreateFolder(0); });
+  return place;
+}
+
+std::string NotePath(const Session& session, const SFileSpec& place) {
+  return session.Show(place) + kNoteFile;
+}
+
+// The folder of the list below the classes folder, as the library writes it.
+std::string ListBelowTop(const Session& session, const SFileSpec& list) {
+  const std::string_view top = session.TopFolder().GetPath().View();
+  return std::string(
+      list.GetPath().View().substr(std::min(top.size(), list.GetPath().View().size())));
+}
+
+void WriteNote(const Session& session, const DeletedEntry& deleted) {
+  kivhost::WriteWholeFile(NotePath(session, deleted.place),
+                          "level=" + deleted.level + "\nname=" + deleted.name +
+                              "\nof=" + deleted.of + "\nlist=" + deleted.list +
+                              "\nwhen=" + deleted.when + "\nby=" + deleted.by + '\n');
+}
+
+void TakeLine(DeletedEntry& deleted, const std::string& line) {
+  const size_t equals = std::min(line.find('='), line.size());
+  const std::string key = line.substr(0, equals);
+  const std::string value = equals < line.size() ? line.substr(equals + 1) : "";
+  std::string* const target = key == "level"  ? &deleted.level
+                              : key == "name" ? &deleted.name
+                              : key == "of"   ? &deleted.of
+                              : key == "list" ? &deleted.list
+                              : key == "when" ? &deleted.when
+                              : key == "by"   ? &deleted.by
+                                              : nullptr;
+  if (target != nullptr) {
+    *target = value;
+  }
+}
+
+// False if it is no delete's place.
+bool ReadNote(const Session& session, DeletedEntry& deleted) {
+  SFileSpec note(deleted.place);
+  if (!note.Down(kNoteFile) || !note.IsExistingFile()) {
+    return false;
+  }
+  std::istringstream text(
+      kivhost::ReadWholeFile(session.Show(note), kLongestNote, "a note of a delete", kNoStore));
+  for (std::string line; std::getline(text, line);) {
+    TakeLine(deleted, line);
+  }
+  return true;
+}
+
+void FindFolder(DeletedEntry& deleted) {
+  SFileFinder finder(deleted.place, SFileFinder::kVisibleFolders);
+  finder.Next(deleted.folder);
+}
+
+ListKind KindOfLevel(const DeletedEntry& deleted) {
+  return deleted.level == "student"   ? ListKind::kStudents
+         : deleted.level == "teacher" ? ListKind::kTeachers
+                                      : ListKind::kClasses;
+}
+
+// Where its list is now; a note that leads out of the store leads nowhere.
+SFileSpec ListOf(const Session& session, const DeletedEntry& deleted) {
+  const SFileSpec top = session.TopFolder();
+  const SFileSpec list(top.GetPath() + SString(deleted.list.c_str()));
+  const bool isBelow = list.GetPath().View().starts_with(top.GetPath().View());
+  if (!isBelow || !list.IsExistingFolder()) {
+    throw HostError(kRefused,
+                    "the list of " + deleted.Text() + " is not there: " + session.Show(top) +
+                        kivhost::FromLibraryPath(deleted.list) + "; put back what it was in first");
+  }
+  return list;
+}
+
+void RemovePlace(const Session& session, SFileSpec place) {
+  session.Need("remove", place, [&] { return place.Delete(true); });
+}
+
+}  // namespace
+
+std::string DeletedEntry::Text() const {
+  return level + " \"" + name + '"' + (of.empty() ? "" : " of " + of);
+}
+
+DeletedEntry SetAside(const Session& session, const EntryToDelete& what) {
+  DeletedEntry deleted;
+  deleted.level = what.level;
+  deleted.name = session.Show(DisplayName(what.entry));
+  deleted.of = what.of;
+  deleted.list = ListBelowTop(session, what.roster.folder);
+  deleted.when = TimeText("%Y-%m-%d %H:%M:%S");
+  deleted.by = UserName();
+  if (session.IsDryRun()) {
+    return deleted;
+  }
+  deleted.place = NewPlace(session, what.entry.folderName);
+  WriteNote(session, deleted);
+  deleted.folder = deleted.place;
+  deleted.folder.Down(what.entry.folderName);
+  try {
+    session.Change("delete " + what.level + ' ' + session.Show(what.entry), [&] {
+      return kivstore::SetAside(session.Site(), what.roster.folder, what.kind, what.entry,
+                                deleted.folder);
+    });
+  } catch (const HostError&) {
+    deleted.place.Delete(true);
+    std::error_code isInUse;
+    std::filesystem::remove(session.Show(DeletedFolder(session)), isInUse);
+    throw;
+  }
+  deleted.folder.Refresh();
+  return deleted;
+}
+
+std::vector<DeletedEntry> ListDeleted(const Session& session) {
+  std::vector<DeletedEntry> all;
+  SFileFinder finder(DeletedFolder(session), SFileFinder::kVisibleFolders);
+  for (DeletedEntry deleted; finder.Next(deleted.place); deleted = {}) {
+    if (ReadNote(session, deleted)) {
+      FindFolder(deleted);
+      all.push_back(deleted);
+    }
+  }
+  std::sort(all.begin(), all.end(), [](const DeletedEntry& a, const DeletedEntry& b) {
+    return a.place.GetFileName().View() > b.place.GetFileName().View();
+  });
+  return all;
+}
+
+SLoginNameObj PutBack(const Session& session, const DeletedEntry& deleted) {
+  const SFileSpec list = ListOf(session, deleted);
+  SLoginNameObj entry;
+  session.Change("put back " + deleted.Text(), [&] {
+    return kivstore::PutBack(session.Site(), list, KindOfLevel(deleted), deleted.folder, entry);
+  });
+  if (!session.IsDryRun()) {
+    RemovePlace(session, deleted.place);
+  }
+  return entry;
+}
+
+void Purge(const Session& session, const DeletedEntry& deleted) {
+  if (!session.IsDryRun()) {
+    RemovePlace(session, deleted.place);
+  }
+}
+
+}  // namespace kivadmin
