@@ -8,6 +8,7 @@
 #include "records/teacher_options_dob.h"
 #include "store/change/default_entries.h"
 #include "store/change/last_file.h"
+#include "store/list/entry_lock.h"
 #include "store/place/display_name.h"
 #include "store/place/placing.h"
 #include "store/place/store_names.h"
@@ -117,7 +118,7 @@ bool SKivApp::CheckStudentFree(const SLoginNameObj* studentEntry) {
   if (!taken) {
     ReportStudentInUse(site, *studentEntry);
   }
-  return taken;
+  return taken && HoldsEntry(site, *studentLock, spec, *studentEntry, ListKind::kStudents);
 }
 
 void SKivApp::SetPendingGame(SKivGameDob* newGame) {

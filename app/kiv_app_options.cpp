@@ -4,6 +4,7 @@
 #include "archive/file_version.h"
 #include "records/teacher_options_dob.h"
 #include "store/change/default_entries.h"
+#include "store/list/entry_lock.h"
 #include "store/place/display_name.h"
 #include "store/place/placing.h"
 #include "store/place/store_names.h"
@@ -110,6 +111,13 @@ bool SKivApp::MergeStudentOptions(SKivTeacherOptionsDob& record, const SLoginNam
       !TakeOptionsLock(*lock, spec,
                        WaitTextFor(kTextWaitForStudentOptions, DisplayName(*studentEntry)))) {
     return false;
+  }
+  if (lock != nullptr) {
+    SFileSpec folder(spec);
+    folder.Up();
+    if (!HoldsEntry(site, *lock, folder, *studentEntry, ListKind::kStudents)) {
+      return false;
+    }
   }
   return ReadWithRetry(record, spec, true);
 }

@@ -38,6 +38,10 @@ bool SForwardingFileServices::Flush(FileHandle file) {
   return inner.Flush(file);
 }
 
+bool SForwardingFileServices::LeadsTo(const char* path, FileHandle file) {
+  return inner.LeadsTo(path, file);
+}
+
 SystemError SForwardingFileServices::TransferError() {
   return inner.TransferError();
 }

@@ -90,6 +90,9 @@ class IFileServices {
   virtual bool Flush(FileHandle file) = 0;
   // Why the last Read, Write, SetEnd or Flush that moved less than asked or answered false did so:
   // kNone for a reading that met the end of the file. Services that cannot tell say kOther.
+  // Whether the path leads to the file that is open, whose folder may have been renamed since.
+  // Where an open file keeps its folder in place it always does.
+  virtual bool LeadsTo(const char* /*path*/, FileHandle /*file*/) { return true; }
   virtual SystemError TransferError() { return SystemError::kOther; }
 
   // One look. Where the system keeps the hidden mark apart from the rest, `hidden` tells only what
@@ -142,6 +145,7 @@ class SForwardingFileServices : public IFileServices {
   int64_t Size(FileHandle file) override;
   bool SetEnd(FileHandle file) override;
   bool Flush(FileHandle file) override;
+  bool LeadsTo(const char* path, FileHandle file) override;
   SystemError TransferError() override;
   bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
   bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;

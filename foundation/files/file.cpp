@@ -56,6 +56,10 @@ bool SFile::Close() {
   return true;
 }
 
+bool SFile::IsStillThere() const {
+  return isOpen && Files().LeadsTo(path.GetText(), handle);
+}
+
 bool SFile::Note(bool succeeded) const {
   if (!succeeded && Files().TransferError() != SystemError::kNone) {
     NoteFileFailure(path, Files().TransferError());

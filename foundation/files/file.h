@@ -29,6 +29,8 @@ class SFile {
   bool Open(int32_t mode, const SFileSpec& spec, int32_t* error = nullptr);
   bool Close();  // true if it was open
   bool IsOpen() const { return isOpen; }
+  // Whether the path it was opened by still leads to it.
+  bool IsStillThere() const;
 
   // Bytes moved; 0 if closed or if count is below 1. Fewer than asked: at the end of the file, or
   // for a reason that is noted as the last file failure.

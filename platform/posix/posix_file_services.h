@@ -31,6 +31,7 @@ class SPosixFileServices : public SInertMakers {
   int64_t Size(FileHandle file) override;
   bool SetEnd(FileHandle file) override;
   bool Flush(FileHandle file) override;
+  bool LeadsTo(const char* path, FileHandle file) override;
   SystemError TransferError() override { return transferError; }
 
   bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;

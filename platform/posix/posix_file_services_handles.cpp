@@ -145,6 +145,14 @@ FileHandle SPosixFileServices::Open(const char* path, FileAccess access, SystemE
   return error == SystemError::kNone ? file.release() : nullptr;
 }
 
+bool SPosixFileServices::LeadsTo(const char* path, FileHandle file) {
+  struct stat opened, found;
+  const SystemError error =
+      OnPath(path, [&](const char* p) { return stat(p, &found) == 0 ? 0 : errno; });
+  return error == SystemError::kNone && fstat(file->descriptor.Get(), &opened) == 0 &&
+         found.st_dev == opened.st_dev && found.st_ino == opened.st_ino;
+}
+
 void SPosixFileServices::Close(FileHandle file) {
   delete file;
 }

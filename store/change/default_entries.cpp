@@ -70,6 +70,14 @@ bool FillClassList(SSite& site, SFileSpec& classes) {
   return MakeIfMissing(classes) && (HasEntries(site, classes) || AddDefaultClass(site, classes));
 }
 
+bool IsListed(const SFileSpec& classes, const SLoginNameObj& classEntry) {
+  SIndexObj index;
+  ReadWholeIndex(classes, index);
+  return FindLogin(*index.logins, classEntry) >= 0;
+}
+
+// Only a class that is still listed: one that was deleted does not come back because somebody with
+// an old list asks for its students.
 bool RestoreClassFolder(SSite& site, SLoginNameObj& classEntry) {
   SFileSpec classes;
   ClassesFolder(site, classes);
@@ -78,7 +86,8 @@ bool RestoreClassFolder(SSite& site, SLoginNameObj& classEntry) {
     return false;
   }
   return place.Exists() ||
-         AddClassAt(site, classes, DisplayName(classEntry), classEntry.folderName);
+         (IsListed(classes, classEntry) &&
+          AddClassAt(site, classes, DisplayName(classEntry), classEntry.folderName));
 }
 
 }  // namespace

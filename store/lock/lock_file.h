@@ -36,6 +36,8 @@ class SLockFile {
   bool Lock();
   bool Unlock();  // true if it was held
   bool IsFileOpen() const { return file.IsOpen(); }
+  // Of a held lock: whether its path still leads to the file that is held, so that others meet it.
+  bool IsStillThere() const { return !site.IsShared() || file.IsStillThere(); }
 
   // The poll in the foreground, for a user interface that runs on while it waits: BeginPoll, then
   // Poll until it answers anything but kPollGoOn. Only a playing tutor polls.

@@ -143,6 +143,11 @@ void ChangeOptions(const Session& session, const OptionsPlace& place, const Opti
   SFileSpec spec = OptionsFileOf(session, place);
   kivstore::SLockFile lock(session.Site(), spec, kivstore::SString());
   session.TakeLock(lock, FileOf(place));
+  if (place.student != nullptr) {
+    SFileSpec folder(spec);
+    folder.Up();
+    session.NeedEntry(lock, folder, *place.student);
+  }
   spec.Refresh();
   STeacherOptionsDob options;
   ReadOptions(session, options, spec, place);

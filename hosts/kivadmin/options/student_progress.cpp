@@ -78,6 +78,7 @@ void WriteProgress(const Session& session, const OptionsPlace& place, const Prog
   kivstore::SLockFile lock(session.Site());
   if (!session.IsDryRun()) {
     session.TakeIndexLock(lock, folder, kivstore::ListKind::kFiles);
+    session.NeedEntry(lock, folder, *place.student);
   }
   SFileSpec file = folder;
   file.Down(session.App().AutoGameName());

@@ -6,6 +6,7 @@
 #include "hosts/common/console.h"
 #include "hosts/common/failure_text.h"
 #include "hosts/kivadmin/session/looking_services.h"
+#include "store/list/entry_lock.h"
 #include "store/place/display_name.h"
 
 namespace kivadmin {
@@ -113,6 +114,14 @@ void Session::TakeIndexLock(SLockFile& lock, const SFileSpec& folder, ListKind l
   // A dry run cannot make the lock file and looks at the list without it.
   if (HasIndexLock(folder) || !IsLooking()) {
     TakeLock(lock, "the list");
+  }
+}
+
+void Session::NeedEntry(SLockFile& lock, const SFileSpec& folder,
+                        const SLoginNameObj& student) const {
+  Site().ClearFailure();
+  if (!HoldsEntry(Site(), lock, folder, student, ListKind::kStudents)) {
+    throw kivhost::Unable("work on student " + Show(student), Site().GetFailure());
   }
 }
 

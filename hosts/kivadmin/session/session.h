@@ -76,6 +76,9 @@ class Session {
   // Of a list's index, or of an entry's folder.
   void TakeIndexLock(kivstore::SLockFile& lock, const kivstore::SFileSpec& folder,
                      kivstore::ListKind list) const;
+  // Behind the lock of a student's folder: throws if it is not this student's any more.
+  void NeedEntry(kivstore::SLockFile& lock, const kivstore::SFileSpec& folder,
+                 const kivstore::SLoginNameObj& student) const;
 
   // The one line of what was done. Throws if something of it could not be written.
   void Say(const std::string& line) const;

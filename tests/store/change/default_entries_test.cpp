@@ -127,9 +127,11 @@ TEST_F(DefaultEntriesTest, WhatIsLostIsPutBackWhereFilesAreMade) {
     const std::string rooms = store.AddClass("", "Room 12", "Room12") + "/Students";
     store.Finish();
     SLoginNameObj room = Entry("Room12", "Room 12"), lost = Entry("Lost", "Room 7"),
-                  hostile = Entry("..", "Room 8");
+                  hostile = Entry("..", "Room 8"), deleted = Entry("Room9", "Room 9");
     EXPECT_TRUE(PrepareStudentList(site, room));
     store.RemoveFolder(rooms);
+    temp.WriteFile("Classes.zep/index.kiv",
+                   IndexBytes({{"Room12", "Room 12", ""}, {"Lost", "Room 7", ""}}));
     const auto before = Snapshot();
     SPlatformOverride<IFileServices> installed(Platform().files,
                                                makes ? &CreatingFileServices() : Platform().files);
@@ -142,7 +144,9 @@ TEST_F(DefaultEntriesTest, WhatIsLostIsPutBackWhereFilesAreMade) {
     EXPECT_EQ(temp.Exists("Classes.zep/Room7/Students"), makes);
     EXPECT_EQ(WhyNot(PrepareStudentList(site, hostile)),
               "missing students " + WithSlashes(temp.Path()));
-    EXPECT_FALSE(temp.Exists("Classes.zep/Room8"));
+    EXPECT_FALSE(PrepareStudentList(site, deleted));
+    Why();
+    EXPECT_FALSE(temp.Exists("Classes.zep/Room8") || temp.Exists("Classes.zep/Room9"));
   }
 }
 

@@ -4,6 +4,7 @@
 #include "store/change/moving.h"
 #include "store/change/renaming.h"
 #include "store/change/setting_aside.h"
+#include "store/list/entry_lock.h"
 #include "tests/support/school_fixture.h"
 
 using namespace kivstore;
@@ -208,6 +209,33 @@ TEST_F(DeletingTest, NobodyElseIsTouched) {
             "missing students " + kRoom + "/AnnLee/");
   EXPECT_EQ(WhyNot(SetAside(site, Spec(kRoom), ListKind::kStudents, ann, Spec("x"))), why);
   EXPECT_EQ(Changes(before, Snapshot()), Lines());
+}
+
+// Behind the lock of her folder: she may be elsewhere by now, and somebody else there.
+TEST_F(DeletingTest, ALockHoldsTheEntryOnlyWhereItIs) {
+  const SFileSpec home = Spec(kRoom + "/AnnLee");
+  const auto holds = [&] {
+    SLockFile lock(site);
+    EXPECT_TRUE(LockIndex(lock, home, ListKind::kStudents, true));
+    const bool isHeld = HoldsEntry(site, lock, home, ann, ListKind::kStudents);
+    EXPECT_EQ(lock.IsFileOpen(), isHeld);
+    return isHeld;
+  };
+  EXPECT_TRUE(holds());
+  temp.WriteFile(kRoom + "/AnnLee/longname.kiv", LongNameBytes("An", "NLee"));
+  EXPECT_TRUE(holds());  // a rename that died half way
+  temp.WriteFile(kRoom + "/index.kiv", IndexBytes({{"AnnLee", "An", "NLee"}}));
+  EXPECT_FALSE(holds());
+  EXPECT_EQ(Why(), "no entry students " + kRoom + "/AnnLee/");
+  Restore();
+  SLockFile lock(site);
+  EXPECT_TRUE(LockIndex(lock, home, ListKind::kStudents, true));
+  // Where a folder with an open file can be renamed at all.
+  if (rename(temp.Path(kRoom + "/AnnLee").c_str(), temp.Path("x").c_str()) == 0) {
+    temp.WriteFile(kRoom + "/AnnLee/longname.kiv", LongNameBytes("Ann", "Lee"));
+    temp.WriteFile(kRoom + "/AnnLee/index.lok", "");
+    EXPECT_FALSE(HoldsEntry(site, lock, home, ann, ListKind::kStudents));
+  }
 }
 
 TEST_F(DeletingTest, WhoIsSetAsideComesBackUnderAFreeName) {
