@@ -6,10 +6,28 @@
 
 namespace kivhost {
 
+namespace {
+
+// Separators, digits and what ends a text are ASCII in every file of a store.
+bool HasAscii(const Charset& charset) {
+  for (char c = ' '; c < 0x7F; ++c) {
+    const std::string text(1, c);
+    if (charset.ToUtf8(text) != text || charset.FromUtf8(text) != text) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
 std::unique_ptr<Charset> NeedCharset(const std::string& name) {
   auto charset = Charset::Open(name);
   if (charset == nullptr) {
     throw HostError(kWrongUsage, "--charset " + name + ": no such character set");
+  }
+  if (!HasAscii(*charset)) {
+    throw HostError(kWrongUsage, "--charset " + name + ": a store needs one that has ASCII in it");
   }
   return charset;
 }

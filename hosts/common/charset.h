@@ -20,7 +20,8 @@ class Charset {
   virtual std::optional<std::string> FromUtf8(std::string_view text) const = 0;
 };
 
-// Throws HostError if the system does not know the name, which came by --charset.
+// Throws HostError if the system does not know the name, which came by --charset, or if the set
+// does not have ASCII in its place.
 std::unique_ptr<Charset> NeedCharset(const std::string& name);
 
 // Characters of a UTF-8 text, for lining up columns.

@@ -1,5 +1,6 @@
 #include "hosts/common/store_opening.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <new>
 
@@ -74,6 +75,20 @@ SiteKind ReadKind(const SFileSpec& top) {
   return hasClasses || hasOptions ? SiteKind::kShared : SiteKind::kTeachers;
 }
 
+// An empty folder may become the top of any store.
+bool TellsKind(const SFileSpec& top) {
+  if (!top.IsExistingFolder()) {
+    return false;
+  }
+  SFileFinder finder(top, SFileFinder::kVisibleFolders);
+  SFileSpec entry;
+  return Has(top, CachedText<kTextIndexFile>()) || finder.Next(entry);
+}
+
+bool Contains(const std::vector<SiteKind>& kinds, SiteKind kind) {
+  return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+}
+
 int32_t SiteModeOf(SiteKind kind) {
   switch (kind) {
     case SiteKind::kLocal:
@@ -105,18 +120,31 @@ std::string HeldRoot(const std::string& root) {
   return (whole.has_filename() ? whole : whole.parent_path()).string();
 }
 
-OpenStore::OpenStore(const std::string& givenRoot, std::optional<SiteKind> given,
-                     bool isToBeLaidOut)
+OpenStore::OpenStore(const std::string& givenRoot, const KindWanted& wanted, bool isToBeLaidOut)
     : root(HeldRoot(givenRoot)), call(ParamsFor(DataPathOf(root, isToBeLaidOut))) {
   if (call.GetApp() == nullptr) {
     throw std::bad_alloc();
   }
   SetKind(SiteKind::kTeachers);
+  SetKind(Choose(wanted, isToBeLaidOut));
+}
+
+SiteKind OpenStore::Choose(const KindWanted& wanted, bool isToBeLaidOut) const {
   const SFileSpec top = TopFolder();
   if (!top.IsExistingFolder() && !isToBeLaidOut) {
     throw NoClassesIn(root);
   }
-  SetKind(given ? *given : top.IsExistingFolder() ? ReadKind(top) : SiteKind::kTeachers);
+  const bool tells = TellsKind(top);
+  const SiteKind told = top.IsExistingFolder() ? ReadKind(top) : SiteKind::kTeachers;
+  if (wanted.kinds.empty() || (tells && Contains(wanted.kinds, told))) {
+    return told;
+  }
+  if (tells && !wanted.force) {
+    throw HostError(kWrongUsage, root + ": is a store of the kind " + NameOf(told) + ", not " +
+                                     NameOf(wanted.kinds[0]) +
+                                     "; leave the kind out, or say --force if you mean it");
+  }
+  return wanted.kinds[0];
 }
 
 void OpenStore::SetKind(SiteKind newKind) {

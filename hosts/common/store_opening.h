@@ -1,8 +1,8 @@
 // Opening a store: from the root that a user gives to a site that stands on it.
 #pragma once
 
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "app/general_call.h"
 
@@ -17,14 +17,20 @@ const char* NameOf(SiteKind kind);
 // the letters alone, so that what is looked at, told and opened is one place.
 std::string HeldRoot(const std::string& root);
 
+// Which kinds of store a program takes, the one to take for a tree that does not tell first.
+struct KindWanted {
+  std::vector<SiteKind> kinds;  // empty: whatever the tree tells
+  bool force = false;           // also against the tree
+};
+
 // The store and the application object of one run of a program; one at a time. The file services
 // that are in place when it opens stay in place while it is open.
 class OpenStore {
  public:
-  // `givenRoot` is the data root or its classes folder. Without a kind the tree tells. Throws
-  // HostError if there is no store, unless it is still to be laid out: such a store is one with
-  // teachers.
-  OpenStore(const std::string& givenRoot, std::optional<SiteKind> kind, bool isToBeLaidOut = false);
+  // `givenRoot` is the data root or its classes folder. Throws HostError if there is no store,
+  // unless it is still to be laid out, and if the tree tells a kind that is not wanted. Where
+  // nobody tells a store to be laid out is one with teachers.
+  OpenStore(const std::string& givenRoot, const KindWanted& wanted, bool isToBeLaidOut = false);
   OpenStore(const OpenStore&) = delete;
   OpenStore& operator=(const OpenStore&) = delete;
 
@@ -37,6 +43,7 @@ class OpenStore {
   kivstore::SFileSpec TopFolder() const;
 
  private:
+  SiteKind Choose(const KindWanted& wanted, bool isToBeLaidOut) const;
   void SetKind(SiteKind newKind);
 
   std::string root;

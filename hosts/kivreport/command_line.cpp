@@ -25,9 +25,11 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
   app.AddChoice<Mode>("--mode", line.mode, "The kind of store; auto looks at its folders",
                       {{"auto", Mode::kAuto}, {"local", Mode::kLocal}, {"network", Mode::kNetwork}},
                       "auto");
-  app.AddOption("--charset", line.charset, "The character set of the store's texts")
-      .Takes("NAME")
-      .ShowDefault();
+  app.AddFlag("--force", line.force, "Take --mode although the folders tell another");
+  app.AddOption("--charset", line.charset,
+                "The character set of the store's texts; else what kivstore.conf says, or "
+                "windows-1252")
+      .Takes("NAME");
   app.AddFlag("--bom", line.byteOrderMark, "Begin with a byte order mark, for spreadsheets");
   app.AddFlag("--quiet", line.quiet, "No progress bar");
   app.SetFooter(

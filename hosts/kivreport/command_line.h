@@ -19,7 +19,8 @@ struct CommandLine {
   std::string teacher;
   std::string group;
   Mode mode = Mode::kAuto;
-  std::string charset = "windows-1252";
+  bool force = false;
+  std::optional<std::string> charset;
   bool byteOrderMark = false;
   bool quiet = false;
 };

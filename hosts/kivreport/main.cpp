@@ -5,6 +5,7 @@
 
 #include "hosts/common/console.h"
 #include "hosts/common/host_error.h"
+#include "hosts/common/store_conf.h"
 #include "hosts/common/whole_file.h"
 #include "hosts/kivreport/command_line.h"
 #include "hosts/kivreport/report_reader.h"
@@ -51,17 +52,22 @@ void RequireAll(const Report& report) {
                       (more > 0 ? ", and " + std::to_string(more) + " more reasons" : ""));
 }
 
-std::optional<kivhost::SiteKind> KindOf(Mode mode) {
-  if (mode == Mode::kAuto) {
-    return std::nullopt;
+kivhost::KindWanted WantedBy(const CommandLine& line) {
+  using enum kivhost::SiteKind;
+  kivhost::KindWanted wanted;
+  wanted.force = line.force;
+  if (line.mode == Mode::kLocal) {
+    wanted.kinds = {kLocal};
+  } else if (line.mode == Mode::kNetwork) {
+    wanted.kinds = {kTeachers, kShared};
   }
-  return mode == Mode::kLocal ? kivhost::SiteKind::kLocal : kivhost::SiteKind::kTeachers;
+  return wanted;
 }
 
 int Run(const CommandLine& line) {
-  const auto charset = kivhost::NeedCharset(line.charset);
   const Request request{Selector(line.teacher), Selector(line.group), !line.roster, line.quiet};
-  const kivhost::OpenStore store(line.root, KindOf(line.mode));
+  const kivhost::OpenStore store(line.root, WantedBy(line));
+  const auto charset = kivhost::NeedCharset(kivhost::CharsetOf(store, line.charset));
   if (!store.HasTeachers() && !line.teacher.empty()) {
     throw HostError(kWrongUsage, "--teacher: " + store.Root() + " is a store without teachers");
   }

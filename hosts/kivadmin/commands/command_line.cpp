@@ -8,7 +8,12 @@ void AddStoreArguments(const Command& command, CommonOptions& common) {
                               {{"local", SiteKind::kLocal},
                                {"shared", SiteKind::kShared},
                                {"teachers", SiteKind::kTeachers}});
-  AddCharset(command, common, "The character set of the store's texts");
+  command.AddFlag(
+      "--force", common.force,
+      "Do it all the same: --kind against what the tree tells, over a file that is there");
+  AddCharset(command, common,
+             "The character set of the store's texts; else what kivstore.conf says, or "
+             "windows-1252");
 }
 
 void AddChangeArguments(const Command& command, CommonOptions& common) {
@@ -17,7 +22,7 @@ void AddChangeArguments(const Command& command, CommonOptions& common) {
 }
 
 void AddCharset(const Command& command, CommonOptions& common, const char* ofWhat) {
-  command.AddOption("--charset", common.charset, ofWhat).Takes("NAME").ShowDefault();
+  command.AddOption("--charset", common.charset, ofWhat).Takes("NAME");
 }
 
 void AddTeacherOption(const Command& command, EntryNames& names) {

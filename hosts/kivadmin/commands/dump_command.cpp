@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "hosts/common/store_conf.h"
 #include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/checking/store_file.h"
 #include "hosts/kivadmin/commands/command_line.h"
@@ -18,7 +19,7 @@ struct DumpArguments {
 };
 
 void Dump(const CommonOptions& common, const DumpArguments& arguments) {
-  const auto charset = kivhost::NeedCharset(common.charset);
+  const auto charset = kivhost::NeedCharset(common.charset.value_or(kivhost::kDefaultCharset));
   const std::string name = std::filesystem::path(arguments.file).filename().string();
   const StoreFileDump dump = DumpStoreFile(
       name, kivhost::ReadWholeFile(arguments.file, kMostBytes, "a file of a store", kNoStore),

@@ -11,6 +11,9 @@ namespace {
 struct NoArguments {};
 
 void Init(const CommonOptions& common, const NoArguments&) {
+  if (common.charset) {
+    kivhost::NeedCharset(*common.charset);  // ahead of making anything
+  }
   const std::string root = kivhost::HeldRoot(common.root);
   std::error_code error;
   if (!common.dryRun && !std::filesystem::create_directories(root, error) && error) {

@@ -12,12 +12,11 @@ namespace {
 struct TextFileArguments {
   EntryNames names;
   std::string file;
-  bool force = false;
 };
 
 void Export(const CommonOptions& common, const TextFileArguments& arguments) {
   std::error_code error;
-  if (!arguments.force && std::filesystem::exists(arguments.file, error)) {
+  if (!common.force && std::filesystem::exists(arguments.file, error)) {
     throw HostError(kWrongUsage, arguments.file + ": is there already; --force replaces it");
   }
   const Session session(common, Session::Access::kLook);
@@ -67,7 +66,6 @@ void AddOptionsExport(const Command& options, CommonOptions& common) {
   AddStoreArguments(command, common);
   AddLevelOptions(command, arguments.names);
   command.AddOption("FILE", arguments.file, "The text file").Require();
-  command.AddFlag("--force", arguments.force, "Replace the file if it is there");
 }
 
 void AddOptionsImport(const Command& options, CommonOptions& common) {

@@ -5,6 +5,7 @@
 
 #include "hosts/common/console.h"
 #include "hosts/common/failure_text.h"
+#include "hosts/common/store_conf.h"
 #include "hosts/kivadmin/session/looking_services.h"
 #include "store/list/entry_lock.h"
 #include "store/place/display_name.h"
@@ -18,6 +19,15 @@ std::unique_ptr<IFileServices> ServicesForLooking(bool isWanted) {
   return isWanted ? std::make_unique<LookingServices>(CreatingFileServices()) : nullptr;
 }
 
+kivhost::KindWanted WantedBy(const CommonOptions& options) {
+  kivhost::KindWanted wanted;
+  if (options.kind) {
+    wanted.kinds.push_back(*options.kind);
+  }
+  wanted.force = options.force;
+  return wanted;
+}
+
 bool IsControl(char c) {
   return static_cast<unsigned char>(c) < ' ' || c == 0x7F;
 }
@@ -29,11 +39,16 @@ bool HasIndexLock(SFileSpec folder) {
 }  // namespace
 
 Session::Session(const CommonOptions& options, Access access)
-    : charset(kivhost::NeedCharset(options.charset)),
-      dryRun(options.dryRun),
+    : dryRun(options.dryRun),
       lookingServices(ServicesForLooking(dryRun || access == Access::kLook)),
       services(lookingServices != nullptr ? *lookingServices : CreatingFileServices()),
-      store(options.root, options.kind, access == Access::kLayOut) {}
+      store(options.root, WantedBy(options), access == Access::kLayOut) {
+  const std::string name = kivhost::CharsetOf(store, options.charset);
+  charset = kivhost::NeedCharset(name);
+  if (options.charset && !IsLooking()) {
+    kivhost::SettleCharset(store, name);
+  }
+}
 
 SString Session::ToStore(const std::string& text, const std::string& what) const {
   const auto bytes = charset->FromUtf8(text);

@@ -28,8 +28,9 @@ using enum kivhost::ExitCode;
 // What the commands have in common on the command line.
 struct CommonOptions {
   std::string root;
-  std::optional<SiteKind> kind;  // unset: read off the tree
-  std::string charset = "windows-1252";
+  std::optional<SiteKind> kind;        // unset: read off the tree
+  bool force = false;                  // the kind also against the tree
+  std::optional<std::string> charset;  // unset: what the store has settled
   bool dryRun = false;
 };
 
@@ -84,11 +85,11 @@ class Session {
   void Say(const std::string& line) const;
 
  private:
-  std::unique_ptr<kivhost::Charset> charset;
   bool dryRun;
   std::unique_ptr<kivstore::IFileServices> lookingServices;  // in place if nothing may change
   FileServicesScope services;
   kivhost::OpenStore store;
+  std::unique_ptr<kivhost::Charset> charset;
   mutable std::string shortfall;  // what could not be written, the first
 };
 
