@@ -93,10 +93,11 @@ TEST_F(OptionsLoading, TheCurrentUserStandsInOnlyWhenItIsAskedForAndValid) {
 }
 
 TEST_F(OptionsLoading, LocksStayHeldAndOneThatCannotBeHadEndsTheLoad) {
-  for (const bool free : {true, false}) {
+  for (const char* const missing : {"", "class", "student"}) {
     Begin(Kind::kTeachers);
+    const bool free = *missing == '\0', hasClass = missing != std::string("class");
     if (!free) {
-      store.RemoveFile(room + "/options.lok");
+      store.RemoveFile((hasClass ? ann : room) + "/options.lok");
     }
     STeacherOptionsDob record;
     SSite& site = call->GetSite();
@@ -104,9 +105,9 @@ TEST_F(OptionsLoading, LocksStayHeldAndOneThatCannotBeHadEndsTheLoad) {
     EXPECT_EQ(free, App().LoadTeacherOptions({&classEntry, &annEntry, false, &record, false,
                                               &ofRoot, &ofClass, &ofStudent}));
     EXPECT_EQ(site.GetFailure().kind, free ? FailureKind::kNone : FailureKind::kMissing);
-    EXPECT_EQ(record.TextSize.value, free ? 5 : 3);
+    EXPECT_EQ(record.TextSize.value, free ? 5 : hasClass ? 4 : 3);
     EXPECT_EQ(std::tuple(ofRoot.IsFileOpen(), ofClass.IsFileOpen(), ofStudent.IsFileOpen()),
-              std::tuple(true, free, free));
+              std::tuple(true, hasClass, free));
     EXPECT_EQ(ofClass.failText, "");
     EXPECT_EQ(ofClass.lockedText,
               "The options are currently locked by someone else.  Press OK to try reading the "
@@ -114,7 +115,7 @@ TEST_F(OptionsLoading, LocksStayHeldAndOneThatCannotBeHadEndsTheLoad) {
     EXPECT_EQ(ofRoot.waitText, "Trying to access the options of all classes.\nPlease wait.");
     EXPECT_EQ(ofClass.waitText, "Trying to access the options of the class Room 12.\nPlease wait.");
     const SString wait = "Trying to access the options of the student Ann Lee.\nPlease wait.";
-    EXPECT_EQ(ofStudent.waitText, free ? wait : SLockFile(site).waitText);
+    EXPECT_EQ(ofStudent.waitText, hasClass ? wait : SLockFile(site).waitText);
   }
 }
 

@@ -60,6 +60,12 @@ TEST_F(RenamingTest, WhatIsNotListedOrGoneKeepsItsName) {
   EXPECT_EQ(owner.heard, Lines());
 }
 
+TEST_F(RenamingTest, WhereNobodyIsSelectedItIsTheFirstTeachersClass) {
+  site.SelectTeacher(nullptr);
+  EXPECT_TRUE(RenameClass(site, room, classes, "R"));
+  EXPECT_EQ(Index(kHill), IndexBytes({{"Den", "Den", ""}, {"Room", "R", ""}}));
+}
+
 TEST_F(RenamingTest, ATeacherWithoutClassesGetsTheDefaultClassFirst) {
   store.RemoveFolder(kHill);
   site.SelectTeacher(nullptr);
