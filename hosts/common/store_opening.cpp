@@ -33,7 +33,10 @@ HostError NoClassesIn(const std::string& root) {
   std::error_code error;
   const fs::directory_iterator entries(root, error);
   if (error) {
-    return {kNoStore, root + ": " + error.message() + "; ask for permission to read it"};
+    const bool isRefused = error == std::errc::permission_denied;
+    return {kNoStore, root + ": " + error.message() + "; " +
+                          (isRefused ? "ask for permission to read it"
+                                     : "look at the disk or the network that it is on")};
   }
   return {kNoStore, root + ": no folder " + ClassesName().GetText() +
                         " in it that can be read; give the data root of a store, or let kivadmin "

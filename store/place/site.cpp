@@ -40,11 +40,15 @@ const SKivTeacherOptionsDob* SSite::GetOptionsInForce() const {
 }
 
 void SSite::NoteFailure(FailureKind kind, const SString& path, ListKind list, SystemError system) {
-  if (!failure) {
-    failure.kind = kind;
-    failure.path = path;
-    failure.list = list;
-    failure.system = system;
+  constexpr int16_t kOtherError = 1;
+  if (failure) {
+    return;
+  }
+  if (kind == FailureKind::kMissing && SFileSpec::GetLastError() == kOtherError) {
+    const SFileFailure& last = SFileSpec::LastFailure();
+    failure = {FailureKindOf(last.error), list, last.error, last.path, SString()};
+  } else {
+    failure = {kind, list, system, path, SString()};
   }
 }
 

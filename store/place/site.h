@@ -89,6 +89,8 @@ class SSite {
   // fails because of it. Of its texts the last one composed is.
   const SFailure& GetFailure() const { return failure; }
   void ClearFailure() { failure = shortfall = {}; }
+  // What is noted as missing right after a look that could not be made is told as what stopped the
+  // look.
   void NoteFailure(FailureKind kind, const SString& path, ListKind list,
                    SystemError system = SystemError::kNone);
   // Of the file operation that has just failed.

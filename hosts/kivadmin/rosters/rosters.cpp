@@ -32,11 +32,19 @@ bool IsOfList(const SFailure& failure, const SFileSpec& folder) {
 
 Roster Load(const Session& session, const SFileSpec& folder, ListKind kind) {
   Roster roster{folder, {}};
-  // A folder that would be made, if anything could change, is an empty list.
-  if (!folder.IsExistingFolder() && session.IsLooking()) {
-    return roster;
-  }
   SSite& site = session.Site();
+  // A folder that would be made, if anything could change, is an empty list. One that could not be
+  // looked at is none.
+  if (!folder.IsExistingFolder()) {
+    site.ClearFailure();
+    site.NoteFailure(FailureKind::kMissing, folder.GetPath(), kind);
+    if (site.GetFailure().kind != FailureKind::kMissing) {
+      throw kivhost::Unable("read the list", site.GetFailure());
+    }
+    if (session.IsLooking()) {
+      return roster;
+    }
+  }
   SLockFile lock(site);
   session.TakeIndexLock(lock, folder, kind);
   site.ClearFailure();

@@ -3,6 +3,7 @@
 #include "foundation/files/file_failure.h"
 #include "records/tutor_options_dob.h"
 #include "store/place/failure_report.h"
+#include "tests/support/fault_file_services.h"
 #include "tests/support/site_fixture.h"
 
 using namespace kivstore;
@@ -48,6 +49,20 @@ TEST_F(SiteTest, TheSelectedTeacherIsACopyThatGoesWithTheCall) {
   EXPECT_EQ(site.GetOptionsInForce(), nullptr);
   EXPECT_FALSE(site.GetCountedClasses().IsValid());
   EXPECT_TRUE(site.HasStoreFailed());
+}
+
+// What could not be looked at is not told as missing.
+TEST_F(SiteTest, AServerThatIsGoneIsNoMissingFolder) {
+  FaultFileServices faults(*Platform().files);
+  const SPlatformOverride<IFileServices> installed(Platform().files, &faults);
+  faults.FailAt(1, SystemError::kDeviceGone);
+  SFileSpec folder = Spec("Classes.zep");
+  site.NoteFailure(FailureKind::kMissing, folder.GetPath(), ListKind::kClasses);
+  EXPECT_EQ(site.GetFailure().system, SystemError::kDeviceGone);
+  EXPECT_EQ(Why(), "other classes Classes.zep");
+  folder.Set("\\");
+  site.NoteFailure(FailureKind::kMissing, folder.GetPath(), ListKind::kClasses);
+  EXPECT_EQ(site.GetFailure().kind, FailureKind::kMissing);
 }
 
 TEST_F(SiteTest, TheFirstReasonIsKeptAndTheLastText) {
