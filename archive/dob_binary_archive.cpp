@@ -61,10 +61,10 @@ bool Read(SBinaryStream& stream, SSize& value) {
 bool Read(SBinaryStream& stream, SPoint& value) {
   return stream.ReadPoint(value);
 }
-// A memory stream takes a text without its NUL and only its position tells.
+// A memory stream delivers a last text without its NUL, and only what was left tells.
 bool Read(SBinaryStream& stream, SString& value) {
-  SStreamSource& source = stream.Source();
-  if (stream.ReadText(value) && source.GetPosition() > source.GetLength()) {
+  const int32_t left = stream.Source().BytesLeft();
+  if (stream.ReadText(value) && value.GetLength() >= left) {
     stream.SetError(true);
   }
   return !stream.HasError();
@@ -138,8 +138,7 @@ bool SDobBinaryArchive::ReadBlob(MemoryHandle& handle, int32_t& length) {
   if (!stream->ReadLong(stored)) {
     return false;
   }
-  SStreamSource& source = stream->Source();
-  if (stored > int64_t{source.GetLength()} - source.GetPosition()) {
+  if (stored > stream->Source().BytesLeft()) {
     stream->SetError(true);
     return false;
   }

@@ -82,7 +82,7 @@ bool SDob::CheckFileVersion(int32_t& status, const SFileSpec& spec, uint32_t ver
   SBinaryStream stream(SBinaryStream::kRead, &source, false);
   SDobBinaryArchive archive(SDobBinaryArchive::kRead, &stream);
   status = archive.HasError() ? kCannotOpen : CheckHead(archive, version);
-  if (source.HasError() && source.GetPosition() < source.GetLength()) {
+  if (source.HasError() && source.BytesLeft() > 0) {
     status = kCannotOpen;
   }
   return status == kVersionEqual;

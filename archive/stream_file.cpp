@@ -99,6 +99,15 @@ int32_t SStreamSrcFile::GetLength() {
   return mode == kWrite ? std::max(file->Size(), GetPosition()) : fileSize;
 }
 
+// A peek at the buffer's end leaves the cursor, and with it the position, behind what it brought.
+int32_t SStreamSrcFile::BytesLeft() {
+  if (mode == kWrite) {
+    return SStreamSource::BytesLeft();
+  }
+  const int64_t left = int64_t{GetLength()} - filePos + std::max(Held(), 0);
+  return static_cast<int32_t>(std::max<int64_t>(left, 0));
+}
+
 bool SStreamSrcFile::Extend(int32_t n) {
   if (error || mode != kWrite) {
     return false;

@@ -38,6 +38,7 @@ class SStreamSrcFile : public SStreamSource {
   bool UnreadByte() override;
   const uint8_t* GetBlock(int32_t& count) override;
   bool Skip(int32_t n) override;
+  int32_t BytesLeft() override;
 
   // Why the file did not open: SFile's error output.
   int32_t GetOpenError() const { return openError; }

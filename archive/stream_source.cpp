@@ -32,10 +32,14 @@ bool SStreamSource::Close() {
   return true;
 }
 
+int32_t SStreamSource::BytesLeft() {
+  return static_cast<int32_t>(std::max<int64_t>(int64_t{GetLength()} - GetPosition(), 0));
+}
+
 bool SStreamSource::ReadDelimited(SString& dest, const char* delimiters, bool skipRun,
                                   bool consumeOne) {
   dest.Empty();
-  if (error || IsAtEnd()) {
+  if (!HasNext()) {
     error = true;
     return false;
   }

@@ -50,6 +50,9 @@ class SStreamSource {
   // The stream's next bytes without a copy, consumed; `count` comes back as what was delivered.
   virtual const uint8_t* GetBlock(int32_t& count) = 0;
   virtual bool Skip(int32_t n) = 0;
+  // How many bytes can still be read, never below 0: what a count or length in the stream is held
+  // against. Not the length less the position, which may stand behind the end.
+  virtual int32_t BytesLeft();
 
   bool HasError() const { return error; }
 
@@ -86,8 +89,7 @@ class SStreamSource {
   int32_t bufferValid = 0;    // bytes of it that hold data to be read
 
  private:
-  bool IsAtEnd() { return GetPosition() >= GetLength(); }
-  bool HasNext() { return !error && !IsAtEnd(); }
+  bool HasNext() { return !error && BytesLeft() > 0; }
 };
 
 }  // namespace kivstore

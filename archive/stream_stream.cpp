@@ -102,8 +102,7 @@ bool SStreamSrcStream::UnreadByte() {
 }
 
 const uint8_t* SStreamSrcStream::GetBlock(int32_t& count) {
-  count =
-      IsUsable() ? std::clamp(count, 0, std::clamp(GetLength() - GetPosition(), 0, kScratch)) : 0;
+  count = std::clamp(count, 0, std::min(BytesLeft(), kScratch));
   if (!IsUsable()) {
     return nullptr;
   }

@@ -40,6 +40,7 @@ class SStreamSrcStream : public SStreamSource {
   // At most kScratch bytes, good until the next operation.
   const uint8_t* GetBlock(int32_t& count) override;
   bool Skip(int32_t n) override;
+  int32_t BytesLeft() override { return IsUsable() ? Taken(Inner().BytesLeft()) : 0; }
 
  private:
   bool IsUsable() const { return !error && stream != nullptr; }

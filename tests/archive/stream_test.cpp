@@ -154,6 +154,7 @@ TEST_P(Streams, ReadWhatTheBytesSay) {
       ReadSomething(s, copy, at, draw, GetParam());
       ASSERT_FALSE(s.HasError());
       ASSERT_EQ(s.GetPosition(), static_cast<int32_t>(at));
+      ASSERT_EQ(s.BytesLeft(), static_cast<int32_t>(copy.size() - at));
       ASSERT_EQ(s.GetLength(), static_cast<int32_t>(copy.size()));
     }
   });
@@ -301,8 +302,10 @@ TEST_F(FileStreams, PeekingAtTheBuffersEndStaysInsideItAndNoCloseCutsTheOldFile)
     SStreamSrcFile stream(FileOf(bytes)), written(FileOf(bytes, "old"));
     EXPECT_TRUE(stream.Open(kRead) && stream.PeekByte() == 'x');
     stream.Read(bytes.data(), 65536, false);
+    files.FallShortAt(1, 1000);
     stream.PeekByte();
-    EXPECT_FALSE(stream.HasError());
+    EXPECT_EQ(stream.BytesLeft(), 3464) << "the position stands behind the end";
+    EXPECT_TRUE(stream.Read(bytes.data(), 3464, false) && stream.BytesLeft() == 0);
     EXPECT_TRUE(written.Open(kWrite) && written.Write("ab", 2, false));
   }
   EXPECT_EQ(Stored("old"), "ab");
@@ -371,6 +374,7 @@ TEST(SStreamSrcMemory, DeliversAllOrNothing) {
   SString last;
   EXPECT_TRUE(text.ReadDelimited(last, nullptr, true, true));
   EXPECT_EQ(text.GetPosition(), 7) << "one past the size, for a text without its NUL";
+  EXPECT_EQ(text.BytesLeft(), 0);
   EXPECT_FALSE(text.ReadDelimited(last, nullptr, true, true) || text.HasError());
   EXPECT_EQ(text.PeekByte() + text.ReadByte(), 0);
   EXPECT_TRUE(text.HasError());
