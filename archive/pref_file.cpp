@@ -1,11 +1,8 @@
-// Opening, closing and the operations; pref_file_edit.cpp moves the bytes.
 #include "archive/pref_file.h"
 
 #include <algorithm>
-#include <cstring>
 #include <new>
 
-#include "archive/pref_scanner.h"
 #include "foundation/files/file_type.h"
 
 namespace kivstore {
@@ -35,8 +32,8 @@ class SPrefFile::Opening {
 };
 
 SPrefFile::SPrefFile(MemoryHandle handle, int32_t size, bool owns)
-    : handle(handle), length(size), capacity(size), ownsHandle(owns) {
-  if (size < 0 || !Load()) {
+    : handle(handle), ownsHandle(owns) {
+  if (size < 0 || !Load(size, size)) {
     Abandon();
   }
 }
@@ -53,7 +50,7 @@ bool SPrefFile::Open(int32_t newAccessMode) {
   }
   accessMode = newAccessMode;
   changedMark = false;
-  if (OpenFile() && Load()) {
+  if (OpenFile()) {
     return true;
   }
   Abandon();
@@ -69,32 +66,31 @@ bool SPrefFile::OpenFile() {
   if (file == nullptr || !file->Open(writing ? SFile::kWrite : SFile::kRead, spec)) {
     return false;
   }
-  length = file->Size();
-  if (length < 0 || length > kLongestText) {
+  fileLength = file->Size();
+  if (fileLength < 0 || fileLength > kLongestText) {
     return false;
   }
-  capacity = writing ? length + kWritingRoom : length == 0 ? kEmptyRoom : length;
-  handle = AllocateBlock(capacity);
+  const int32_t room = writing ? kWritingRoom : fileLength == 0 ? kEmptyRoom : 0;
+  handle = AllocateBlock(fileLength + room);
   ownsHandle = true;
-  return true;
+  return Load(fileLength, fileLength + room);
 }
 
-bool SPrefFile::Load() {
-  text = static_cast<char*>(LockBlock(handle));
-  if (text == nullptr || (file != nullptr && !Fill())) {
+bool SPrefFile::Load(int32_t length, int32_t capacity) {
+  if (!text.Hold(handle, length, capacity) || (file != nullptr && !Fill())) {
     return false;
   }
-  cursor = text;
-  end = text + length;
   changed = false;
   isOpen = true;
   return true;
 }
 
 bool SPrefFile::Fill() {
+  char* const bytes = text.Whole();
+  const int32_t length = text.GetLength();
   int32_t filled = 0;
   while (filled < length) {
-    const int32_t arrived = file->Read(length - filled, text + filled);
+    const int32_t arrived = file->Read(length - filled, bytes + filled);
     if (arrived <= 0) {
       return false;
     }
@@ -110,13 +106,11 @@ void SPrefFile::Abandon() {
 }
 
 void SPrefFile::ReleaseBlock() {
-  UnlockBlock(handle);
+  text.LetGo();
   if (ownsHandle) {
     FreeBlock(handle);
   }
   handle = nullptr;
-  text = cursor = end = nullptr;
-  length = capacity = 0;
 }
 
 void SPrefFile::Close() {
@@ -130,8 +124,13 @@ void SPrefFile::Close() {
   Abandon();
 }
 
+// The block never gets smaller, so it has room for what the file was.
 void SPrefFile::Store() {
-  if (file->Seek(0, 0) && file->Write(length, text) == length) {
+  char* const bytes = text.Whole();
+  const int32_t length = text.GetLength();
+  const int32_t padded = std::max(length, fileLength);
+  std::fill(bytes + length, bytes + padded, '\n');
+  if (file->Seek(0, 0) && file->Write(padded, bytes) == padded) {
     file->SetSize(length);
   }
   file->Flush();
@@ -146,59 +145,28 @@ void SPrefFile::SetChanged(bool value) {
 
 bool SPrefFile::GetValue(const char* section, const char* key, SString& value) {
   const Opening opening(*this, kRead);
-  if (!isOpen || !FindKey(section, key)) {
-    return false;
-  }
-  ReadValue(value);
-  return true;
+  return isOpen && text.GetValue(section, key, value);
+}
+
+template <class Operation>
+bool SPrefFile::Change(Operation operation) {
+  const Opening opening(*this, kWrite);
+  const bool done = IsWritable() && operation();
+  changed = changed || done;
+  return done;
 }
 
 bool SPrefFile::SetValue(const char* section, const char* key, const SString& value) {
-  const Opening opening(*this, kWrite);
-  const int32_t before = length;
-  if (!IsWritable() || !IsKeyName(key) || !NeedSection(section)) {
-    return false;
-  }
-  const bool sectionIsNew = length > before;
-  if (!NeedKey(key) || !WriteValue(value)) {
-    TakeBack(sectionIsNew ? text + before : cursor - (length - before), length - before);
-    return false;
-  }
-  changed = true;
-  return true;
+  return SPrefText::CanHold(section, key, value.View()) &&
+         Change([&] { return text.SetValue(section, key, value.View()); });
 }
 
 bool SPrefFile::DeleteSection(const char* section) {
-  const Opening opening(*this, kWrite);
-  if (!IsWritable()) {
-    return false;
-  }
-  SPrefScanner scanner = ScannerAt(text);
-  char* const header = scanner.FindSection(section);
-  if (header == nullptr) {
-    return false;
-  }
-  cursor = header;
-  CutTo(std::find(scanner.cursor, end, '['));
-  changed = true;
-  return true;
+  return Change([&] { return text.DeleteSection(section); });
 }
 
 bool SPrefFile::DeleteKey(const char* section, const char* key) {
-  const Opening opening(*this, kWrite);
-  if (!IsWritable() || !FindKey(section, key)) {
-    return false;
-  }
-  const char* behind = ScannerAt(cursor).LineEnd();
-  if (end - behind >= 2 && behind[0] == '\r' && behind[1] == '\n') {
-    behind += 2;
-  } else if (behind < end) {
-    ++behind;
-  }
-  cursor -= std::strlen(key) + 1;
-  CutTo(behind);
-  changed = true;
-  return true;
+  return Change([&] { return text.DeleteKey(section, key); });
 }
 
 }  // namespace kivstore

@@ -8,10 +8,6 @@
 namespace kivstore {
 namespace {
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
 bool EqualNoCase(char a, char b) {
   return FoldUpper(static_cast<unsigned char>(a)) == FoldUpper(static_cast<unsigned char>(b));
 }
@@ -75,6 +71,10 @@ bool IsSectionName(const char* name) {
 
 bool IsKeyName(const char* name) {
   return IsSectionName(name) && *name != '[' && !IsBlank(*name);
+}
+
+bool IsValue(std::string_view value) {
+  return std::none_of(value.begin(), value.end(), IsLineBreak);
 }
 
 }  // namespace kivstore

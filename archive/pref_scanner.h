@@ -12,6 +12,8 @@
 // in front of the first header cannot be reached.
 #pragma once
 
+#include <string_view>
+
 namespace kivstore {
 
 struct SPrefScanner {
@@ -32,6 +34,10 @@ struct SPrefScanner {
   bool FindKey(const char* name);
 };
 
+inline bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
+
 inline bool IsLineBreak(char c) {
   return c == '\r' || c == '\n';
 }
@@ -40,5 +46,7 @@ inline bool IsLineBreak(char c) {
 // as a header, or whose first blank would be passed over.
 bool IsSectionName(const char* name);
 bool IsKeyName(const char* name);
+// Nor a value with a line break.
+bool IsValue(std::string_view value);
 
 }  // namespace kivstore

@@ -2,6 +2,7 @@
 // bytes.
 #include "archive/pref_file_chain.h"
 #include "tests/archive/archive_support.h"
+#include "tests/support/draw.h"
 #include "tests/support/fault_file_services.h"
 
 namespace kivstore {
@@ -63,8 +64,6 @@ TEST_F(PrefFiles, EditsInPlaceAndLeavesAllOtherBytesAlone) {
       {"new section behind a line break", "[a]\nb=1\n", set, "[a]\nb=1\n[sec]\r\nkey=val\r\n"},
       {"new section behind text", "[a]\nb=1", set, "[a]\nb=1\r\n[sec]\r\nkey=val\r\n"},
       {"only the first section", "[sec]\n[sec]\nkey=", set, "[sec]\r\nkey=val\n[sec]\nkey="},
-      {"a value ends at its line break", "[sec]\nkey=1\n",
-       [](SPrefFile& f) { return f.SetValue("sec", "key", "v\r\n[b]\nc=1"); }, "[sec]\nkey=v\n"},
       {"key with its line break", "[sec]\r\nkey=1\r\n\r\nb=2", deleteKey, "[sec]\r\n\r\nb=2"},
       {"key with a single CR", "[sec]\rkey=1\r\rb=2", deleteKey, "[sec]\r\rb=2"},
       {"key at a torn end", "[sec]\nkey=1", deleteKey, "[sec]\n"},
@@ -77,6 +76,35 @@ TEST_F(PrefFiles, EditsInPlaceAndLeavesAllOtherBytesAlone) {
     EXPECT_TRUE(c.edit(file)) << c.what;
     EXPECT_EQ(Stored(), c.after) << c.what;
   }
+}
+
+// The index and the gap follow every edit: one opening comes to what an opening for each comes to.
+TEST_F(PrefFiles, ManyEditsInOneOpeningComeToTheSameAsOneByOne) {
+  constexpr const char* kNames[] = {"a", "A", "b", "a=b", "b]", "c"};
+  kivtest::ForSeeds(150, [&](kivtest::Draw& draw) {
+    std::string text;
+    for (int line = draw.Below(25); line > 0; --line) {
+      const std::string name = kNames[draw.Below(6)];
+      text += draw.OneIn(4) ? "[" + name + "]" : draw.Text(2, " \t\n[\xE9") + name + "=" + name;
+      text += draw.Text(2, "\r\n");
+    }
+    SPrefFile whole(FileOf(text, "whole")), single(FileOf(text));
+    whole.Open(SPrefFile::kWrite);
+    for (int edit = 0; edit < 40; ++edit) {
+      const char *const section = kNames[draw.Below(6)], *const key = kNames[draw.Below(6)];
+      const SString value('v', draw.Below(4));
+      const int kind = draw.Below(8);
+      for (SPrefFile* const file : {&whole, &single}) {
+        kind > 2     ? file->SetValue(section, key, value)
+        : kind > 0   ? file->DeleteKey(section, key)
+        : edit == 20 ? file->DeleteSection(section)
+                     : false;
+      }
+      ASSERT_EQ(ValueOf(whole, section, key), ValueOf(single, section, key));
+    }
+    whole.Close();
+    EXPECT_EQ(Stored("whole"), Stored()) << text;
+  });
 }
 
 TEST_F(PrefFiles, WhatIsNotThereOrHasNoNameIsFalseAndChangesNothing) {
@@ -93,6 +121,7 @@ TEST_F(PrefFiles, WhatIsNotThereOrHasNoNameIsFalseAndChangesNothing) {
        {static_cast<const char*>(nullptr), "", "k\ney", "[key", " key", "\tkey"}) {
     EXPECT_FALSE(file.SetValue("sec", name, "v") || file.SetValue("new", name, "v"));
   }
+  EXPECT_FALSE(file.SetValue("sec", "key", "v\rw") || file.SetValue("new", "key", "v\n"));
   file.Close();
   EXPECT_EQ(Stored(), text);
 }
@@ -126,6 +155,16 @@ TEST_F(PrefFiles, OpenForReadingNothingIsChangedAndOpenForWritingAllGoesBackOnCl
   files.FailAt(3, SystemError::kOther, true);
   EXPECT_FALSE(file.Open(SPrefFile::kRead)) << "cannot be read";
   EXPECT_TRUE(files.OpenPaths().empty());
+}
+
+TEST_F(PrefFiles, AFileThatGetsShorterEndsInNoRestOfTheOldTextBeforeItIsCut) {
+  kivtest::FaultFileServices files(*Platform().files);
+  const SPlatformOverride<IFileServices> installed(Platform().files, &files);
+  SPrefFile file(FileOf("[a]\nk=long\nl=1\n"));
+  ASSERT_TRUE(file.Open(SPrefFile::kWrite) && file.SetValue("a", "k", "s"));
+  files.FailAt(2);
+  file.Close();
+  EXPECT_EQ(Stored(), "[a]\nk=s\nl=1\n\n\n\n");
 }
 
 TEST_F(PrefFiles, GrowsByStepsRefusesWhatNoStepHoldsAndCutsAValueToWhatAStringHolds) {
