@@ -91,6 +91,13 @@ SDobPrefArchive::SDobPrefArchive(int32_t mode, const SFileSpec& spec)
   error = !Open(IsReading() ? SPrefFile::kRead : SPrefFile::kWrite);
 }
 
+void SDobPrefArchive::Finish() {
+  if (error) {
+    DropChanges();
+  }
+  Close();
+}
+
 void SDobPrefArchive::UseDefaultSection() {
   std::strcpy(section.text, "_Default");
 }
@@ -151,7 +158,9 @@ bool SDobPrefArchive::TransferHere(T& value) {
     return true;
   }
   SString text;
-  return GetValue(GetSection(), GetKey(), text) && Parse(text, value);
+  const bool found = GetValue(GetSection(), GetKey(), text);
+  keysFound += found ? 1 : 0;
+  return found && Parse(text, value);
 }
 
 bool SDobPrefArchive::TransferParts(const char* name, std::initializer_list<Part> parts) {

@@ -13,7 +13,8 @@
 //
 // A key that is missing, or on reading one whose value does not fit, leaves the variable as it was
 // and sets the error; the fields behind it are transferred all the same. A double has six decimals.
-// Blobs have no text form.
+// Blobs have no text form. Of what is written or deleted nothing comes to the file if there is an
+// error at the end, for a value that no line can hold among others: no section is left behind half.
 #pragma once
 
 #include <initializer_list>
@@ -32,6 +33,7 @@ class SDobPrefArchive final : public SDobTransfers<SDobPrefArchive>, public SPre
 
   // Opens the file; the error tells if that failed.
   SDobPrefArchive(int32_t mode, const SFileSpec& spec);
+  ~SDobPrefArchive() override { SDobPrefArchive::Finish(); }
 
   bool IsReading() const override { return mode != kWrite && mode != kDelete; }
   bool IsWriting() const override { return mode == kWrite; }
@@ -49,8 +51,11 @@ class SDobPrefArchive final : public SDobTransfers<SDobPrefArchive>, public SPre
   void PushKey(const char* name) override;
   void PopKey() override;
   const char* GetKey() const override { return key.text; }
-  void Finish() override { Close(); }
+  void Finish() override;
   bool TransferBlob(const char*, MemoryHandle&, int32_t&) override { return false; }
+
+  // How many keys were read so far that the file has, whatever they hold.
+  int64_t GetKeysFound() const { return keysFound; }
 
  private:
   friend SDobTransfers;
@@ -69,6 +74,7 @@ class SDobPrefArchive final : public SDobTransfers<SDobPrefArchive>, public SPre
   SPrefPath<32> section;
   SPrefPath<16> key;
   bool error;
+  int64_t keysFound = 0;
 };
 
 extern template class SDobTransfers<SDobPrefArchive>;

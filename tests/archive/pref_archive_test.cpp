@@ -142,6 +142,16 @@ TEST_F(PrefArchives, AMissingKeyFailsTheLoadButNotTheFieldsBehindItAndAMissingFi
   EXPECT_TRUE(record.Speed.value == 20 && record.Name == "Ann");
 }
 
+TEST_F(PrefArchives, ARecordThatNoTextCanHoldIsRefusedBeforeItsFirstKey) {
+  const std::string text = "[s]\r\nSpeed=20\r\n";
+  for (const SString& name : {SString("two\nlines"), SString('z', 9000)}) {
+    SampleDob record;
+    record.Name = name;
+    EXPECT_FALSE(record.SaveToPref(FileOf(text), "s") || record.SaveToPref(SpecOf("f"), "new"));
+    EXPECT_EQ(Stored(), text);
+  }
+}
+
 TEST_F(PrefArchives, SectionsMergeAsFilesDoAndAnyFormLoads) {
   SFileSpec spec = FileOf("");
   SampleDob first, second, merged;
