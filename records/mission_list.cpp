@@ -3,16 +3,13 @@
 #include <algorithm>
 #include <new>
 
+#include "archive/dob_pref_archive.h"
+
 namespace kivstore {
 namespace {
 
 // How many missions in a row a text may lack altogether before its count is not believed.
 constexpr int kMissesInText = 256;
-
-bool IsUntouched(const STOMissionDob& mission) {
-  static const STOMissionDob kDefault;
-  return mission.GetModified() == SDateTime::None() && mission.IsEqual(kDefault);
-}
 
 }  // namespace
 
@@ -101,19 +98,23 @@ void SMissionList::TransferMission(IDobArchive& archive, int32_t index, STOMissi
   archive.PopKey();
 }
 
-// The list grows as missions arrive; those that it cannot take are read past.
+// The list grows as missions arrive; those that it cannot take are read past. Only a text has more
+// behind what is missing; elsewhere nothing comes behind the first failure.
 void SMissionList::Read(IDobArchive& archive, uint16_t claimed) {
   if (claimed < count) {
     SetCount(claimed);
   }
-  const int tolerated = archive.GetKey() != nullptr ? kMissesInText : 0;
+  const auto* const text = dynamic_cast<const SDobPrefArchive*>(&archive);
   int misses = 0;
   STOMissionDob past;
-  for (int32_t i = 0; i < claimed && misses <= tolerated; ++i) {
+  for (int32_t i = 0; i < claimed && misses <= kMissesInText; ++i) {
+    const int64_t found = text != nullptr ? text->GetKeysFound() : 0;
     Grow(i + 1);
-    STOMissionDob& mission = i < count ? *missions[i] : past;
-    TransferMission(archive, i, mission);
-    misses = archive.HasError() && (tolerated == 0 || IsUntouched(mission)) ? misses + 1 : 0;
+    TransferMission(archive, i, i < count ? *missions[i] : past);
+    if (text == nullptr && archive.HasError()) {
+      return;
+    }
+    misses = text != nullptr && text->GetKeysFound() == found ? misses + 1 : 0;
   }
 }
 

@@ -144,8 +144,14 @@ TEST(MissionList, BelievesNoCountThatTheFileDoesNotBack) {
   EXPECT_FALSE(Fill(record, bytes.replace(bytes.size() - 25 * 60 - 9 - 2, 2, "\xFF\xFF")));
   EXPECT_LE(record.missions.GetCount(), 27);
   EXPECT_EQ(record.GetMissionSetting(5, 5), 2);
-  // A text may lack 256 missions in a row.
+  // A text may lack 256 missions in a row, whatever else it lacks.
   const PrefFile pref;
+  OptionsBytes options;
+  options.missions.resize(300);
+  RecordFields fields = options.Fields();
+  fields.erase(fields.begin());
+  EXPECT_FALSE(record.LoadFromPref(pref.Write(TextOf(fields, "O")), "O"));
+  EXPECT_EQ(record.missions.GetCount(), 300);
   for (const int place : {256, 257}) {
     const std::string text = std::to_string(place) + "_Typeline=8\r\n";
     EXPECT_FALSE(record.LoadFromPref(pref.Write("[O_Missions]\r\nCount=65535\r\n" + text), "O"));
