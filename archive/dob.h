@@ -98,7 +98,8 @@ class SDob {
   static bool CheckFileVersion(int32_t& status, const SFileSpec& spec, uint32_t version);
 
   // The same in a section of a preference file; the record may hold no blob. Loading fails if the
-  // section lacks a key, with the rest read all the same. Deleting leaves the section's header.
+  // section lacks a key, with the rest read all the same. Saving is refused whole, with the file as
+  // it was, for a value with a line break or without room. Deleting leaves the section's header.
   bool SaveToPref(const SFileSpec& spec, const char* section);
   bool LoadFromPref(const SFileSpec& spec, const char* section);
   bool DeleteFromPref(const SFileSpec& spec, const char* section);
