@@ -1,0 +1,514 @@
+"""Replays sessions with the host programs and compares all that they print.
+
+    run_transcripts.py BIN [--update] [--under EMULATOR] [NAME ...]
+
+BIN holds kivadmin, kivreport and hold_file. Every transcripts/NAME.txt is played, or those that are
+named. --update writes what was printed into the transcripts where it is not what they expect.
+
+A transcript is read like a terminal session. It has a folder of its own, in which its commands run:
+
+    # What rule is shown, and why.
+    $ kivadmin init {root}                a command, quoted as in a shell; {root} is a folder to be
+                                          made, {above} the one above it
+    laid out a store of kind teachers at {root}          its standard output, whole
+    ! kivadmin: ...                       a line of its standard error
+    [1]                                   its exit code, if not 0
+    ...                                   any lines
+    {any}                                 within a line: any text
+    {time}, {stamp}                       a date with its time, 20260102-030405
+    {hundreds}                            a whole number of at least 100
+    {=NAME}                               any text, but the same wherever {=NAME} stands
+
+Control characters and bytes that are no UTF-8 are shown as \\r, \\0, \\xNN; a last line without its
+end has a backslash for it, and so has an output's line that would be taken for something else in
+front. What begins as JSON must be JSON. Behind a command `> FILE` keeps its standard output instead
+of comparing it, and `&` runs it at once with the commands up to the first that has none.
+{tab} is a tab, and {=processors} how many of these there are.
+
+Steps of the runner's own. What they print is compared like a command's output; `\\` works in names
+and bytes as it does in a `> file` if a quotation keeps it, and a `*` stands for what is found.
+
+    > begin with NAME              plays another transcript first
+    > let NAME PATH                from then on {NAME} is that path
+    > file PATH                    writes the lines below, each with four blanks in front; \\r, \\0,
+                                   \\xNN, \\\\; a backslash at a line's end: no line's end there
+    > show PATH [FIRST COUNT]      prints a file, or so many bytes from one on
+    > copy KIND                    puts the golden store of that kind at {root}
+    > duplicate FROM TO            copies a file
+    > folder PATH, > remove PATH   makes, removes one
+    > lines PATH COUNT LINE        adds so many lines to a file, in which {n} is 1, 2 and so on
+    > cut PATH LENGTH              shortens a file, as a crash does
+    > empty PATH                   makes an empty file
+    > splice PATH AT COUNT BYTES   puts these bytes in place of so many
+    > edit PATH OLD NEW            puts NEW in place of every OLD, which must be there
+    > tree [PATH]                  prints the paths below {root}, or another
+    > remember                     keeps what is below {root}, names and bytes
+    > restore                      puts it back
+    > same                         all is as remembered
+    > changed                      prints what is not: + came, - went, ~ has other bytes
+    > diff A B                     prints the lines that differ in two files
+    > hold PATH, > read PATH       has it open for writing, reading in another process
+    > let go                       lets all of these go
+    > not under wine: WHY          leaves the transcript out there
+    > only on x86: WHY             leaves it out on other processors
+"""
+import argparse
+import concurrent.futures
+import difflib
+import json
+import os
+import pathlib
+import platform
+import re
+import shlex
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+TRANSCRIPTS = HERE / "transcripts"
+GOLDEN = HERE.parent / "golden"
+
+BEGINS_STEP = re.compile(r"[$>] ")
+COMMENT = re.compile(r"#( |$)")
+NOT_OUTPUT = re.compile(r"[$>#!] |#$|\[\d+\]$|\.\.\.$")
+WILD = {"{any}": r".*?", "{hundreds}": r"[1-9]\d{2,}", "{stamp}": r"20\d{6}-\d{6}",
+        "{time}": r"20\d\d-\d\d-\d\d[T ]\d\d:\d\d:\d\d"}
+ESCAPE = re.compile(rb"\\(x[0-9A-Fa-f]{2}|.)")
+
+
+class Wrong(Exception):
+    """A step that cannot be done."""
+
+
+class Step:
+    """A command or a step of the runner's own, and what it is expected to print."""
+
+    def __init__(self, head, line):
+        self.head, self.line = head, line
+        self.body, self.expected = [], []
+        self.got, self.is_met = None, True
+
+    @property
+    def words(self):
+        return shlex.split(self.line[2:])
+
+    def settle(self, got, captured):
+        """Holds what was printed against what is expected; `captured` are texts by {=NAME}."""
+        self.got = got
+        match = re.fullmatch(pattern_of(self.expected, captured), joined(got))
+        self.is_met = match is not None
+        captured.update(match.groupdict() if match else {})
+
+    def lines(self):
+        return self.head + [self.line] + self.body + (
+            self.expected if self.is_met else [generalized(line) for line in self.got])
+
+
+def joined(lines):
+    return "".join(line + "\n" for line in lines)
+
+
+def generalized(line):
+    for name in ("{time}", "{stamp}"):
+        line = re.sub(WILD[name], name, line)
+    return line
+
+
+def pattern_of(expected, captured):
+    known = {name: re.escape(text) for name, text in captured.items()}
+
+    def pattern_of_word(word):
+        if not word.startswith("{="):
+            return WILD.get(word) or re.escape(word)
+        name = word[2:-1]
+        first = known.get(name)
+        known[name] = first or f"(?P={name})"
+        return first or f"(?P<{name}>.*?)"
+
+    return "".join(
+        r"(?:.*\n)*?" if line == "..." else
+        "".join(map(pattern_of_word, re.split(r"(\{=?\w+\})", line))) + r"\n"
+        for line in expected)
+
+
+def parse(text):
+    """The steps of a transcript, and what stands behind the last of them."""
+    steps, head = [], []
+    for line in text.splitlines():
+        if BEGINS_STEP.match(line):
+            steps.append(Step(head, line))
+            head = []
+        elif not line or COMMENT.match(line):
+            head.append(line)
+        elif not steps or any(COMMENT.match(other) for other in head):
+            raise Wrong(f"no command stands above: {line}")
+        else:
+            take(steps[-1], head + [line])
+            head = []
+    return steps, head
+
+
+def take(step, lines):
+    for line in lines:
+        is_body = step.line.startswith("> file ") and (not line or line.startswith("    "))
+        (step.body if is_body else step.expected).append(line)
+
+
+def shown(data):
+    """Bytes as the lines of a transcript."""
+    text = data.decode("utf-8", "surrogateescape")
+    text = re.sub(r"[\x00-\x09\x0b-\x1f\x7f\udc80-\udcff]", shown_byte, text)
+    lines = text.split("\n")
+    lines[-1:] = [lines[-1] + "\\"] if lines[-1] else []
+    return ["\\" + line if NOT_OUTPUT.match(line) else line for line in lines]
+
+
+def shown_byte(match):
+    code = ord(match[0]) & 0xFF
+    return {0: "\\0", 9: "\\t", 13: "\\r"}.get(code, f"\\x{code:02X}")
+
+
+def bytes_of(text):
+    codes = {b"r": b"\r", b"n": b"\n", b"t": b"\t", b"0": b"\0"}
+    return ESCAPE.sub(lambda m: bytes.fromhex(m[1][1:].decode()) if len(m[1]) == 3
+                      else codes.get(m[1], m[1]), text.encode())
+
+
+def body_bytes(lines):
+    """What a `> file` holds."""
+    data = b""
+    for line in lines:
+        line = line[4:]
+        is_open = re.search(r"(?<!\\)(\\\\)*\\$", line)
+        data += bytes_of(line[:-1] if is_open else line + "\n")
+    return data
+
+
+def snapshot(root):
+    """Every path below with its bytes; None for a folder."""
+    return {str(path.relative_to(root)): None if path.is_dir() else path.read_bytes()
+            for path in sorted(root.rglob("*"))}
+
+
+def differences(before, after):
+    for path in sorted(before.keys() | after.keys()):
+        if path not in after:
+            yield "- " + path
+        elif path not in before:
+            yield "+ " + path
+        elif before[path] != after[path]:
+            yield "~ " + path
+
+
+class Programs:
+    """How the programs are run."""
+
+    def __init__(self, folder, emulator):
+        self.folder = pathlib.Path(folder).resolve()
+        self.emulator = shlex.split(emulator)
+        self.environment = {key: value for key, value in os.environ.items() if key != "SUDO_USER"}
+        self.environment["USER"] = "hill"
+
+    def command(self, words):
+        path = self.folder / words[0]
+        if not path.exists():
+            path = path.with_suffix(".exe")
+        if not path.exists():
+            raise Wrong(f"no program {path}")
+        return self.emulator + [str(path)] + words[1:]
+
+    def run(self, words, folder):
+        """With a standard input that no system takes for a terminal."""
+        return subprocess.run(self.command(words), cwd=folder, env=self.environment, input=b"",
+                              check=False, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+    def start(self, words):
+        return subprocess.Popen(self.command(words), env=self.environment,
+                                stdin=subprocess.DEVNULL)
+
+
+# Steps that say where a transcript is left out.
+LEFT_OUT = {"> not under wine": lambda programs: bool(programs.emulator),
+            "> only on x86": lambda programs: not re.match(r"x86|i.86|AMD64", platform.machine())}
+
+
+class Play:
+    """One transcript, played in a folder of its own."""
+
+    def __init__(self, name, programs):
+        self.name, self.programs = name, programs
+        self.path = TRANSCRIPTS / (name + ".txt")
+        self.steps, self.tail = parse(self.path.read_text(encoding="utf-8"))
+        self.skipped = self.why_skipped()
+        self.remembered, self.captured, self.held, self.together = {}, {}, [], []
+        self.fault = ""
+
+    def why_skipped(self):
+        for step in self.steps:
+            condition, _, why = step.line.partition(": ")
+            if condition in LEFT_OUT and LEFT_OUT[condition](self.programs):
+                return why
+        return ""
+
+    def run(self):
+        start = time.monotonic()
+        with tempfile.TemporaryDirectory(prefix="kivstore-test-") as folder:
+            self.above = pathlib.Path(folder).resolve()
+            self.root = self.above / "store"
+            self.names = {"{root}": str(self.root), "{above}": str(self.above), "{tab}": "\t"}
+            self.captured["processors"] = str(min(64, len(os.sched_getaffinity(0))))
+            try:
+                self.play(self.steps)
+            finally:
+                self.let_go()
+        self.seconds = time.monotonic() - start
+        return self
+
+    def play(self, steps):
+        for step in steps:
+            try:
+                (self.run_command if step.line[0] == "$" else self.run_step)(step)
+            except (Wrong, OSError, KeyError, IndexError, TypeError, ValueError) as error:
+                self.fault = f"{step.line}\n{type(error).__name__}: {error}"
+                return
+
+    def faults(self):
+        """What is not as expected, as a unified diff."""
+        wrong = [step for step in self.steps if not step.is_met]
+        text = ""
+        for step in wrong:
+            diff = difflib.unified_diff(step.expected, step.got, "expected", "got", lineterm="")
+            text += "\n".join([step.line, *diff]) + "\n"
+        return text + self.fault
+
+    def update(self):
+        lines = [line for step in self.steps for line in step.lines()]
+        self.path.write_text(joined(lines + self.tail), encoding="utf-8")
+
+    # Names and paths
+
+    def expand(self, text):
+        for name, path in self.names.items():
+            text = text.replace(name, path)
+        return text
+
+    def at(self, path):
+        path = self.above / os.fsdecode(bytes_of(self.expand(path)))
+        if "*" not in path.name + path.parent.name:
+            return path
+        found = list(self.above.glob(str(path.relative_to(self.above))))
+        if len(found) != 1:
+            raise Wrong(f"{len(found)} of these are there")
+        return found[0]
+
+    def hide(self, data):
+        """The folder's name out of what was printed, and slashes below it on every system."""
+        text = data.decode("utf-8", "surrogateescape")
+        if self.programs.emulator:
+            below = re.escape(str(self.above)).replace("/", r"[/\\]{1,2}")
+            text = re.sub(rf"(?:[A-Za-z]:)?{below}[^\s\"',;:]*",
+                          lambda match: re.sub(r"^[A-Za-z]:|(?<=\\)\\", "", match[0])
+                          .replace("\\", "/"), text)
+        text = text.replace(str(self.root), "{root}").replace(str(self.above), "{above}")
+        return text.encode("utf-8", "surrogateescape")
+
+    # Commands
+
+    def run_command(self, step):
+        words = step.words
+        is_together = words[-1] == "&"
+        words = words[:-1] if is_together else words
+        thread = threading.Thread(target=self.run_words, args=(step, words))
+        thread.start()
+        self.together.append(thread)
+        if not is_together:
+            for other in self.together:
+                other.join()
+            self.together = []
+
+    def run_words(self, step, words):
+        kept = None
+        if len(words) > 2 and words[-2] == ">":
+            kept, words = self.at(words[-1]), words[:-2]
+        try:
+            result = self.programs.run([self.expand(word) for word in words], self.above)
+        except (Wrong, OSError) as error:
+            step.settle([f"! {error}"], self.captured)
+            return
+        output = self.hide(result.stdout)
+        if kept:
+            kept.write_bytes(output)
+        step.settle(self.told(b"" if kept else output, self.hide(result.stderr),
+                              result.returncode), self.captured)
+
+    @staticmethod
+    def told(output, errors, code):
+        lines = shown(output)
+        if output.startswith((b"{\n", b"[\n")):
+            try:
+                json.loads(output)
+            except ValueError as error:
+                lines.append(f"(no JSON: {error})")
+        lines += ["! " + line for line in shown(errors)]
+        return lines + ([f"[{code}]"] if code else [])
+
+    # The runner's own steps
+
+    def run_step(self, step):
+        if step.line.partition(": ")[0] in LEFT_OUT:
+            return
+        first, *words = step.words
+        if first == "file":
+            self.write(self.at(words[0]), body_bytes(step.body))
+            return
+        two = f"{first}_{words[0]}" if words else first
+        if hasattr(self, "do_" + two):
+            first, words = two, words[1:]
+        do = getattr(self, "do_" + first, None)
+        if do is None:
+            raise Wrong("no such step")
+        step.settle(list(do(*words) or []), self.captured)
+
+    @staticmethod
+    def write(path, data):
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(data)
+
+    def do_begin_with(self, name):
+        other = Play(name, self.programs)
+        other.above, other.root, other.names = self.above, self.root, self.names
+        other.play(other.steps)
+        if other.faults():
+            raise Wrong(f"{name}: {other.faults()}")
+
+    def do_let(self, name, path):
+        self.names["{" + name + "}"] = self.expand(path)
+
+    def do_show(self, path, first="0", count=None):
+        data = self.at(path).read_bytes()[int(first):]
+        return shown(data if count is None else data[:int(count)])
+
+    def do_copy(self, kind):
+        shutil.copytree(GOLDEN / kind / "store", self.root)
+
+    def do_duplicate(self, source, target):
+        self.write(self.at(target), self.at(source).read_bytes())
+
+    def do_folder(self, path):
+        self.at(path).mkdir(parents=True)
+
+    def do_remove(self, path):
+        path = self.at(path)
+        shutil.rmtree(path) if path.is_dir() else path.unlink()
+
+    def do_lines(self, path, count, line):
+        with open(self.at(path), "ab") as file:
+            for number in range(1, int(count) + 1):
+                file.write(bytes_of(line.replace("{n}", str(number)) + "\n"))
+
+    def do_cut(self, path, length):
+        data = self.at(path).read_bytes()
+        if int(length) >= len(data):
+            raise Wrong(f"it has {len(data)} bytes")
+        self.write(self.at(path), data[:int(length)])
+
+    def do_empty(self, path):
+        self.write(self.at(path), b"")
+
+    def do_splice(self, path, at, count, new=""):
+        data, at, count = self.at(path).read_bytes(), int(at), int(count)
+        if at + count > len(data):
+            raise Wrong(f"it has {len(data)} bytes")
+        self.write(self.at(path), data[:at] + bytes_of(new) + data[at + count:])
+
+    def do_edit(self, path, old, new):
+        data, old = self.at(path).read_bytes(), bytes_of(old)
+        if old not in data:
+            raise Wrong("it is not there")
+        self.write(self.at(path), data.replace(old, bytes_of(new)))
+
+    def do_tree(self, path="{root}"):
+        folder = self.at(path)
+        return [name + ("/" if data is None else "") for name, data in snapshot(folder).items()]
+
+    def do_remember(self):
+        self.remembered = snapshot(self.root)
+
+    def do_restore(self):
+        shutil.rmtree(self.root)
+        for path, data in self.remembered.items():
+            target = self.root / path
+            target.mkdir(parents=True) if data is None else self.write(target, data)
+
+    def do_same(self):
+        return differences(self.remembered, snapshot(self.root))
+
+    do_changed = do_same
+
+    def do_diff(self, a, b):
+        lines = [shown(self.at(path).read_bytes()) for path in (a, b)]
+        diff = difflib.unified_diff(*lines, lineterm="", n=0)
+        return [line for line in list(diff)[2:] if not line.startswith("@@")]
+
+    def do_hold(self, path, how="w"):
+        flag = self.above / f"held{len(self.held)}"
+        program = self.programs.start(["hold_file", str(self.at(path)), how, str(flag)])
+        self.held.append((flag, program))
+        while not flag.exists():
+            if program.poll() is not None:
+                raise Wrong("it cannot be held")
+            time.sleep(0.001)
+
+    def do_read(self, path):
+        self.do_hold(path, "r")
+
+    def do_let_go(self):
+        self.let_go()
+
+    def let_go(self):
+        for flag, program in self.held:
+            flag.unlink(missing_ok=True)
+            program.wait()
+        self.held = []
+
+
+def command_line():
+    parser = argparse.ArgumentParser(description="Replays sessions with the host programs.")
+    parser.add_argument("programs", metavar="BIN")
+    parser.add_argument("names", metavar="NAME", nargs="*")
+    parser.add_argument("--update", action="store_true")
+    parser.add_argument("--under", metavar="EMULATOR", default="")
+    return parser.parse_args()
+
+
+def main():
+    """The counts are told as the other test programs tell theirs."""
+    line = command_line()
+    names = line.names or sorted(path.stem for path in TRANSCRIPTS.glob("*.txt"))
+    plays = [Play(name, Programs(line.programs, line.under)) for name in names]
+    left = [play for play in plays if play.skipped]
+    # What takes time is waiting for locks, but for an emulator.
+    workers = os.cpu_count() if line.under else 16
+    with concurrent.futures.ThreadPoolExecutor(workers) as pool:
+        played = list(pool.map(Play.run, [play for play in plays if not play.skipped]))
+    failed = [play for play in played if play.faults()]
+    for play in failed:
+        print(f"--- {play.name}\n{play.faults()}")
+        if line.update:
+            play.update()
+    for play in left:
+        print(f"left out: {play.name}: {play.skipped}")
+    print(f"[  PASSED  ] {len(played) - len(failed)} tests.")
+    if left:
+        print(f"[  SKIPPED ] {len(left)} tests.")
+    if failed:
+        print(f"[  FAILED  ] {len(failed)} tests: " + " ".join(play.name for play in failed))
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
