@@ -15,7 +15,8 @@ A transcript is read like a terminal session. It has a folder of its own, in whi
     [1]                                   its exit code, if not 0
     ...                                   any lines
     {any}                                 within a line: any text
-    {time}, {stamp}                       a date with its time, 20260102-030405
+    {time}, {stamp}, {seconds}            a time of our days: a date with its time, as 20260102-030405,
+                                          in seconds since 1904
     {hundreds}                            a whole number of at least 100
     {=NAME}                               any text, but the same wherever {=NAME} stands
 
@@ -33,7 +34,7 @@ and bytes as it does in a `> file` if a quotation keeps it, and a `*` stands for
     > file PATH                    writes the lines below, each with four blanks in front; \\r, \\0,
                                    \\xNN, \\\\; a backslash at a line's end: no line's end there
     > show PATH [FIRST COUNT]      prints a file, or so many bytes from one on
-    > copy KIND                    puts the golden store of that kind at {root}
+    > copy KIND [PATH]             puts the golden store of that kind at {root}, or another path
     > duplicate FROM TO            copies a file
     > folder PATH, > remove PATH   makes, removes one
     > lines PATH COUNT LINE        adds so many lines to a file, in which {n} is 1, 2 and so on
@@ -76,7 +77,7 @@ BEGINS_STEP = re.compile(r"[$>] ")
 COMMENT = re.compile(r"#( |$)")
 NOT_OUTPUT = re.compile(r"[$>#!] |#$|\[\d+\]$|\.\.\.$")
 WILD = {"{any}": r".*?", "{hundreds}": r"[1-9]\d{2,}", "{stamp}": r"20\d{6}-\d{6}",
-        "{time}": r"20\d\d-\d\d-\d\d[T ]\d\d:\d\d:\d\d"}
+        "{seconds}": r"(?:3[89]|4[0-2])\d{8}", "{time}": r"20\d\d-\d\d-\d\d[T ]\d\d:\d\d:\d\d"}
 ESCAPE = re.compile(rb"\\(x[0-9A-Fa-f]{2}|.)")
 
 
@@ -113,8 +114,9 @@ def joined(lines):
 
 
 def generalized(line):
-    for name in ("{time}", "{stamp}"):
-        line = re.sub(WILD[name], name, line)
+    """A line of output without the times of its day."""
+    for name in ("{time}", "{stamp}", "{seconds}"):
+        line = re.sub(rf"(?<!\d){WILD[name]}(?!\d)", name, line)
     return line
 
 
@@ -160,7 +162,7 @@ def take(step, lines):
 
 def shown(data):
     """Bytes as the lines of a transcript."""
-    text = data.decode("utf-8", "surrogateescape")
+    text = data.decode("utf-8", "surrogateescape").replace("\ufeff", r"\xEF\xBB\xBF")
     text = re.sub(r"[\x00-\x09\x0b-\x1f\x7f\udc80-\udcff]", shown_byte, text)
     lines = text.split("\n")
     lines[-1:] = [lines[-1] + "\\"] if lines[-1] else []
@@ -392,8 +394,8 @@ class Play:
         data = self.at(path).read_bytes()[int(first):]
         return shown(data if count is None else data[:int(count)])
 
-    def do_copy(self, kind):
-        shutil.copytree(GOLDEN / kind / "store", self.root)
+    def do_copy(self, kind, path="{root}"):
+        shutil.copytree(GOLDEN / kind / "store", self.at(path))
 
     def do_duplicate(self, source, target):
         self.write(self.at(target), self.at(source).read_bytes())
@@ -482,7 +484,7 @@ def command_line():
     parser.add_argument("names", metavar="NAME", nargs="*")
     parser.add_argument("--update", action="store_true")
     parser.add_argument("--under", metavar="EMULATOR", default="")
-    return parser.parse_args()
+    return parser.parse_intermixed_args()
 
 
 def main():
