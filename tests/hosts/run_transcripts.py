@@ -1,3 +1,4 @@
+#!/usr/bin/env python3
 """Replays sessions with the host programs and compares all that they print.
 
     run_transcripts.py BIN [--update] [--under EMULATOR] [NAME ...]
@@ -15,8 +16,8 @@ A transcript is read like a terminal session. It has a folder of its own, in whi
     [1]                                   its exit code, if not 0
     ...                                   any lines
     {any}                                 within a line: any text
-    {time}, {stamp}, {seconds}            a time of our days: a date with its time, as 20260102-030405,
-                                          in seconds since 1904
+    {time}, {stamp}, {seconds}            a time of our days: a date with its time, the same as
+                                          20260102-030405, or in seconds since 1904
     {hundreds}                            a whole number of at least 100
     {=NAME}                               any text, but the same wherever {=NAME} stands
 
@@ -42,11 +43,12 @@ and bytes as it does in a `> file` if a quotation keeps it, and a `*` stands for
     > empty PATH                   makes an empty file
     > splice PATH AT COUNT BYTES   puts these bytes in place of so many
     > edit PATH OLD NEW            puts NEW in place of every OLD, which must be there
-    > tree [PATH]                  prints the paths below {root}, or another
+    > tree [PATH]                  prints the paths below {root}, or another, with their lengths but 0
     > remember                     keeps what is below {root}, names and bytes
     > restore                      puts it back
     > same                         all is as remembered
     > changed                      prints what is not: + came, - went, ~ has other bytes
+    > json PATH KEY ...            prints what a file of JSON holds there
     > diff A B                     prints the lines that differ in two files
     > hold PATH, > read PATH       has it open for writing, reading in another process
     > let go                       lets all of these go
@@ -69,125 +71,13 @@ import tempfile
 import threading
 import time
 
+sys.dont_write_bytecode = True
+from transcript import Wrong, body_bytes, bytes_of, joined, parse, shown
+
 HERE = pathlib.Path(__file__).resolve().parent
 TRANSCRIPTS = HERE / "transcripts"
 GOLDEN = HERE.parent / "golden"
-
-BEGINS_STEP = re.compile(r"[$>] ")
-COMMENT = re.compile(r"#( |$)")
-NOT_OUTPUT = re.compile(r"[$>#!] |#$|\[\d+\]$|\.\.\.$")
-WILD = {"{any}": r".*?", "{hundreds}": r"[1-9]\d{2,}", "{stamp}": r"20\d{6}-\d{6}",
-        "{seconds}": r"(?:3[89]|4[0-2])\d{8}", "{time}": r"20\d\d-\d\d-\d\d[T ]\d\d:\d\d:\d\d"}
-ESCAPE = re.compile(rb"\\(x[0-9A-Fa-f]{2}|.)")
-
-
-class Wrong(Exception):
-    """A step that cannot be done."""
-
-
-class Step:
-    """A command or a step of the runner's own, and what it is expected to print."""
-
-    def __init__(self, head, line):
-        self.head, self.line = head, line
-        self.body, self.expected = [], []
-        self.got, self.is_met = None, True
-
-    @property
-    def words(self):
-        return shlex.split(self.line[2:])
-
-    def settle(self, got, captured):
-        """Holds what was printed against what is expected; `captured` are texts by {=NAME}."""
-        self.got = got
-        match = re.fullmatch(pattern_of(self.expected, captured), joined(got))
-        self.is_met = match is not None
-        captured.update(match.groupdict() if match else {})
-
-    def lines(self):
-        return self.head + [self.line] + self.body + (
-            self.expected if self.is_met else [generalized(line) for line in self.got])
-
-
-def joined(lines):
-    return "".join(line + "\n" for line in lines)
-
-
-def generalized(line):
-    """A line of output without the times of its day."""
-    for name in ("{time}", "{stamp}", "{seconds}"):
-        line = re.sub(rf"(?<!\d){WILD[name]}(?!\d)", name, line)
-    return line
-
-
-def pattern_of(expected, captured):
-    known = {name: re.escape(text) for name, text in captured.items()}
-
-    def pattern_of_word(word):
-        if not word.startswith("{="):
-            return WILD.get(word) or re.escape(word)
-        name = word[2:-1]
-        first = known.get(name)
-        known[name] = first or f"(?P={name})"
-        return first or f"(?P<{name}>.*?)"
-
-    return "".join(
-        r"(?:.*\n)*?" if line == "..." else
-        "".join(map(pattern_of_word, re.split(r"(\{=?\w+\})", line))) + r"\n"
-        for line in expected)
-
-
-def parse(text):
-    """The steps of a transcript, and what stands behind the last of them."""
-    steps, head = [], []
-    for line in text.splitlines():
-        if BEGINS_STEP.match(line):
-            steps.append(Step(head, line))
-            head = []
-        elif not line or COMMENT.match(line):
-            head.append(line)
-        elif not steps or any(COMMENT.match(other) for other in head):
-            raise Wrong(f"no command stands above: {line}")
-        else:
-            take(steps[-1], head + [line])
-            head = []
-    return steps, head
-
-
-def take(step, lines):
-    for line in lines:
-        is_body = step.line.startswith("> file ") and (not line or line.startswith("    "))
-        (step.body if is_body else step.expected).append(line)
-
-
-def shown(data):
-    """Bytes as the lines of a transcript."""
-    text = data.decode("utf-8", "surrogateescape").replace("\ufeff", r"\xEF\xBB\xBF")
-    text = re.sub(r"[\x00-\x09\x0b-\x1f\x7f\udc80-\udcff]", shown_byte, text)
-    lines = text.split("\n")
-    lines[-1:] = [lines[-1] + "\\"] if lines[-1] else []
-    return ["\\" + line if NOT_OUTPUT.match(line) else line for line in lines]
-
-
-def shown_byte(match):
-    code = ord(match[0]) & 0xFF
-    return {0: "\\0", 9: "\\t", 13: "\\r"}.get(code, f"\\x{code:02X}")
-
-
-def bytes_of(text):
-    codes = {b"r": b"\r", b"n": b"\n", b"t": b"\t", b"0": b"\0"}
-    return ESCAPE.sub(lambda m: bytes.fromhex(m[1][1:].decode()) if len(m[1]) == 3
-                      else codes.get(m[1], m[1]), text.encode())
-
-
-def body_bytes(lines):
-    """What a `> file` holds."""
-    data = b""
-    for line in lines:
-        line = line[4:]
-        is_open = re.search(r"(?<!\\)(\\\\)*\\$", line)
-        data += bytes_of(line[:-1] if is_open else line + "\n")
-    return data
+LONGEST = 300  # seconds of one command
 
 
 def snapshot(root):
@@ -226,7 +116,8 @@ class Programs:
     def run(self, words, folder):
         """With a standard input that no system takes for a terminal."""
         return subprocess.run(self.command(words), cwd=folder, env=self.environment, input=b"",
-                              check=False, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+                              check=False, timeout=LONGEST, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE)
 
     def start(self, words):
         return subprocess.Popen(self.command(words), env=self.environment,
@@ -275,17 +166,18 @@ class Play:
             try:
                 (self.run_command if step.line[0] == "$" else self.run_step)(step)
             except (Wrong, OSError, KeyError, IndexError, TypeError, ValueError) as error:
-                self.fault = f"{step.line}\n{type(error).__name__}: {error}"
+                self.fault = f"{step.line}\n{type(error).__name__}: {error}\n"
                 return
 
     def faults(self):
         """What is not as expected, as a unified diff."""
-        wrong = [step for step in self.steps if not step.is_met]
         text = ""
-        for step in wrong:
-            diff = difflib.unified_diff(step.expected, step.got, "expected", "got", lineterm="")
-            text += "\n".join([step.line, *diff]) + "\n"
-        return text + self.fault
+        for step in self.steps:
+            if not step.is_met and step.got is not None:
+                diff = difflib.unified_diff(step.expected, step.got, "expected", "got", lineterm="")
+                text += joined([step.line, *diff])
+        unplayed = [step.line for step in self.steps if step.got is None]
+        return text + self.fault + ("not played: " + unplayed[0] if unplayed else "")
 
     def update(self):
         lines = [line for step in self.steps for line in step.lines()]
@@ -338,8 +230,8 @@ class Play:
             kept, words = self.at(words[-1]), words[:-2]
         try:
             result = self.programs.run([self.expand(word) for word in words], self.above)
-        except (Wrong, OSError) as error:
-            step.settle([f"! {error}"], self.captured)
+        except (Wrong, OSError, subprocess.SubprocessError) as error:
+            step.settle([f"(not run: {error})"], self.captured)
             return
         output = self.hide(result.stdout)
         if kept:
@@ -362,11 +254,11 @@ class Play:
 
     def run_step(self, step):
         if step.line.partition(": ")[0] in LEFT_OUT:
+            step.settle([], self.captured)
             return
         first, *words = step.words
         if first == "file":
-            self.write(self.at(words[0]), body_bytes(step.body))
-            return
+            words.append(step.body)
         two = f"{first}_{words[0]}" if words else first
         if hasattr(self, "do_" + two):
             first, words = two, words[1:]
@@ -389,6 +281,9 @@ class Play:
 
     def do_let(self, name, path):
         self.names["{" + name + "}"] = self.expand(path)
+
+    def do_file(self, path, body):
+        self.write(self.at(path), body_bytes(body))
 
     def do_show(self, path, first="0", count=None):
         data = self.at(path).read_bytes()[int(first):]
@@ -435,7 +330,8 @@ class Play:
 
     def do_tree(self, path="{root}"):
         folder = self.at(path)
-        return [name + ("/" if data is None else "") for name, data in snapshot(folder).items()]
+        return [name + ("/" if data is None else f": {len(data)} bytes" if data else "")
+                for name, data in snapshot(folder).items()]
 
     def do_remember(self):
         self.remembered = snapshot(self.root)
@@ -455,6 +351,12 @@ class Play:
         lines = [shown(self.at(path).read_bytes()) for path in (a, b)]
         diff = difflib.unified_diff(*lines, lineterm="", n=0)
         return [line for line in list(diff)[2:] if not line.startswith("@@")]
+
+    def do_json(self, path, *keys):
+        value = json.loads(self.at(path).read_bytes())
+        for key in keys:
+            value = value[int(key) if isinstance(value, list) else key]
+        return [json.dumps(value, ensure_ascii=False)]
 
     def do_hold(self, path, how="w"):
         flag = self.above / f"held{len(self.held)}"
@@ -493,8 +395,8 @@ def main():
     names = line.names or sorted(path.stem for path in TRANSCRIPTS.glob("*.txt"))
     plays = [Play(name, Programs(line.programs, line.under)) for name in names]
     left = [play for play in plays if play.skipped]
-    # What takes time is waiting for locks, but for an emulator.
-    workers = os.cpu_count() if line.under else 16
+    # What takes time is waiting for locks, or starting the programs under an emulator.
+    workers = 2 * os.cpu_count() if line.under else 16
     with concurrent.futures.ThreadPoolExecutor(workers) as pool:
         played = list(pool.map(Play.run, [play for play in plays if not play.skipped]))
     failed = [play for play in played if play.faults()]

@@ -188,8 +188,7 @@ RecordFields GameOptionsBytes::Fields(const std::string& prefix) const {
                                 "DictationStationDone", "KeyFiguresDone"}) {
     fields.AddArray(key, 'b', Doneness(25));
   }
-  return fields.Append(
-      {{"", prefix + "AllMissionsCompleted", 'b', false, false, {AllMissionsCompleted}}});
+  return fields.Append({{"", prefix + "AllMissionsCompleted", 'b', false, false, {0}}});
 }
 
 RecordFields MissionBytes::Fields(const Stamps& stamps, const std::string& prefix) const {
@@ -257,7 +256,7 @@ RecordFields GameBytes::ErrorFields(const std::string& section) const {
 
 RecordFields GameBytes::LessonFields(const std::string& section) const {
   FieldList fields(section);
-  fields.AddOptions(kLesson, {{"BestTotalTime", bestTotalTime}});
+  fields.AddOptions(kLesson, {});
   fields.AddArray("KeyErrorsDuringExercises", 'l', std::vector<int>(48));
   fields.Add("CurrentLessonNumber", 's', currentLessonNumber);
   return fields.Add("LearnedNewKeys", 'b', learnedNewKeys);

@@ -81,7 +81,6 @@ struct GameOptionsBytes {
   int CurrentMissionNumber = 1;
   Doneness LessonDone = Doneness(25);
   Doneness NotebookDone = Doneness(25);
-  bool AllMissionsCompleted = false;
   Stamps stamps;
 
   RecordFields Fields(const std::string& prefix = "") const;
@@ -122,7 +121,6 @@ struct GameBytes {
   bool publicFile = false;
   GameOptionsBytes options;
   std::vector<int32_t> keyTypedWrong = std::vector<int32_t>(48);
-  uint32_t bestTotalTime = 0;
   int currentLessonNumber = 1;
   bool learnedNewKeys = false;
 
