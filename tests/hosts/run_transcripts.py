@@ -25,7 +25,7 @@ Control characters and bytes that are no UTF-8 are shown as \\r, \\0, \\xNN; a l
 end has a backslash for it, and so has an output's line that would be taken for something else in
 front. What begins as JSON must be JSON. Behind a command `> FILE` keeps its standard output instead
 of comparing it, and `&` runs it at once with the commands up to the first that has none.
-{tab} is a tab, and {=processors} how many of these there are.
+{tab} is a tab; {=processors} is how many processors there are, of which at most 64 are counted.
 
 Steps of the runner's own. What they print is compared like a command's output; `\\` works in names
 and bytes as it does in a `> file` if a quotation keeps it, and a `*` stands for what is found.
@@ -43,10 +43,10 @@ and bytes as it does in a `> file` if a quotation keeps it, and a `*` stands for
     > empty PATH                   makes an empty file
     > splice PATH AT COUNT BYTES   puts these bytes in place of so many
     > edit PATH OLD NEW            puts NEW in place of every OLD, which must be there
-    > tree [PATH]                  prints the paths below {root}, or another, with their lengths but 0
+    > tree [PATH]                  prints the paths below {root} or another, with lengths but 0
     > remember                     keeps what is below {root}, names and bytes
     > restore                      puts it back
-    > same                         all is as remembered
+    > same                         all is as remembered, or nothing behind it is played
     > changed                      prints what is not: + came, - went, ~ has other bytes
     > json PATH KEY ...            prints what a file of JSON holds there
     > diff A B                     prints the lines that differ in two files
@@ -343,9 +343,12 @@ class Play:
             target.mkdir(parents=True) if data is None else self.write(target, data)
 
     def do_same(self):
-        return differences(self.remembered, snapshot(self.root))
+        changes = list(self.do_changed())
+        if changes:
+            raise Wrong("\n".join(["it is not:", *changes]))
 
-    do_changed = do_same
+    def do_changed(self):
+        return differences(self.remembered, snapshot(self.root))
 
     def do_diff(self, a, b):
         lines = [shown(self.at(path).read_bytes()) for path in (a, b)]
