@@ -10,7 +10,7 @@
 // server. A name that is not there as written costs the look through its folder more.
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "platform/inert_makers.h"
 
@@ -45,7 +45,7 @@ class SPosixFileServices : public SInertMakers {
   bool Delete(const char* path, SystemError& error) override;
   bool RemoveFolder(const char* path, SystemError& error) override;
   bool Move(const char* from, const char* to, SystemError& error) override;
-  const char* BlockingFile() override { return blockingFile.c_str(); }
+  const char* BlockingFile() override { return blockingFile; }
 
   // Opening, asking the folder for its mark, reading, closing.
   std::unique_ptr<IFolderWalk> Walk(const char* folder, const char* mask,
@@ -57,9 +57,10 @@ class SPosixFileServices : public SInertMakers {
 
  private:
   bool Succeeded(int result);
+  void NoteBlocker(std::string_view path);
 
   SystemError transferError = SystemError::kNone;
-  std::string blockingFile;
+  char blockingFile[4096] = "";
 };
 
 }  // namespace kivstore

@@ -148,12 +148,17 @@ bool SPosixFileServices::RemoveFolder(const char* path, SystemError& error) {
   return error == SystemError::kNone;
 }
 
+void SPosixFileServices::NoteBlocker(std::string_view path) {
+  path = path.substr(0, sizeof blockingFile - 1);
+  *std::replace_copy(path.begin(), path.end(), blockingFile, '/', '\\') = '\0';
+}
+
 bool SPosixFileServices::Move(const char* from, const char* to, SystemError& error) {
   PosixPath source(from);
   PosixPath target(to);
   struct stat facts;
   bool respelled = false;
-  blockingFile.clear();
+  NoteBlocker({});
   error = Locate(source, facts);
   if (error == SystemError::kNone) {
     error = LocateTarget(target, source, facts, respelled);
@@ -164,8 +169,7 @@ bool SPosixFileServices::Move(const char* from, const char* to, SystemError& err
   Descriptor hold;
   FolderHold folderHold;
   int failure = HoldForMove(source, facts, hold, folderHold);
-  blockingFile = folderHold.GetBlocker();
-  std::replace(blockingFile.begin(), blockingFile.end(), '/', '\\');
+  NoteBlocker(folderHold.GetBlocker());
   if (failure == 0 && respelled) {
     failure = rename(source.Text(), target.Text()) == 0 ? 0 : errno;
   } else if (failure == 0) {
