@@ -46,6 +46,10 @@ std::string CharsetOf(const OpenStore& store, const std::optional<std::string>& 
     throw HostError(kWrongUsage, "--charset " + *told + ": the texts of this store are in " +
                                      settled + ", as " + PathOf(conf) + " says");
   }
+  if (!settled.empty() && Charset::Open(settled) == nullptr) {
+    throw HostError(kNoStore, PathOf(conf) + ": charset=" + settled +
+                                  ": no such character set; put the right name there");
+  }
   return !settled.empty() ? settled : told.value_or(kDefaultCharset);
 }
 

@@ -17,7 +17,8 @@ namespace kivhost {
 inline constexpr const char* kDefaultCharset = "windows-1252";
 
 // What the store has settled, or else what the command line told, or else the default. Throws
-// HostError if the command line contradicts the store.
+// HostError if the command line contradicts the store, or if the store has settled one that the
+// system does not know.
 std::string CharsetOf(const OpenStore& store, const std::optional<std::string>& told);
 // From now on; nothing if the store has settled it already.
 void SettleCharset(const OpenStore& store, const std::string& charset);

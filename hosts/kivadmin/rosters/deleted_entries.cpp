@@ -194,7 +194,13 @@ SLoginNameObj PutBack(const Session& session, const DeletedEntry& deleted) {
   const SFileSpec list = ListOf(session, deleted);
   SLoginNameObj entry;
   session.Change("put back " + deleted.Text(), [&] {
-    return kivstore::PutBack(session.Site(), list, KindOfLevel(deleted), deleted.folder, entry);
+    const bool isBack =
+        kivstore::PutBack(session.Site(), list, KindOfLevel(deleted), deleted.folder, entry);
+    if (session.Site().GetFailure().kind == FailureKind::kNameTaken) {
+      throw HostError(kRefused, "unable to put back " + deleted.Text() + ": " + session.Show(list) +
+                                    " has that name already; rename the one there first");
+    }
+    return isBack;
   });
   if (!session.IsDryRun()) {
     RemovePlace(session, deleted.place);
