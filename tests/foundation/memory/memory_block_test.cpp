@@ -15,7 +15,9 @@ TEST(MemoryBlock, KeepsItsHandleAndBytesWhenResizedAndWhenItCannotBe) {
   EXPECT_TRUE(ResizeBlock(handle, 100000));
   for (const int64_t size : {int64_t{0}, int64_t{-1}, INT64_MAX, int64_t{0x80000000}}) {
     EXPECT_FALSE(ResizeBlock(handle, size) || ResizeBlock(nullptr, size)) << size;
-    EXPECT_EQ(AllocateBlock(size) != nullptr, size == 0) << size;
+    const MemoryHandle asked = AllocateBlock(size);
+    EXPECT_EQ(asked != nullptr, size == 0) << size;
+    FreeBlock(asked);
   }
   EXPECT_EQ(std::memcmp(LockBlock(handle), "abcd", 4), 0);
   EXPECT_TRUE(ResizeBlock(handle, 2));
