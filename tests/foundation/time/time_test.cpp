@@ -178,11 +178,13 @@ TEST(WaitTicks, SpinsUntilTheCountHasReachedTheEndBySignedNumbers) {
   }
 }
 
+#ifndef _WIN32  // where std::clock tells the time of day
 TEST(WaitTicks, LeavesTheProcessorAlone) {
   const std::clock_t used = std::clock();
   WaitTicks(200);
   EXPECT_LT(std::clock() - used, CLOCKS_PER_SEC / 20);
 }
+#endif
 
 TEST(Beep, IsTheExclamation) {
   TestClock clock;

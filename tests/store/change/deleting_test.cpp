@@ -6,6 +6,7 @@
 #include "store/change/setting_aside.h"
 #include "store/list/entry_lock.h"
 #include "tests/support/school_fixture.h"
+#include "tests/support/wine.h"
 
 using namespace kivstore;
 using namespace kivtest;
@@ -186,8 +187,10 @@ TEST_F(DeletingFilesTest, AFileThatCannotGoLeavesTheIndexAlone) {
     EXPECT_EQ(Why(), c.why);
   }
   const SFileSpec busy = Spec(home + "/c.doc");
-  const Holder other(busy);
-  DeleteSuffixes({"doc"}, "");
+  {
+    const Holder other(busy);
+    DeleteSuffixes({"doc"}, "");
+  }
   EXPECT_EQ(Told(),
             "The file '" + Bytes(busy.GetPath()) +
                 "' could not be %2d.  Make sure you have the necessary privileges to create, read, "
@@ -231,7 +234,8 @@ TEST_F(DeletingTest, ALockHoldsTheEntryOnlyWhereItIs) {
   SLockFile lock(site);
   EXPECT_TRUE(LockIndex(lock, home, ListKind::kStudents, true));
   // Where a folder with an open file can be renamed at all.
-  if (rename(temp.Path(kRoom + "/AnnLee").c_str(), temp.Path("x").c_str()) == 0) {
+  if (!RunsUnderWine() &&
+      rename(temp.Path(kRoom + "/AnnLee").c_str(), temp.Path("x").c_str()) == 0) {
     temp.WriteFile(kRoom + "/AnnLee/longname.kiv", LongNameBytes("Ann", "Lee"));
     temp.WriteFile(kRoom + "/AnnLee/index.lok", "");
     EXPECT_FALSE(HoldsEntry(site, lock, home, ann, ListKind::kStudents));
@@ -245,9 +249,11 @@ TEST_F(DeletingTest, WhoIsSetAsideComesBackUnderAFreeName) {
   const auto putBack = [&](const char* from, SLoginNameObj& entry) {
     return PutBack(site, Spec(kRoom), ListKind::kStudents, Spec(from), entry);
   };
-  {
-    const Holder other(Spec(kRoom + "/AnnLee/mark"));
-    EXPECT_EQ(WhyNot(setAside("1")).substr(0, 16), "in use students ");
+  if (!RunsUnderWine()) {  // where a folder moves though a file in it is open
+    {
+      const Holder other(Spec(kRoom + "/AnnLee/mark"));
+      EXPECT_EQ(WhyNot(setAside("1")).substr(0, 16), "in use students ");
+    }
     EXPECT_EQ(Changed(), Lines());
   }
   EXPECT_TRUE(setAside("1"));

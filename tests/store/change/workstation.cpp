@@ -39,14 +39,8 @@ class Workstation {
  public:
   Workstation(SSite& site, int number)
       : site(site), name("P" + std::to_string(number)), draw(static_cast<uint32_t>(number) + 1) {
-    SLoginList teachers, classes;
-    LoadTeacherList(site, teachers);
-    for (const SLoginNameObj& teacher : teachers) {
-      site.SelectTeacher(&teacher);
-      LoadClassList(site, classes, true);
-      for (const SLoginNameObj& entry : classes) {
-        places.push_back({teacher, entry});
-      }
+    while (places.empty()) {  // the lists may be in the others' hands for longer than is waited
+      FindPlaces();
     }
   }
 
@@ -91,6 +85,18 @@ class Workstation {
     std::string first, last;
     const Place* place;
   };
+
+  void FindPlaces() {
+    SLoginList teachers, classes;
+    LoadTeacherList(site, teachers);
+    for (const SLoginNameObj& teacher : teachers) {
+      site.SelectTeacher(&teacher);
+      LoadClassList(site, classes, true);
+      for (const SLoginNameObj& entry : classes) {
+        places.push_back({teacher, entry});
+      }
+    }
+  }
 
   const Place& AnyPlace() {
     return places[static_cast<size_t>(draw.Below(static_cast<int>(places.size())))];
