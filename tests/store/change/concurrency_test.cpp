@@ -30,6 +30,7 @@ class ConcurrencyTest : public TransactionFixture {
       EXPECT_EQ(result.exitCode, 0) << result.errors;
       std::istringstream lines(result.output);
       for (std::string line; std::getline(lines, line);) {
+        std::erase(line, '\r');
         told.push_back(line);
       }
       EXPECT_FALSE(told.empty()) << "nothing was done";
