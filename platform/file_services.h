@@ -88,11 +88,11 @@ class IFileServices {
   // Cuts or extends the file to the position.
   virtual bool SetEnd(FileHandle file) = 0;
   virtual bool Flush(FileHandle file) = 0;
-  // Why the last Read, Write, SetEnd or Flush that moved less than asked or answered false did so:
-  // kNone for a reading that met the end of the file. Services that cannot tell say kOther.
   // Whether the path leads to the file that is open, whose folder may have been renamed since.
   // Where an open file keeps its folder in place it always does.
   virtual bool LeadsTo(const char* /*path*/, FileHandle /*file*/) { return true; }
+  // Why the last Read, Write, SetEnd or Flush that moved less than asked or answered false did so:
+  // kNone for a reading that met the end of the file. Services that cannot tell say kOther.
   virtual SystemError TransferError() { return SystemError::kOther; }
 
   // One look. Where the system keeps the hidden mark apart from the rest, `hidden` tells only what

@@ -38,15 +38,11 @@ void WriteEntry(SBinaryStream& stream, const SOurFileObj& file) {
   stream.WriteText(file.extension);
 }
 
-int32_t BytesLeft(SBinaryStream& stream) {
-  return stream.Source().GetLength() - stream.Source().GetPosition();
-}
-
 // Of what the file counts no more than its remaining bytes can hold, and one record that is torn.
 int32_t ReadCount(SBinaryStream& stream, SIndexObj& index) {
   int32_t count = 0;
   stream.ReadLong(count);
-  const int32_t most = std::max(BytesLeft(stream), 0) / kLeastRecord;
+  const int32_t most = stream.Source().BytesLeft() / kLeastRecord;
   index.torn |= count < 0 || count > most;
   return std::clamp(count, 0, most + 1);
 }
@@ -97,7 +93,7 @@ void ReadHalves(SBinaryStream& stream, SIndexObj& index) {
   } else if (!stream.HasError()) {
     index.incomplete |= !ReadEntries(stream, fileCount, *index.files);
   }
-  index.torn |= stream.HasError() || BytesLeft(stream) > 0;
+  index.torn |= stream.HasError() || stream.Source().BytesLeft() > 0;
 }
 
 bool ReadIndexFile(const SFileSpec& spec, SIndexObj& index) {

@@ -61,7 +61,8 @@ SString FindLongNameOfFile(const SFileSpec& spec, const SString& extension) {
 bool WriteIndexNoted(SSite& site, const SFileSpec& spec, SIndexObj& index, ListKind list) {
   const uint32_t before = LastFileFailure().number;
   const bool written = WriteIndex(spec, index);
-  if (LastFileFailure().number != before) {
+  // An index that could not be read to its end is not written over.
+  if (index.incomplete || LastFileFailure().number != before) {
     site.NoteShortfall(list);
   }
   return written;

@@ -31,7 +31,7 @@ bool ReadLongName(const SFileSpec& file, SString& first, SString& last) {
   }
   stream.ReadText(first);
   stream.ReadText(last);
-  return source.GetPosition() >= source.GetLength();
+  return source.BytesLeft() == 0;
 }
 
 }  // namespace kivstore

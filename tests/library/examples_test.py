@@ -13,18 +13,6 @@ import sys
 import tempfile
 import unittest
 
-NETWORKED = """\
-Mr Björk
-  Klasse 7
-    Nils Åkesson: mission 1
-Ms Hill
-  Room 12
-    Ann Lee: mission 7
-    José Núñez: mission 4
-    Mei: mission 1
-  Späte Gruppe
-    Bob O'Brien: mission 25
-"""
 LOCAL = """\
   Room 12
     Ann Lee: mission 7
@@ -33,6 +21,12 @@ LOCAL = """\
   Späte Gruppe
     Bob O'Brien: mission 25
 """
+NETWORKED = """\
+Mr Björk
+  Klasse 7
+    Nils Åkesson: mission 1
+Ms Hill
+""" + LOCAL
 HOST = """\
 #include <kivstore/general_proc.h>
 int main(void) { SGeneralParams p; p.command = KIV_PRODUCT_ID; return p.command != 78; }

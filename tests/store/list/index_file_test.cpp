@@ -130,6 +130,8 @@ TEST_F(IndexFile, StaysAsItWasWhileInUseAndWhereItWasNotSeen) {
     EXPECT_FALSE(Read(index));
     EXPECT_TRUE(index.incomplete);
     EXPECT_TRUE(WriteIndex(folder, index));
+    EXPECT_TRUE(Ensure("New", "New", "", kNoLimit));
+    EXPECT_EQ(site.GetShortfall().kind, FailureKind::kInUse);
   }
   // Free again, but this index never saw what the file holds.
   EXPECT_TRUE(WriteIndex(folder, index));
