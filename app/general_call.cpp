@@ -2,8 +2,10 @@
 
 #include <new>
 
+#include "foundation/files/file_spec.h"
 #include "foundation/files/file_type.h"
 #include "game/game_dob.h"
+#include "platform/platform.h"
 #include "records/tutor_options_dob.h"
 
 namespace kivstore {
@@ -26,7 +28,12 @@ SGeneralCall::SGeneralCall(const SGeneralParams& params)
     MakeRecords(*app);
     app->SetProperty("Data", params.dataPath != nullptr ? params.dataPath : "");
     app->ApplyDataPath();
+    Platform().files->KeepDataRoot(SFileSpec::HeldForm({}, app->GetDataPath().View()).GetText());
   }
+}
+
+SGeneralCall::~SGeneralCall() {
+  Platform().files->KeepDataRoot("");
 }
 
 }  // namespace kivstore

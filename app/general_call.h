@@ -18,7 +18,7 @@ class SGeneralCall {
   // Nothing in it is checked: where memory or the path lacks, the command finds no store. `mode` 0
   // is a local store, any other a networked one with teachers.
   explicit SGeneralCall(const SGeneralParams& params);
-  ~SGeneralCall() = default;
+  ~SGeneralCall();
   SGeneralCall(const SGeneralCall&) = delete;
   SGeneralCall& operator=(const SGeneralCall&) = delete;
 

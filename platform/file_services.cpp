@@ -2,6 +2,14 @@
 
 namespace kivstore {
 
+void SForwardingFileServices::KeepDataRoot(const char* path) {
+  inner.KeepDataRoot(path);
+}
+
+bool SForwardingFileServices::IsShared() {
+  return inner.IsShared();
+}
+
 FileHandle SForwardingFileServices::Open(const char* path, FileAccess access, SystemError& error) {
   return inner.Open(path, access, error);
 }

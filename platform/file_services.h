@@ -75,6 +75,13 @@ class IFileServices {
  public:
   virtual ~IFileServices() = default;
 
+  // The folder that holds the store of the operations to come, as the store holds its path; empty
+  // at the end of a command, which lets go of it. Services that need not know do nothing.
+  virtual void KeepDataRoot(const char* /*path*/) {}
+  // Whether other machines may change the file system of what lies there, so that what is cached
+  // here may be old. Asked of the system once per file system, so that it costs nothing to ask.
+  virtual bool IsShared() { return false; }
+
   // Opens a file that exists; null on failure, and for a folder. Never waits.
   virtual FileHandle Open(const char* path, FileAccess access, SystemError& error) = 0;
   virtual void Close(FileHandle file) = 0;
@@ -136,6 +143,8 @@ class SForwardingFileServices : public IFileServices {
  public:
   explicit SForwardingFileServices(IFileServices& inner) : inner(inner) {}
 
+  void KeepDataRoot(const char* path) override;
+  bool IsShared() override;
   FileHandle Open(const char* path, FileAccess access, SystemError& error) override;
   void Close(FileHandle file) override;
   int32_t Read(FileHandle file, void* buffer, int32_t count) override;

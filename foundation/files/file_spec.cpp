@@ -81,21 +81,28 @@ bool SFileSpec::Refresh() {
   return SetJoined(path.View(), {});
 }
 
-bool SFileSpec::SetJoined(std::string_view folder, std::string_view rest) {
+SString SFileSpec::HeldForm(std::string_view folder, std::string_view rest) {
   const size_t length = folder.size() + rest.size();
-  if (length == 0) {
+  SString held;
+  char* const text = length != 0 ? StartPath(held, length) : nullptr;
+  if (text != nullptr) {
+    AddForeignPart(AddPart(text, folder), rest);
+    held.ReleaseBuffer(static_cast<int>(NormalizePath(text, length)));
+  }
+  return held;
+}
+
+bool SFileSpec::SetJoined(std::string_view folder, std::string_view rest) {
+  if (folder.empty() && rest.empty()) {
     Reset();
     return false;
   }
-  SString asked;
-  char* const text = StartPath(asked, length);
-  if (text == nullptr) {
+  SString asked = HeldForm(folder, rest);
+  if (asked.IsEmpty()) {
     Reset();
     gLastError = kOtherError;
     return NoteFileFailure(SString(), SystemError::kInvalidName);
   }
-  AddForeignPart(AddPart(text, folder), rest);
-  asked.ReleaseBuffer(static_cast<int>(NormalizePath(text, length)));
   return TakeAttributes(asked);
 }
 

@@ -107,6 +107,10 @@ class SFileSpec {
   // process's and goes on from call to call.
   bool MakeUniqueName(SString& name, const SString& extension) const;
 
+  // `rest` behind `folder` as a spec holds it, without a look: with backslashes, without the steps
+  // that mean nothing or lead back. Empty for one too long to be held.
+  static SString HeldForm(std::string_view folder, std::string_view rest);
+
   // What the last Set met: 0 none, 1 other, 2 not found, 3 sharing violation.
   static int16_t GetLastError();
   // Where and why the last file operation failed; see file_failure.h.

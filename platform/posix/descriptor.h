@@ -7,7 +7,7 @@ namespace kivstore {
 
 class Descriptor {
  public:
-  explicit Descriptor(int number = -1) : number(number) {}
+  constexpr explicit Descriptor(int number = -1) : number(number) {}
   ~Descriptor() { Reset(-1); }
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "platform/base/never_destroyed.h"
+#include "platform/posix/data_root.h"
 #include "platform/posix/posix_path.h"
 #include "platform/posix/services.h"
 
@@ -18,6 +19,14 @@ namespace {
 constinit NeverDestroyed<SPosixFileServices> gFileServices;
 
 }  // namespace
+
+void SPosixFileServices::KeepDataRoot(const char* path) {
+  KeptDataRoot().Keep(path);
+}
+
+bool SPosixFileServices::IsShared() {
+  return KeptDataRoot().IsShared();
+}
 
 bool SPosixFileServices::DiskSpace(const char* root, uint64_t& total, uint64_t& free,
                                    uint32_t& cluster) {

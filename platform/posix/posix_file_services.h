@@ -18,6 +18,9 @@ namespace kivstore {
 
 class SPosixFileServices : public SInertMakers {
  public:
+  void KeepDataRoot(const char* path) override;
+  bool IsShared() override;
+
   // Open and lock. A folder opens for reading; it has no size and nothing to read.
   FileHandle Open(const char* path, FileAccess access, SystemError& error) override;
   void Close(FileHandle file) override;

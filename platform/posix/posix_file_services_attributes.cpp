@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/posix/data_root.h"
 #include "platform/posix/dos_attribute.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
@@ -33,6 +34,7 @@ int LookAt(const char* path, struct stat& facts, bool& link) {
   if (lstat(path, &facts) != 0) {
     return errno;
   }
+  KeptDataRoot().Meet(facts.st_dev, path);
   link = S_ISLNK(facts.st_mode);
   return link && stat(path, &facts) != 0 ? errno : 0;
 }

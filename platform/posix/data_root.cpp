@@ -1,0 +1,104 @@
+#define _FILE_OFFSET_BITS 64
+#include "platform/posix/data_root.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/base/bytes.h"
+#include "platform/base/never_destroyed.h"
+#include "platform/posix/file_system_kind.h"
+#include "platform/posix/posix_path.h"
+
+namespace kivstore {
+namespace {
+
+constinit NeverDestroyed<DataRoot> gDataRoot;
+
+// The file systems that this process has met. A store lies on one or two.
+class KnownFileSystems {
+ public:
+  bool IsShared(dev_t fileSystem, const char* path) {
+    for (unsigned i = 0; i < std::min(count, kRoom); ++i) {
+      if (known[i].fileSystem == fileSystem) {
+        return known[i].isShared;
+      }
+    }
+    const bool isShared = KindOfFileSystem(path) == FileSystemKind::kShared;
+    known[count++ % kRoom] = {fileSystem, isShared};
+    return isShared;
+  }
+
+ private:
+  struct Known {
+    dev_t fileSystem;
+    bool isShared;
+  };
+  static constexpr unsigned kRoom = 8;
+
+  Known known[kRoom] = {};
+  unsigned count = 0;
+};
+
+constinit KnownFileSystems gKnownFileSystems;
+
+}  // namespace
+
+DataRoot& KeptDataRoot() {
+  return gDataRoot.object;
+}
+
+void DataRoot::Keep(const char* path) {
+  folder.Reset(-1);
+  hasMet = isShared = false;
+  const PosixPath posix(path);
+  length = 0;
+  if (posix.Check() != SystemError::kNone || posix.View().size() + 2 > sizeof text) {
+    return;
+  }
+  length = static_cast<int>(posix.View().copy(text, sizeof text));
+  if (text[length - 1] != '/') {
+    text[length++] = '/';
+  }
+  text[length] = '\0';
+}
+
+const char* DataRoot::WayTo(const char* path) const {
+  const size_t prefix = static_cast<size_t>(length);
+  const bool isBelow =
+      prefix != 0 && std::strlen(path) > prefix && EqualBytesNoCase({path, prefix}, {text, prefix});
+  return isBelow ? path + prefix : nullptr;
+}
+
+int DataRoot::Handle() {
+  if (!folder.IsOpen() && length != 0) {
+    OnPath(text, [&](const char* path) {
+      folder.Reset(open(path, O_PATH | O_DIRECTORY | O_CLOEXEC));
+      return folder.IsOpen() ? 0 : errno;
+    });
+  }
+  return folder.Get();
+}
+
+void DataRoot::Meet(dev_t fileSystem, const char* path) {
+  if ((hasMet && fileSystem == met) || WayTo(path) == nullptr) {
+    return;
+  }
+  met = fileSystem;
+  hasMet = true;
+  isShared = gKnownFileSystems.IsShared(fileSystem, path) || isShared;
+}
+
+bool DataRoot::IsShared() {
+  struct stat facts;
+  if (!hasMet && Handle() >= 0 && fstat(Handle(), &facts) == 0) {
+    hasMet = true;
+    met = facts.st_dev;
+    isShared = gKnownFileSystems.IsShared(met, text);
+  }
+  return isShared;
+}
+
+}  // namespace kivstore

@@ -1,0 +1,45 @@
+// The folder that holds the store at work: what lies below it is reached from a handle of it.
+//
+// It is kept for one command, so that a host that lives long does not go on with a folder that has
+// been renamed or taken off since. Keeping it costs nothing; the first use opens it (one call), and
+// letting go closes it (one).
+#pragma once
+
+#include <sys/types.h>
+
+#include "platform/posix/descriptor.h"
+
+namespace kivstore {
+
+class DataRoot {
+ public:
+  constexpr DataRoot() = default;
+
+  // `path` as the store holds it; empty: lets go. A path that the system cannot take is none.
+  void Keep(const char* path);
+  // How `path`, one of the system's, goes on from the root; null if it does not lie below it.
+  const char* WayTo(const char* path) const;
+  // -1 while nothing is kept or it is not there.
+  int Handle();
+
+  // A look has met this file system at `path`. Costs one call for each file system that the process
+  // meets.
+  void Meet(dev_t fileSystem, const char* path);
+  // Whether other machines may change what was met below the root, or without any look the root.
+  bool IsShared();
+
+ private:
+  static constexpr int kRoom = 4096;
+
+  Descriptor folder;
+  dev_t met = 0;
+  bool hasMet = false;
+  bool isShared = false;
+  int length = 0;  // with the slash that ends it; 0: nothing is kept
+  char text[kRoom] = "";
+};
+
+// The one of this process.
+DataRoot& KeptDataRoot();
+
+}  // namespace kivstore
