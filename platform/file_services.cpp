@@ -10,6 +10,10 @@ bool SForwardingFileServices::IsShared() {
   return inner.IsShared();
 }
 
+ForeignLink SForwardingFileServices::LastForeignLink() {
+  return inner.LastForeignLink();
+}
+
 FileHandle SForwardingFileServices::Open(const char* path, FileAccess access, SystemError& error) {
   return inner.Open(path, access, error);
 }

@@ -10,6 +10,13 @@
 // be deleted or moved, and a folder that holds such a file cannot be removed or renamed. What is
 // refused for that reason fails with SystemError::kSharingViolation.
 //
+// Links. Whoever may write in a store can plant a link in it. Below the folder of KeepDataRoot
+// one that belongs neither to the system's administrator nor to the user of the process is not
+// followed: whatever would go through it fails with kForeignLink. To delete or to move a link
+// itself goes through those above it only. A look goes through: it tells no more than whether
+// something is there, and of such a link itself that it is one. A pipe, a socket or a device is no
+// file of a store: it is not opened.
+//
 // A listing is reading the folder: FolderEntry brings the attributes from the entry itself, and no
 // operation here costs a call per entry.
 //
@@ -38,6 +45,9 @@ enum class SystemError : uint32_t {
   kFolderNotEmpty = 145,
   kAlreadyExists = 183,
   kOther = 31,
+  // Of ours; Windows leaves numbers with this bit to programs.
+  kForeignLink = 0x20000001,  // a link of somebody else's is in the way; see LastForeignLink
+  kNoPlainFile = 0x20000002,  // a pipe, a socket or a device under a file's name
 };
 
 enum class FileAccess { kRead, kReadWrite };  // shared reading; exclusive
@@ -47,9 +57,17 @@ struct FileAttributes {
   bool folder = false;
   bool hidden = false;
   bool readOnly = false;  // not told by a walk
-  // A symbolic link or its like, entered as what it leads to and removed as itself. Not told by a
-  // walk.
+  // A symbolic link or its like, entered as what it leads to and removed as itself.
   bool link = false;
+  // A link that is not followed, seen as itself. Not told by a walk.
+  bool foreign = false;
+  bool special = false;  // a pipe, a socket or a device; told by a walk alone
+};
+
+// A link below the data root that was not followed.
+struct ForeignLink {
+  const char* path;  // as the store holds paths; empty where nothing is known
+  uint32_t owner;    // the user's number
 };
 
 struct FolderEntry {
@@ -81,6 +99,9 @@ class IFileServices {
   // Whether other machines may change the file system of what lies there, so that what is cached
   // here may be old. Asked of the system once per file system, so that it costs nothing to ask.
   virtual bool IsShared() { return false; }
+
+  // The link that made the last operation fail with kForeignLink.
+  virtual ForeignLink LastForeignLink() { return {"", 0}; }
 
   // Opens a file that exists; null on failure, and for a folder. Never waits.
   virtual FileHandle Open(const char* path, FileAccess access, SystemError& error) = 0;
@@ -145,6 +166,7 @@ class SForwardingFileServices : public IFileServices {
 
   void KeepDataRoot(const char* path) override;
   bool IsShared() override;
+  ForeignLink LastForeignLink() override;
   FileHandle Open(const char* path, FileAccess access, SystemError& error) override;
   void Close(FileHandle file) override;
   int32_t Read(FileHandle file, void* buffer, int32_t count) override;

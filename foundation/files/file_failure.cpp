@@ -1,5 +1,7 @@
 #include "foundation/files/file_failure.h"
 
+#include "platform/platform.h"
+
 namespace kivstore {
 namespace {
 
@@ -16,8 +18,11 @@ const SFileFailure& LastFileFailure() {
 
 bool NoteFileFailure(const SString& path, SystemError error) {
   SFileFailure& failure = Failure();
-  failure.path = path;
+  const ForeignLink link =
+      error == SystemError::kForeignLink ? Platform().files->LastForeignLink() : ForeignLink{"", 0};
+  failure.path = *link.path != '\0' ? SString(link.path) : path;
   failure.error = error;
+  failure.linkOwner = link.owner;
   ++failure.number;
   return false;
 }

@@ -17,7 +17,8 @@ struct SFileFailure {
   // names the target if that had no room or could not be written, else the source.
   SString path;
   SystemError error = SystemError::kNone;
-  uint32_t number = 0;  // one more with each failure: tells a new one from one that was known
+  uint32_t linkOwner = 0;  // with kForeignLink, where `path` is the link
+  uint32_t number = 0;     // one more with each failure: tells a new one from one that was known
 };
 
 const SFileFailure& LastFileFailure();

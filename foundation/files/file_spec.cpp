@@ -111,7 +111,10 @@ bool SFileSpec::TakeAttributes(SString& asked) {
   FileAttributes attributes;
   SystemError error = SystemError::kNone;
   exists = Platform().files->Attributes(asked.GetText(), attributes, error);
-  gLastError = exists ? int16_t{0} : ToLastError(error);
+  if (exists) {
+    error = attributes.foreign ? SystemError::kForeignLink : SystemError::kNone;
+  }
+  gLastError = ToLastError(error);
   if (gLastError == kOtherError || gLastError == kSharingViolation) {
     NoteFileFailure(asked, error);
   }

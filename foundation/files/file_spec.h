@@ -7,7 +7,8 @@
 //
 // A path may come in with slashes, doubled separators, "." and ".."; it is held with backslashes
 // and without the others (path_steps.h), and looked at as it is held: the flags always speak of the
-// held path. One whose folder is missing cannot be held: it leaves the spec invalid.
+// held path. One whose folder is missing cannot be held: it leaves the spec invalid. A link that is
+// not followed (platform/file_services.h) is there and no folder, and the failure is noted.
 #pragma once
 
 #include <cstdint>

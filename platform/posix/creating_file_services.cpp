@@ -13,6 +13,7 @@
 #include "platform/posix/dos_attribute.h"
 #include "platform/posix/file_locks.h"
 #include "platform/posix/folder_reader.h"
+#include "platform/posix/guarded_open.h"
 #include "platform/posix/kept_buffer.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
@@ -26,6 +27,11 @@ constexpr int kSourceFlags = O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
 KeptBuffer<0x10000> gCopyBuffer;
 
+SystemError TakenBy(const PosixPath& place, const struct stat& taken) {
+  const int refusal = CheckLink(place.Text(), taken);
+  return refusal != 0 ? ToSystemError(refusal) : SystemError::kAlreadyExists;
+}
+
 // Where something is to be made: the names of its folder as they stand on disk. kAlreadyExists if
 // the name is taken, in whatever letter case.
 SystemError LocateFree(PosixPath& place, struct stat& taken) {
@@ -34,14 +40,14 @@ SystemError LocateFree(PosixPath& place, struct stat& taken) {
     return error;
   }
   if (lstat(place.Text(), &taken) == 0) {
-    return SystemError::kAlreadyExists;
+    return TakenBy(place, taken);
   }
   if (errno != ENOENT) {
     return ToSystemError(errno);
   }
   error = place.MatchNames();
   if (error == SystemError::kNone) {
-    return lstat(place.Text(), &taken) == 0 ? SystemError::kAlreadyExists : ToSystemError(errno);
+    return lstat(place.Text(), &taken) == 0 ? TakenBy(place, taken) : ToSystemError(errno);
   }
   return error == SystemError::kFileNotFound ? SystemError::kNone : error;
 }
@@ -90,8 +96,8 @@ void CopyAttributes(int from, int to, mode_t mode) {
   (void)fchmod(to, mode & 0777);
 }
 
-int OpenSource(int base, const char* name, int flags, Descriptor& source, struct stat& facts) {
-  source.Reset(openat(base, name, kSourceFlags | flags));
+// What was opened to be copied; a file is locked.
+int TakeSource(const Descriptor& source, struct stat& facts) {
   if (!source.IsOpen() || fstat(source.Get(), &facts) != 0) {
     return errno;
   }
@@ -145,10 +151,10 @@ int CopyOneFolder(int base, const char* name, const struct stat& facts, int toBa
 }
 
 int CopyEntry(int base, const char* name, int to, const MadeFolder& top, int depth) {
-  Descriptor source;
-  struct stat facts;
   // A link leads out of the tree: it is not followed, and the copy fails.
-  const int failure = OpenSource(base, name, O_NOFOLLOW, source, facts);
+  const Descriptor source(openat(base, name, kSourceFlags | O_NOFOLLOW));
+  struct stat facts;
+  const int failure = TakeSource(source, facts);
   if (failure != 0) {
     return failure;
   }
@@ -174,18 +180,28 @@ int CopyEntries(FolderReader& from, int to, const MadeFolder& top, int depth) {
   return from.HasFailed() ? EIO : 0;
 }
 
-int CopyTo(const char* from, const char* to) {
+int CopyTo(const char* from, const GuardedFolder& place) {
   Descriptor source;
   struct stat facts;
-  const int failure = OpenSource(AT_FDCWD, from, 0, source, facts);
+  int failure = OpenGuarded(from, kSourceFlags, source);
+  if (failure == 0) {
+    failure = TakeSource(source, facts);
+  }
   if (failure != 0) {
     return failure;
   }
   if (S_ISREG(facts.st_mode)) {
-    return CopyOneFile(source.Get(), facts, AT_FDCWD, to);
+    return CopyOneFile(source.Get(), facts, place.Get(), place.Name());
   }
-  return S_ISDIR(facts.st_mode) ? CopyOneFolder(AT_FDCWD, from, facts, AT_FDCWD, to, nullptr, 0)
-                                : EINVAL;
+  return S_ISDIR(facts.st_mode)
+             ? CopyOneFolder(AT_FDCWD, from, facts, place.Get(), place.Name(), nullptr, 0)
+             : EINVAL;
+}
+
+int MakeFolderAt(const char* path, mode_t mode) {
+  GuardedFolder folder;
+  const int failure = folder.Open(path);
+  return failure == 0 && mkdirat(folder.Get(), folder.Name(), mode) != 0 ? errno : failure;
 }
 
 class SCreatingFileServices : public SPosixFileServices {
@@ -206,9 +222,10 @@ bool SCreatingFileServices::MakeFile(const char* path, SystemError& error) {
     return true;
   }
   if (error == SystemError::kNone) {
-    const Descriptor made(open(place.Text(), kMakeFlags, 0666));
+    Descriptor made;
+    const int failure = OpenGuarded(place.Text(), kMakeFlags, made, 0666);
     // Who made it in the meantime has done what was wanted.
-    error = made.IsOpen() || errno == EEXIST ? SystemError::kNone : ToSystemError(errno);
+    error = failure == EEXIST ? SystemError::kNone : ToSystemError(failure);
   }
   return error == SystemError::kNone;
 }
@@ -217,8 +234,8 @@ bool SCreatingFileServices::MakeFolder(const char* path, uint32_t mode, SystemEr
   PosixPath place(path);
   struct stat taken;
   error = LocateFree(place, taken);
-  if (error == SystemError::kNone && mkdir(place.Text(), mode != 0 ? mode & 0777 : 0777) != 0) {
-    error = ToSystemError(errno);
+  if (error == SystemError::kNone) {
+    error = ToSystemError(MakeFolderAt(place.Text(), mode != 0 ? mode & 0777 : 0777));
   }
   return error == SystemError::kNone;
 }
@@ -227,8 +244,12 @@ bool SCreatingFileServices::CopyFileTo(const char* from, const char* to, SystemE
   PosixPath place(to);
   struct stat taken;
   error = LocateFree(place, taken);
+  GuardedFolder folder;
   if (error == SystemError::kNone) {
-    error = OnPath(from, [&](const char* source) { return CopyTo(source, place.Text()); });
+    error = ToSystemError(folder.Open(place.Text()));
+  }
+  if (error == SystemError::kNone) {
+    error = OnPath(from, [&](const char* source) { return CopyTo(source, folder); });
   }
   return error == SystemError::kNone;
 }

@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <string>
 
 #include "platform/base/bytes.h"
 #include "platform/base/never_destroyed.h"
@@ -65,21 +67,39 @@ void DataRoot::Keep(const char* path) {
   text[length] = '\0';
 }
 
-const char* DataRoot::WayTo(const char* path) const {
+const char* DataRoot::WayTo(const char* path) {
   const size_t prefix = static_cast<size_t>(length);
-  const bool isBelow =
-      prefix != 0 && std::strlen(path) > prefix && EqualBytesNoCase({path, prefix}, {text, prefix});
+  const bool isBelow = prefix != 0 && EqualBytesNoCase({path, strnlen(path, prefix)}, View()) &&
+                       path[prefix] != '\0' &&
+                       (std::memcmp(path, text, prefix) == 0 || IsSpelledBy(path));
   return isBelow ? path + prefix : nullptr;
 }
 
-int DataRoot::Handle() {
-  if (!folder.IsOpen() && length != 0) {
-    OnPath(text, [&](const char* path) {
-      folder.Reset(open(path, O_PATH | O_DIRECTORY | O_CLOEXEC));
-      return folder.IsOpen() ? 0 : errno;
-    });
+// Whether a path that begins like the root in other letters means it.
+bool DataRoot::IsSpelledBy(const char* path) {
+  struct stat root, other;
+  const std::string spelled(path, static_cast<size_t>(length));
+  if (Open() != 0 || stat(spelled.c_str(), &other) != 0 || fstat(Get(), &root) != 0) {
+    return true;
   }
-  return folder.Get();
+  return root.st_dev == other.st_dev && root.st_ino == other.st_ino;
+}
+
+int DataRoot::Open() {
+  if (folder.IsOpen()) {
+    return 0;
+  }
+  PosixPath path(text);
+  int failure = OpenAs(path.Text());
+  if (failure == ENOENT && path.MatchNames() == SystemError::kNone) {
+    failure = OpenAs(path.Text());
+  }
+  return failure;
+}
+
+int DataRoot::OpenAs(const char* path) {
+  folder.Reset(open(path, O_PATH | O_DIRECTORY | O_CLOEXEC));
+  return folder.IsOpen() ? 0 : errno;
 }
 
 void DataRoot::Meet(dev_t fileSystem, const char* path) {
@@ -93,7 +113,7 @@ void DataRoot::Meet(dev_t fileSystem, const char* path) {
 
 bool DataRoot::IsShared() {
   struct stat facts;
-  if (!hasMet && Handle() >= 0 && fstat(Handle(), &facts) == 0) {
+  if (!hasMet && length != 0 && Open() == 0 && fstat(Get(), &facts) == 0) {
     hasMet = true;
     met = facts.st_dev;
     isShared = gKnownFileSystems.IsShared(met, text);

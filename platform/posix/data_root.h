@@ -7,6 +7,8 @@
 
 #include <sys/types.h>
 
+#include <string_view>
+
 #include "platform/posix/descriptor.h"
 
 namespace kivstore {
@@ -18,9 +20,12 @@ class DataRoot {
   // `path` as the store holds it; empty: lets go. A path that the system cannot take is none.
   void Keep(const char* path);
   // How `path`, one of the system's, goes on from the root; null if it does not lie below it.
-  const char* WayTo(const char* path) const;
-  // -1 while nothing is kept or it is not there.
-  int Handle();
+  // Letter case is ignored, unless that spells another folder.
+  const char* WayTo(const char* path);
+  // 0, or the system's error if it is not there.
+  int Open();
+  int Get() const { return folder.Get(); }
+  const char* Text() const { return text; }
 
   // A look has met this file system at `path`. Costs one call for each file system that the process
   // meets.
@@ -30,6 +35,10 @@ class DataRoot {
 
  private:
   static constexpr int kRoom = 4096;
+
+  std::string_view View() const { return {text, static_cast<size_t>(length)}; }
+  bool IsSpelledBy(const char* path);
+  int OpenAs(const char* path);
 
   Descriptor folder;
   dev_t met = 0;

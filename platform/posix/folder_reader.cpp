@@ -6,10 +6,13 @@
 
 #include <cerrno>
 
+#include "platform/posix/guarded_open.h"
 #include "platform/posix/kept_buffer.h"
 
 namespace kivstore {
 namespace {
+
+constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
 
 KeptBuffer<0x8000> gEntryBuffer;
 
@@ -22,9 +25,15 @@ FolderReader::~FolderReader() {
 }
 
 int FolderReader::Open(const char* path, int base, int flags) {
-  folder.Reset(openat(base, path, O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC | flags));
-  if (!folder.IsOpen()) {
-    return errno;
+  int failure = 0;
+  if (base == AT_FDCWD) {
+    failure = OpenGuarded(path, kFlags | flags, folder);
+  } else {
+    folder.Reset(openat(base, path, kFlags | flags));
+    failure = folder.IsOpen() ? 0 : errno;
+  }
+  if (failure != 0) {
+    return failure;
   }
   buffer = gEntryBuffer.Take();
   return buffer != nullptr ? 0 : ENOMEM;

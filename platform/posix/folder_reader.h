@@ -29,7 +29,8 @@ class FolderReader {
   FolderReader(const FolderReader&) = delete;
   FolderReader& operator=(const FolderReader&) = delete;
 
-  // 0 or the system's error. `path` is taken from the folder `base`; `flags` are added.
+  // 0 or the failure. `path` is taken from the folder `base`, and from AT_FDCWD past no link that
+  // guarded_open.h refuses; `flags` are added.
   int Open(const char* path, int base, int flags = 0);
   int OpenHere(const char* path);
 

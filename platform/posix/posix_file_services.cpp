@@ -10,6 +10,7 @@
 
 #include "platform/base/never_destroyed.h"
 #include "platform/posix/data_root.h"
+#include "platform/posix/guarded_open.h"
 #include "platform/posix/posix_path.h"
 #include "platform/posix/services.h"
 
@@ -26,6 +27,10 @@ void SPosixFileServices::KeepDataRoot(const char* path) {
 
 bool SPosixFileServices::IsShared() {
   return KeptDataRoot().IsShared();
+}
+
+ForeignLink SPosixFileServices::LastForeignLink() {
+  return kivstore::LastForeignLink();
 }
 
 bool SPosixFileServices::DiskSpace(const char* root, uint64_t& total, uint64_t& free,

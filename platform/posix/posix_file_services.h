@@ -20,6 +20,7 @@ class SPosixFileServices : public SInertMakers {
  public:
   void KeepDataRoot(const char* path) override;
   bool IsShared() override;
+  ForeignLink LastForeignLink() override;
 
   // Open and lock. A folder opens for reading; it has no size and nothing to read.
   FileHandle Open(const char* path, FileAccess access, SystemError& error) override;

@@ -1,13 +1,16 @@
 #define _FILE_OFFSET_BITS 64
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
 #include <cerrno>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include "platform/posix/data_root.h"
 #include "platform/posix/dos_attribute.h"
+#include "platform/posix/guarded_open.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
 
@@ -28,15 +31,22 @@ bool IsHiddenName(std::string_view name) {
   return name.starts_with('.') && name != "." && name != "..";
 }
 
+int LookBehindLink(const char* path, struct stat& facts) {
+  Descriptor target;
+  const int failure = OpenGuarded(path, O_PATH, target);
+  return failure == 0 && fstat(target.Get(), &facts) != 0 ? errno : failure;
+}
+
 // One call, but for a link.
-int LookAt(const char* path, struct stat& facts, bool& link) {
-  link = false;
+int LookAt(const char* path, struct stat& facts, FileAttributes& attributes) {
   if (lstat(path, &facts) != 0) {
     return errno;
   }
   KeptDataRoot().Meet(facts.st_dev, path);
-  link = S_ISLNK(facts.st_mode);
-  return link && stat(path, &facts) != 0 ? errno : 0;
+  attributes.link = S_ISLNK(facts.st_mode);
+  const int failure = attributes.link ? LookBehindLink(path, facts) : 0;
+  attributes.foreign = failure == kForeignLinkFailure;
+  return attributes.foreign ? 0 : failure;
 }
 
 // A file without a mark is not hidden.
@@ -47,60 +57,61 @@ int ReadHiddenMark(const char* path, bool& hidden) {
   return length < 0 ? errno : 0;
 }
 
-int WriteMark(const char* path, const char* mark, size_t length) {
-  return setxattr(path, kDosAttributeName, mark, length, 0) == 0 ? 0 : errno;
+int WriteMark(int file, const char* mark, size_t length) {
+  return fsetxattr(file, kDosAttributeName, mark, length, 0) == 0 ? 0 : errno;
 }
 
-void FolderOf(const char* path, char (&text)[4096]) {
+int OpenFolderOf(const char* path, Descriptor& opened) {
   const std::string_view folder(path, static_cast<size_t>(LastName(path).data() - path));
-  std::strcpy(text, ".");
-  if (!folder.empty()) {
-    text[folder.copy(text, sizeof text - 1)] = '\0';
-  }
+  return OpenGuarded(folder.empty() ? "." : std::string(folder).c_str(), O_RDONLY | O_DIRECTORY,
+                     opened);
 }
 
 // The folder gets the mark of a plain folder if it has none, so that walks look for marks in it.
 int MarkFolderOf(const char* path) {
-  char text[4096];
-  FolderOf(path, text);
-  const bool marked = getxattr(text, kDosAttributeName, nullptr, 0) >= 0;
-  return marked ? 0 : WriteMark(text, "0x10", sizeof "0x10");
+  Descriptor folder;
+  if (const int failure = OpenFolderOf(path, folder); failure != 0) {
+    return failure;
+  }
+  const bool marked = fgetxattr(folder.Get(), kDosAttributeName, nullptr, 0) >= 0;
+  return marked ? 0 : WriteMark(folder.Get(), "0x10", sizeof "0x10");
 }
 
-int SetHiddenMark(const char* path, bool hidden) {
+int SetHiddenMark(const char* path, int file, bool hidden) {
   char mark[kMaxDosAttribute];
-  const ssize_t length = getxattr(path, kDosAttributeName, mark, sizeof mark);
+  const ssize_t length = fgetxattr(file, kDosAttributeName, mark, sizeof mark);
   if (length > 0 && ChangeHiddenBit(mark, static_cast<int>(length), hidden)) {
-    return WriteMark(path, mark, static_cast<size_t>(length));
+    return WriteMark(file, mark, static_cast<size_t>(length));
   }
   if (!hidden) {
     return 0;
   }
-  const int failure = WriteMark(path, "0x2", sizeof "0x2");
+  const int failure = WriteMark(file, "0x2", sizeof "0x2");
   return failure == 0 ? MarkFolderOf(path) : failure;
 }
 
 // Whoever may write in the folder and read the file could write the file before it was marked.
 mode_t WriteOfOthers(const char* path, mode_t mode) {
-  char folder[4096];
-  FolderOf(path, folder);
+  Descriptor folder;
   struct stat facts;
-  if (stat(folder, &facts) != 0) {
+  if (OpenFolderOf(path, folder) != 0 || fstat(folder.Get(), &facts) != 0) {
     return 0;
   }
   const mode_t readers = (mode & (S_IRGRP | S_IROTH)) >> 1;
   return facts.st_mode & readers;
 }
 
-int SetReadOnlyMode(const char* path, mode_t mode, bool readOnly) {
+int SetReadOnlyMode(const char* path, int file, mode_t mode, bool readOnly) {
   const mode_t wanted = readOnly ? mode & ~kAnyWrite : mode | S_IWUSR | WriteOfOthers(path, mode);
-  return wanted == mode || chmod(path, wanted & 07777) == 0 ? 0 : errno;
+  return wanted == mode || fchmod(file, wanted & 07777) == 0 ? 0 : errno;
 }
 
 int Apply(const char* path, const FileAttributes& wanted) {
+  Descriptor file;
   struct stat facts;
-  if (stat(path, &facts) != 0) {
-    return errno;
+  const int refusal = OpenGuarded(path, O_RDONLY | O_NONBLOCK | O_NOCTTY, file);
+  if (refusal != 0 || fstat(file.Get(), &facts) != 0) {
+    return refusal != 0 ? refusal : errno;
   }
   const bool hiddenName = IsHiddenName(LastName(path));
   if (!S_ISREG(facts.st_mode) || (hiddenName && !wanted.hidden)) {
@@ -108,7 +119,7 @@ int Apply(const char* path, const FileAttributes& wanted) {
   }
   const bool readOnly = (facts.st_mode & S_IWUSR) == 0;
   if (readOnly != wanted.readOnly) {
-    const int failure = SetReadOnlyMode(path, facts.st_mode, wanted.readOnly);
+    const int failure = SetReadOnlyMode(path, file.Get(), facts.st_mode, wanted.readOnly);
     if (failure != 0) {
       return failure;
     }
@@ -117,7 +128,7 @@ int Apply(const char* path, const FileAttributes& wanted) {
   if (!hiddenName) {
     ReadHiddenMark(path, hidden);
   }
-  return hidden == wanted.hidden ? 0 : SetHiddenMark(path, wanted.hidden);
+  return hidden == wanted.hidden ? 0 : SetHiddenMark(path, file.Get(), wanted.hidden);
 }
 
 }  // namespace
@@ -125,15 +136,13 @@ int Apply(const char* path, const FileAttributes& wanted) {
 bool SPosixFileServices::Attributes(const char* path, FileAttributes& attributes,
                                     SystemError& error) {
   struct stat facts;
-  bool link;
-  error = OnPath(path, [&](const char* p) { return LookAt(p, facts, link); });
+  error = OnPath(path, [&](const char* p) { return LookAt(p, facts, attributes); });
   if (error != SystemError::kNone) {
     return false;
   }
   attributes.folder = S_ISDIR(facts.st_mode);
   attributes.hidden = IsHiddenName(LastName(path));
   attributes.readOnly = (facts.st_mode & S_IWUSR) == 0;
-  attributes.link = link;
   return true;
 }
 

@@ -10,6 +10,7 @@
 
 #include "platform/posix/descriptor.h"
 #include "platform/posix/file_locks.h"
+#include "platform/posix/guarded_open.h"
 #include "platform/posix/kept_buffer.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
@@ -53,8 +54,8 @@ bool EndsInSeparator(const char* path) {
 int OpenDescriptor(Descriptor& descriptor, const char* path, FileAccess access) {
   const int mode = access == FileAccess::kRead ? O_RDONLY : O_RDWR;
   // O_NONBLOCK: a pipe under a file's name must not stop the program.
-  descriptor.Reset(open(path, mode | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-  return descriptor.IsOpen() ? 0 : errno;
+  const int failure = OpenGuarded(path, mode | O_NONBLOCK | O_NOCTTY, descriptor);
+  return failure == ENXIO ? kNoPlainFileFailure : failure;  // a socket
 }
 
 SystemError LockFor(int descriptor, FileAccess access) {
@@ -88,8 +89,8 @@ SystemError ReadAhead(OpenFile& file) {
   file.ahead = gAheadBuffer.Take();
   const ssize_t moved = file.ahead != nullptr ? ReadAt(file, file.ahead, gAheadBuffer.kSize, 0)
                                               : static_cast<ssize_t>(gAheadBuffer.kSize);
-  if (moved < 0 && errno == EISDIR) {
-    return SystemError::kAccessDenied;
+  if (moved < 0 && (errno == EISDIR || errno == ESPIPE)) {
+    return ToSystemError(errno);
   }
   const bool atEnd = moved >= 0 && moved < static_cast<ssize_t>(gAheadBuffer.kSize);
   file.size = atEnd ? moved : moved < 0 ? kNoSize : AskSize(file);
@@ -116,10 +117,13 @@ int32_t TakeAhead(OpenFile& file, char* buffer, int32_t count) {
 SystemError HonourMark(const OpenFile& file, const char* path) {
   static const bool isSuperuser = geteuid() == 0;
   struct stat facts;
-  const bool isMarked = isSuperuser && !IsLockFile(path) &&
-                        fstat(file.descriptor.Get(), &facts) == 0 && S_ISREG(facts.st_mode) &&
-                        (facts.st_mode & S_IWUSR) == 0;
-  return isMarked ? SystemError::kAccessDenied : SystemError::kNone;
+  if (!isSuperuser || IsLockFile(path) || fstat(file.descriptor.Get(), &facts) != 0) {
+    return SystemError::kNone;
+  }
+  if (!S_ISREG(facts.st_mode)) {
+    return SystemError::kNoPlainFile;
+  }
+  return (facts.st_mode & S_IWUSR) == 0 ? SystemError::kAccessDenied : SystemError::kNone;
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "platform/base/bytes.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/file_locks.h"
+#include "platform/posix/guarded_open.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
 
@@ -17,32 +18,37 @@ namespace {
 
 constexpr int kOpenFlags = O_NONBLOCK | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW;
 
+int OpenIn(const GuardedFolder& folder, int flags, Descriptor& opened) {
+  opened.Reset(openat(folder.Get(), folder.Name(), flags | kOpenFlags));
+  return opened.IsOpen() ? 0 : errno;
+}
+
 // Takes the file for this program alone as long as `hold` lives.
-int HoldAlone(const char* path, Descriptor& hold) {
-  hold.Reset(open(path, O_RDWR | kOpenFlags));
-  if (!hold.IsOpen()) {
-    return errno;
-  }
-  return LockAlone(hold.Get()) == EAGAIN ? EAGAIN : 0;
+int HoldAlone(const GuardedFolder& folder, Descriptor& hold) {
+  const int failure = OpenIn(folder, O_RDWR, hold);
+  return failure == 0 && LockAlone(hold.Get()) == EAGAIN ? EAGAIN : failure;
 }
 
 // A file that may not be written may be moved. Its lock cannot be taken, but asked for.
-int HoldToMove(const char* path, Descriptor& hold) {
-  const int failure = HoldAlone(path, hold);
+int HoldToMove(const GuardedFolder& folder, Descriptor& hold) {
+  int failure = HoldAlone(folder, hold);
   if (failure != EACCES && failure != EROFS) {
     return failure;
   }
-  hold.Reset(open(path, O_RDONLY | kOpenFlags));
-  if (!hold.IsOpen()) {
-    return errno;
-  }
-  return IsHeldElsewhere(hold.Get()) ? EAGAIN : 0;
+  failure = OpenIn(folder, O_RDONLY, hold);
+  return failure == 0 && IsHeldElsewhere(hold.Get()) ? EAGAIN : failure;
+}
+
+int Unlink(const GuardedFolder& folder, int flags = 0) {
+  return unlinkat(folder.Get(), folder.Name(), flags) == 0 ? 0 : errno;
 }
 
 int DeleteFileAt(const char* path) {
+  GuardedFolder folder;
   struct stat facts;
-  if (lstat(path, &facts) != 0) {
-    return errno;
+  int failure = folder.Open(path);
+  if (failure != 0 || (failure = folder.Look(facts)) != 0) {
+    return failure;
   }
   if (S_ISDIR(facts.st_mode)) {
     return EISDIR;
@@ -50,28 +56,26 @@ int DeleteFileAt(const char* path) {
   Descriptor hold;
   if (S_ISREG(facts.st_mode)) {
     const bool readOnly = (facts.st_mode & S_IWUSR) == 0;
-    const int failure = readOnly ? EACCES : HoldAlone(path, hold);
-    if (failure != 0) {
-      return failure;
-    }
+    failure = readOnly ? EACCES : HoldAlone(folder, hold);
   }
-  return unlink(path) == 0 ? 0 : errno;
+  return failure == 0 ? Unlink(folder) : failure;
 }
 
-bool IsLinkToFolder(const char* path) {
+// One that is not followed goes as itself, whatever it leads to.
+bool IsLinkToFolder(const GuardedFolder& folder, const char* path) {
   struct stat facts;
-  return lstat(path, &facts) == 0 && S_ISLNK(facts.st_mode) && stat(path, &facts) == 0 &&
-         S_ISDIR(facts.st_mode);
+  return folder.Look(facts) == 0 && S_ISLNK(facts.st_mode) &&
+         (CheckLink(path, facts) != 0 ||
+          (fstatat(folder.Get(), folder.Name(), &facts, 0) == 0 && S_ISDIR(facts.st_mode)));
 }
 
 int RemoveFolderAt(const char* path) {
-  if (rmdir(path) == 0) {
-    return 0;
+  GuardedFolder folder;
+  int failure = folder.Open(path);
+  if (failure == 0) {
+    failure = Unlink(folder, AT_REMOVEDIR);
   }
-  if (errno != ENOTDIR || !IsLinkToFolder(path)) {
-    return errno;
-  }
-  return unlink(path) == 0 ? 0 : errno;
+  return failure == ENOTDIR && IsLinkToFolder(folder, path) ? Unlink(folder) : failure;
 }
 
 // What a path names; links are not followed.
@@ -113,16 +117,20 @@ SystemError LocateTarget(PosixPath& target, const PosixPath& source, const struc
   return SystemError::kNone;
 }
 
-int HoldForMove(const PosixPath& source, const struct stat& facts, Descriptor& hold,
-                FolderHold& folderHold) {
+int HoldForMove(const PosixPath& source, const GuardedFolder& folder, const struct stat& facts,
+                Descriptor& hold, FolderHold& folderHold) {
   if (S_ISDIR(facts.st_mode)) {
     return folderHold.Take(source.Text());
   }
-  return S_ISREG(facts.st_mode) ? HoldToMove(source.Text(), hold) : 0;
+  return S_ISREG(facts.st_mode) ? HoldToMove(folder, hold) : 0;
 }
 
-int RenameToFree(const char* from, const char* to) {
-  if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
+int Rename(const GuardedFolder& from, const GuardedFolder& to) {
+  return renameat(from.Get(), from.Name(), to.Get(), to.Name()) == 0 ? 0 : errno;
+}
+
+int RenameToFree(const GuardedFolder& from, const GuardedFolder& to) {
+  if (renameat2(from.Get(), from.Name(), to.Get(), to.Name(), RENAME_NOREPLACE) == 0) {
     return 0;
   }
   if (errno != EINVAL && errno != ENOSYS) {
@@ -130,10 +138,7 @@ int RenameToFree(const char* from, const char* to) {
   }
   // A file system that knows no such flag.
   struct stat facts;
-  if (lstat(to, &facts) == 0) {
-    return EEXIST;
-  }
-  return rename(from, to) == 0 ? 0 : errno;
+  return to.Look(facts) == 0 ? EEXIST : Rename(from, to);
 }
 
 }  // namespace
@@ -166,14 +171,20 @@ bool SPosixFileServices::Move(const char* from, const char* to, SystemError& err
   if (error != SystemError::kNone) {
     return false;
   }
+  GuardedFolder sourceFolder, targetFolder;
+  int failure = sourceFolder.Open(source.Text());
+  if (failure == 0) {
+    failure = targetFolder.Open(target.Text());
+  }
   Descriptor hold;
   FolderHold folderHold;
-  int failure = HoldForMove(source, facts, hold, folderHold);
-  NoteBlocker(folderHold.GetBlocker());
-  if (failure == 0 && respelled) {
-    failure = rename(source.Text(), target.Text()) == 0 ? 0 : errno;
-  } else if (failure == 0) {
-    failure = RenameToFree(source.Text(), target.Text());
+  if (failure == 0) {
+    failure = HoldForMove(source, sourceFolder, facts, hold, folderHold);
+    NoteBlocker(folderHold.GetBlocker());
+  }
+  if (failure == 0) {
+    failure =
+        respelled ? Rename(sourceFolder, targetFolder) : RenameToFree(sourceFolder, targetFolder);
   }
   error = ToSystemError(failure);
   return failure == 0;

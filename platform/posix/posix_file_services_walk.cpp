@@ -39,6 +39,7 @@ class PosixFolderWalk : public IFolderWalk {
 
   bool Shows(const RawEntry& raw) const;
   bool LeadsToFolder(const RawEntry& raw) const;
+  unsigned char AskType(const RawEntry& raw) const;
   bool BearsHiddenMark(const RawEntry& raw) const;
 
   FolderReader reader;
@@ -67,10 +68,18 @@ bool PosixFolderWalk::Shows(const RawEntry& raw) const {
          (all || MatchesWildcard(raw.Name(), mask.View()));
 }
 
-// Of a link, or where the file system does not tell types.
 bool PosixFolderWalk::LeadsToFolder(const RawEntry& raw) const {
   struct stat facts;
   return fstatat(reader.GetDescriptor(), raw.name, &facts, 0) == 0 && S_ISDIR(facts.st_mode);
+}
+
+// Where the file system tells no types.
+unsigned char PosixFolderWalk::AskType(const RawEntry& raw) const {
+  struct stat facts;
+  if (fstatat(reader.GetDescriptor(), raw.name, &facts, AT_SYMLINK_NOFOLLOW) != 0) {
+    return DT_REG;
+  }
+  return static_cast<unsigned char>(IFTODT(facts.st_mode));
 }
 
 bool PosixFolderWalk::BearsHiddenMark(const RawEntry& raw) const {
@@ -88,11 +97,13 @@ bool PosixFolderWalk::Next(FolderEntry& entry) {
       return false;
     }
   } while (!Shows(raw));
-  const bool typeIsTold = raw.type != DT_LNK && raw.type != DT_UNKNOWN;
+  const unsigned char type = raw.type != DT_UNKNOWN ? raw.type : AskType(raw);
   const bool dot = raw.name[0] == '.';
   entry.name = raw.name;
   entry.nameLength = raw.nameLength;
-  entry.attributes.folder = typeIsTold ? raw.type == DT_DIR : LeadsToFolder(raw);
+  entry.attributes.link = type == DT_LNK;
+  entry.attributes.folder = type == DT_DIR || (type == DT_LNK && LeadsToFolder(raw));
+  entry.attributes.special = type != DT_DIR && type != DT_LNK && type != DT_REG;
   entry.attributes.hidden = dot ? !raw.IsDots() : markedFolder != nullptr && BearsHiddenMark(raw);
   return true;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/base/bytes.h"
 #include "platform/posix/folder_reader.h"
+#include "platform/posix/guarded_open.h"
 
 namespace kivstore {
 namespace {
@@ -164,6 +165,11 @@ SystemError ToSystemError(int systemError) {
       return SystemError::kDiskFull;
     case ENAMETOOLONG:
       return SystemError::kInvalidName;
+    case kForeignLinkFailure:
+      return SystemError::kForeignLink;
+    case ESPIPE:
+    case kNoPlainFileFailure:
+      return SystemError::kNoPlainFile;
     case ENOTEMPTY:
       return SystemError::kFolderNotEmpty;
     case EEXIST:

@@ -24,6 +24,7 @@ SystemError LastSystemError() {
     case ERROR_INVALID_NAME:
     case ERROR_DIR_NOT_EMPTY:
     case ERROR_ALREADY_EXISTS:
+    case kForeignLinkError:
       return static_cast<SystemError>(code);
     case ERROR_LOCK_VIOLATION:
       return SystemError::kSharingViolation;

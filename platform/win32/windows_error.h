@@ -5,6 +5,10 @@
 
 namespace kivstore {
 
+// Set as the last error where a link is not followed.
+inline constexpr unsigned long kForeignLinkError =
+    static_cast<unsigned long>(SystemError::kForeignLink);
+
 SystemError LastSystemError();
 
 // The answer of a call: true sets kNone, false the last error.

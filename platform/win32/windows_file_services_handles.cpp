@@ -8,6 +8,29 @@ namespace {
 
 constexpr DWORD kOpenFlags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS;
 
+HANDLE OpenExisting(const char* path, DWORD access, DWORD share, DWORD flags = 0) {
+  return CreateFileA(path, access, share, nullptr, OPEN_EXISTING, kOpenFlags | flags, nullptr);
+}
+
+// Nothing is written through a link. Other reparse points are files that are kept elsewhere or in
+// another form: those are opened as what they stand for.
+HANDLE OpenToWrite(const char* path) {
+  constexpr DWORD kAccess = GENERIC_READ | GENERIC_WRITE;
+  const HANDLE file = OpenExisting(path, kAccess, 0, FILE_FLAG_OPEN_REPARSE_POINT);
+  FILE_ATTRIBUTE_TAG_INFO kind{};
+  if (file == INVALID_HANDLE_VALUE ||
+      !GetFileInformationByHandleEx(file, FileAttributeTagInfo, &kind, sizeof kind) ||
+      (kind.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+    return file;
+  }
+  CloseHandle(file);
+  if (kind.ReparseTag != IO_REPARSE_TAG_SYMLINK) {
+    return OpenExisting(path, kAccess, 0);
+  }
+  SetLastError(kForeignLinkError);
+  return INVALID_HANDLE_VALUE;
+}
+
 HANDLE ToSystem(FileHandle file) {
   return reinterpret_cast<HANDLE>(file);
 }
@@ -36,10 +59,9 @@ int64_t MovePosition(HANDLE file, int64_t offset, DWORD method) {
 }  // namespace
 
 FileHandle SWindowsFileServices::Open(const char* path, FileAccess access, SystemError& error) {
-  const bool alone = access == FileAccess::kReadWrite;
-  const HANDLE file =
-      CreateFileA(path, alone ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ,
-                  alone ? 0 : FILE_SHARE_READ, nullptr, OPEN_EXISTING, kOpenFlags, nullptr);
+  const HANDLE file = access == FileAccess::kRead
+                          ? OpenExisting(path, GENERIC_READ, FILE_SHARE_READ)
+                          : OpenToWrite(path);
   return Report(file != INVALID_HANDLE_VALUE, error) ? reinterpret_cast<FileHandle>(file) : nullptr;
 }
 
