@@ -14,12 +14,13 @@ constexpr int16_t kGoOn = 0;
 constexpr int16_t kLastStep = 4;  // three tries more, with waits of 0.7 to 1.4 seconds in all
 
 SFailure FailureOf(Outcome outcome, const SFileSpec& spec) {
-  SFailure failure;
-  failure.list = ListKind::kFiles;
-  failure.path = spec.GetPath();
-  failure.system = outcome == Outcome::kRefused ? LastFileFailure().error : SystemError::kNone;
-  failure.kind =
-      outcome == Outcome::kRefused ? FailureKindOf(failure.system) : FailureKind::kDamaged;
+  if (outcome != Outcome::kRefused) {
+    return {FailureKind::kDamaged, ListKind::kFiles, SystemError::kNone, spec.GetPath(), 0, {}};
+  }
+  SFailure failure = FailureOfLastFile(ListKind::kFiles);
+  if (failure.kind != FailureKind::kForeignLink) {
+    failure.path = spec.GetPath();
+  }
   return failure;
 }
 

@@ -2,6 +2,7 @@
 // standard streams, the form of a path. Inside, everything is UTF-8.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -26,6 +27,9 @@ class Console {
 
 bool InputIsTerminal();
 bool ErrorIsTerminal();
+
+// By the user's number; empty where users have none. The number itself if nobody has it.
+std::string NameOfUser(uint32_t number);
 
 // A path as the library takes it, in the system's own bytes, and back, with the system's own
 // separators. What the bytes cannot hold becomes a question mark, which no file name has.

@@ -1,3 +1,4 @@
+#include <pwd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,6 +30,11 @@ bool InputIsTerminal() {
 
 bool ErrorIsTerminal() {
   return isatty(STDERR_FILENO) == 1;
+}
+
+std::string NameOfUser(uint32_t number) {
+  const passwd* const user = getpwuid(number);
+  return user != nullptr ? user->pw_name : "user " + std::to_string(number);
 }
 
 std::string ToLibraryPath(const std::string& path) {

@@ -158,6 +158,10 @@ bool ErrorIsTerminal() {
   return IsTerminal(stderr);
 }
 
+std::string NameOfUser(uint32_t /*number*/) {
+  return {};
+}
+
 std::string ToLibraryPath(const std::string& path) {
   return FromWide(CP_ACP, ToWide(CP_UTF8, path));
 }

@@ -30,6 +30,8 @@ Words OtherWords(SystemError error) {
       return {"there already", kTryAgain};
     case SystemError::kFolderNotEmpty:
       return {"not empty: something was put there meanwhile", kTryAgain};
+    case SystemError::kNoPlainFile:
+      return {"a pipe, a socket or a device, and no file of a store", "remove it"};
     case SystemError::kInvalidName:
       return {"no path that the system takes", ""};
     default:
@@ -59,6 +61,8 @@ Words WordsOf(const SFailure& failure) {
       return {"damaged", "kivadmin dump shows what can be read of it"};
     case FailureKind::kDiskFull:
       return {"on a full disk", "make room"};
+    case FailureKind::kForeignLink:
+      return {"a link", NameOfUser(0).empty() ? "remove it" : "remove it, or give it to root"};
     case FailureKind::kOther:
       break;
   }
@@ -73,9 +77,17 @@ bool LacksLock(const SFailure& failure) {
          EqualNoCase(path.substr(path.size() - kExtension.size()), kExtension);
 }
 
+std::string ForeignLinkText(uint32_t owner) {
+  const std::string name = NameOfUser(owner);
+  return "a link" + (name.empty() ? "" : " that belongs to " + name) + ": not followed";
+}
+
 }  // namespace
 
 std::string WhatText(const SFailure& failure) {
+  if (failure.kind == FailureKind::kForeignLink) {
+    return ForeignLinkText(failure.linkOwner);
+  }
   return LacksLock(failure) ? "its lock file is missing" : WordsOf(failure).what;
 }
 
@@ -87,7 +99,7 @@ std::string ReasonText(const SFailure& failure) {
            ", so nothing can be locked there; make an empty file of that name";
   }
   const Words words = WordsOf(failure);
-  return path + " is " + words.what + (*words.remedy != '\0' ? "; " : "") + words.remedy;
+  return path + " is " + WhatText(failure) + (*words.remedy != '\0' ? "; " : "") + words.remedy;
 }
 
 ExitCode ExitCodeOf(const SFailure& failure) {

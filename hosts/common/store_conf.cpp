@@ -5,7 +5,7 @@
 #include "hosts/common/charset.h"
 #include "hosts/common/console.h"
 #include "hosts/common/host_error.h"
-#include "hosts/common/whole_file.h"
+#include "hosts/common/store_text.h"
 
 namespace kivhost {
 namespace {
@@ -28,7 +28,7 @@ std::string ReadSettled(const kivstore::SFileSpec& conf) {
   if (!conf.IsExistingFile()) {
     return {};
   }
-  std::istringstream lines(ReadWholeFile(PathOf(conf), kLongestConf, "kivstore.conf", kNoStore));
+  std::istringstream lines(ReadStoreText(conf, kLongestConf, "kivstore.conf"));
   for (std::string line; std::getline(lines, line);) {
     if (line.starts_with(kKey)) {
       return line.substr(kKey.size(), line.find_last_not_of("\r ") + 1 - kKey.size());
@@ -56,9 +56,8 @@ std::string CharsetOf(const OpenStore& store, const std::optional<std::string>& 
 void SettleCharset(const OpenStore& store, const std::string& charset) {
   const kivstore::SFileSpec conf = ConfFile(store);
   if (ReadSettled(conf).empty()) {
-    WriteWholeFile(
-        PathOf(conf),
-        "# what kivadmin and kivreport have settled about this store\ncharset=" + charset + '\n');
+    WriteStoreText(conf, "# what kivadmin and kivreport have settled about this store\ncharset=" +
+                             charset + '\n');
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "foundation/files/file_finder.h"
 #include "hosts/common/console.h"
+#include "hosts/common/failure_text.h"
 #include "hosts/common/host_error.h"
 #include "store/place/placing.h"
 #include "store/place/store_names.h"
@@ -134,6 +135,9 @@ OpenStore::OpenStore(const std::string& givenRoot, const KindWanted& wanted, boo
 
 SiteKind OpenStore::Choose(const KindWanted& wanted, bool isToBeLaidOut) const {
   const SFileSpec top = TopFolder();
+  if (top.Exists() && SFileSpec::GetLastError() != 0) {
+    throw HostError(kNoStore, ReasonText(FailureOfLastFile(ListKind::kTeachers)));
+  }
   if (!top.IsExistingFolder() && !isToBeLaidOut) {
     throw NoClassesIn(root);
   }

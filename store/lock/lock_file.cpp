@@ -71,6 +71,13 @@ bool SLockFile::Unlock() {
   return file.Close();
 }
 
+// What was refused is no file that somebody could let go.
+bool SLockFile::IsNoLockFile() const {
+  const SystemError error = LastFileFailure().error;
+  return !file.IsOpen() &&
+         (error == SystemError::kForeignLink || error == SystemError::kNoPlainFile);
+}
+
 SLockFile::Try SLockFile::TryOnce() {
   if (!spec.IsValid() || !spec.Exists()) {
     return Try::kImpossible;
@@ -81,7 +88,7 @@ SLockFile::Try SLockFile::TryOnce() {
   if (!file.IsOpen() && file.Open(SFile::kWrite, spec, &error)) {
     return Try::kHeld;
   }
-  return error == SFile::kNotFound ? Try::kImpossible : Try::kBusy;
+  return error == SFile::kNotFound || IsNoLockFile() ? Try::kImpossible : Try::kBusy;
 }
 
 SLockFile::Try SLockFile::TryWithBackoff() {

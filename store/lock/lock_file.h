@@ -58,6 +58,7 @@ class SLockFile {
  private:
   enum class Try { kHeld, kBusy, kImpossible };
   void SetTarget(SFileSpec target, SString fileName);
+  bool IsNoLockFile() const;
   bool MakeFile();
   Try TryOnce();
   Try TryWithBackoff();

@@ -1,5 +1,7 @@
 #include "store/place/failure.h"
 
+#include "foundation/files/file_failure.h"
+
 namespace kivstore {
 
 FailureKind FailureKindOf(SystemError error) {
@@ -14,9 +16,16 @@ FailureKind FailureKindOf(SystemError error) {
       return FailureKind::kMissing;
     case SystemError::kDiskFull:
       return FailureKind::kDiskFull;
+    case SystemError::kForeignLink:
+      return FailureKind::kForeignLink;
     default:
       return FailureKind::kOther;
   }
+}
+
+SFailure FailureOfLastFile(ListKind list) {
+  const SFileFailure& last = LastFileFailure();
+  return {FailureKindOf(last.error), list, last.error, last.path, last.linkOwner, SString()};
 }
 
 }  // namespace kivstore

@@ -21,22 +21,26 @@ enum class FailureKind {
   kNoEntry,       // the entry to work on, or its folder, is not there (any more)
   kFull,          // the list holds as many entries as it may
   kNameTaken,
-  kDamaged,   // a file cannot be read to its end
-  kDiskFull,  // no space, or no more allowed to this user
-  kOther,     // what `system` says
+  kDamaged,      // a file cannot be read to its end
+  kDiskFull,     // no space, or no more allowed to this user
+  kForeignLink,  // a link of somebody else's is in the way: `path` is the link
+  kOther,        // what `system` says
 };
 
 struct SFailure {
   FailureKind kind = FailureKind::kNone;
   ListKind list = ListKind::kClasses;
   SystemError system = SystemError::kNone;
-  SString path;  // where, in the form the store holds paths
-  SString text;  // the words for a user as the system has them; empty where it has none
+  SString path;            // where, in the form the store holds paths
+  uint32_t linkOwner = 0;  // of kForeignLink: the user's number
+  SString text;            // the words for a user as the system has them; empty where it has none
 
   explicit operator bool() const { return kind != FailureKind::kNone; }
 };
 
 // What a file operation that failed like that means.
 FailureKind FailureKindOf(SystemError error);
+// Of the file operation that has just failed.
+SFailure FailureOfLastFile(ListKind list);
 
 }  // namespace kivstore

@@ -1,6 +1,19 @@
 #include "store/place/site.h"
 
 namespace kivstore {
+namespace {
+
+bool IsInTheWay(SystemError error) {
+  return error == SystemError::kForeignLink || error == SystemError::kNoPlainFile;
+}
+
+// What a look or a reading that was stopped makes of it.
+bool IsByAbsence(FailureKind kind) {
+  return kind == FailureKind::kMissing || kind == FailureKind::kNoEntry ||
+         kind == FailureKind::kDamaged;
+}
+
+}  // namespace
 
 void SSite::SetSiteMode(int32_t mode) {
   siteMode = mode;
@@ -39,30 +52,34 @@ const SKivTeacherOptionsDob* SSite::GetOptionsInForce() const {
   return owner != nullptr ? owner->GetOptionsInForce() : nullptr;
 }
 
+void SSite::ClearFailure() {
+  failure = shortfall = {};
+  failuresBefore = SFileSpec::LastFailure().number;
+}
+
 void SSite::NoteFailure(FailureKind kind, const SString& path, ListKind list, SystemError system) {
-  constexpr int16_t kOtherError = 1;
   if (failure) {
     return;
   }
-  if (kind == FailureKind::kMissing && SFileSpec::GetLastError() == kOtherError) {
-    const SFileFailure& last = SFileSpec::LastFailure();
-    failure = {FailureKindOf(last.error), list, last.error, last.path, SString()};
-  } else {
-    failure = {kind, list, system, path, SString()};
-  }
+  constexpr int16_t kOtherError = 1;
+  const SFileFailure& last = SFileSpec::LastFailure();
+  const bool isInTheWay = last.number != failuresBefore && IsInTheWay(last.error);
+  const bool isStopped =
+      (kind == FailureKind::kMissing && SFileSpec::GetLastError() == kOtherError) ||
+      (IsByAbsence(kind) && isInTheWay);
+  failure = isStopped ? FailureOfLastFile(list) : SFailure{kind, list, system, path, 0, SString()};
 }
 
-// Of the file operation that has just failed.
 void SSite::NoteShortfall(ListKind list) {
   if (!shortfall) {
-    const SFileFailure& last = SFileSpec::LastFailure();
-    shortfall = {FailureKindOf(last.error), list, last.error, last.path, SString()};
+    shortfall = FailureOfLastFile(list);
   }
 }
 
 void SSite::NoteFileFailure(ListKind list) {
-  const SFileFailure& last = SFileSpec::LastFailure();
-  NoteFailure(FailureKindOf(last.error), last.path, list, last.error);
+  if (!failure) {
+    failure = FailureOfLastFile(list);
+  }
 }
 
 }  // namespace kivstore

@@ -88,9 +88,9 @@ class SSite {
   // The first reason noted since the last ClearFailure is the one that is kept: what fails later
   // fails because of it. Of its texts the last one composed is.
   const SFailure& GetFailure() const { return failure; }
-  void ClearFailure() { failure = shortfall = {}; }
+  void ClearFailure();
   // What is noted as missing right after a look that could not be made is told as what stopped the
-  // look.
+  // look; and what is missing, gone or damaged because a link or a pipe is in the way, as that.
   void NoteFailure(FailureKind kind, const SString& path, ListKind list,
                    SystemError system = SystemError::kNone);
   // Of the file operation that has just failed.
@@ -124,6 +124,7 @@ class SSite {
   SFileSpec countedClasses;
   SFailure failure;
   SFailure shortfall;
+  uint32_t failuresBefore = 0;  // of files, before the last ClearFailure
 };
 
 }  // namespace kivstore

@@ -9,6 +9,7 @@
 #include "foundation/files/file_finder.h"
 #include "game/game_dob.h"
 #include "hosts/common/empty_file.h"
+#include "hosts/common/failure_text.h"
 #include "records/tutor_options_dob.h"
 #include "store/list/index_file.h"
 #include "store/list/long_name.h"
@@ -65,12 +66,56 @@ const char* VersionTrouble(int32_t status) {
 
 std::vector<Finding> StoreCheck::Run() {
   findings.clear();
+  CheckForeignEntries();
   if (session.HasTeachers()) {
     CheckList(session.TopFolder(), &StoreCheck::CheckTeacher);
   } else {
     CheckClassList(session.TopFolder());
   }
   return std::move(findings);
+}
+
+// In whatever the programs use below the data root; there may be more beside it.
+void StoreCheck::CheckForeignEntries() {
+  SFileSpec root = session.TopFolder();
+  root.Up();
+  LookForForeign(session.TopFolder(), 0);
+  LookForForeign(Below(root, "Deleted"), 0);
+  LookAtLink(Below(root, "kivstore.conf"));
+}
+
+void StoreCheck::LookForForeign(const SFileSpec& folder, int depth) {
+  constexpr int kMostDepth = 16;  // deeper than any store
+  LookAtLink(folder);
+  if (!folder.IsExistingFolder() || depth > kMostDepth) {
+    return;
+  }
+  SFileFinder finder(folder, SFileFinder::kEverything);
+  for (FolderEntry entry; finder.NextEntry(entry);) {
+    SFileSpec spec;
+    spec.SetFromEntry(folder.GetPath(), entry);
+    if (entry.attributes.link) {
+      spec.Refresh();
+    }
+    if (entry.attributes.special) {
+      ReportForeign("file", spec, "is a pipe, a socket or a device, and no file of a store");
+    } else if (entry.attributes.folder || entry.attributes.link) {
+      LookForForeign(spec, depth + 1);
+    }
+  }
+}
+
+// Right after the look at it.
+void StoreCheck::LookAtLink(const SFileSpec& spec) {
+  const SFileFailure& last = SFileSpec::LastFailure();
+  if (spec.Exists() && SFileSpec::GetLastError() != 0 && last.error == SystemError::kForeignLink) {
+    ReportForeign("link", spec, "is " + kivhost::WhatText(FailureOfLastFile(ListKind::kFiles)));
+  }
+}
+
+void StoreCheck::ReportForeign(const char* kind, const SFileSpec& where, const std::string& what) {
+  Report(kind, where, what);
+  foreign.insert(session.Show(where));
 }
 
 size_t StoreCheck::CountClasses(const Session& session) {
@@ -201,10 +246,12 @@ bool StoreCheck::CheckUnlisted(const SFileSpec& folder) {
 }
 
 void StoreCheck::CheckLongName(const SFileSpec& folder, const SLoginNameObj& entry) {
+  const SFileSpec file = Below(folder, CachedText<kTextLongNameFile>());
   SLoginNameObj owner;
-  if (!ReadLongName(Below(folder, CachedText<kTextLongNameFile>()), owner.firstName,
-                    owner.lastName) ||
-      owner.firstName.IsEmpty()) {
+  if (foreign.contains(session.Show(file))) {
+    return;
+  }
+  if (!ReadLongName(file, owner.firstName, owner.lastName) || owner.firstName.IsEmpty()) {
     Report("longname", folder, "longname.kiv is missing, empty or cut short");
   } else if (CompareDisplayNames(owner, entry) != 0) {
     Report("longname", folder,
@@ -270,7 +317,10 @@ void StoreCheck::CheckGames(const SFileSpec& folder) {
 }
 
 void StoreCheck::Report(const char* kind, const SFileSpec& where, const std::string& what) {
-  findings.push_back({kind, session.Show(where), what, false});
+  const std::string path = session.Show(where);
+  if (!foreign.contains(path)) {
+    findings.push_back({kind, path, what, false});
+  }
 }
 
 }  // namespace kivadmin

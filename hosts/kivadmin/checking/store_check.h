@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,7 +14,8 @@
 namespace kivadmin {
 
 struct Finding {
-  // "index", "longname", "nameless", "lock", "options", "game", "twin", "name", "folder", "busy"
+  // "index", "longname", "nameless", "lock", "options", "game", "twin", "name", "folder", "busy",
+  // "link", "file"
   std::string kind;
   std::string path;
   std::string what;
@@ -51,11 +53,16 @@ class StoreCheck {
   void CheckLock(const kivstore::SFileSpec& folder, const char* name);
   void CheckOptions(const kivstore::SFileSpec& folder);
   void CheckGames(const kivstore::SFileSpec& folder);
+  void CheckForeignEntries();
+  void LookForForeign(const kivstore::SFileSpec& folder, int depth);
+  void LookAtLink(const kivstore::SFileSpec& spec);
+  void ReportForeign(const char* kind, const kivstore::SFileSpec& where, const std::string& what);
   void Report(const char* kind, const kivstore::SFileSpec& where, const std::string& what);
 
   const Session& session;
   std::function<void()> classDone;
   std::vector<Finding> findings;
+  std::set<std::string> foreign;  // links that are not followed, and pipes: more is not to be said
   std::map<std::pair<size_t, size_t>, kivstore::SFileSpec> games;  // by length and hash
 };
 

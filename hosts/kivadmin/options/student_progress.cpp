@@ -51,7 +51,7 @@ SFileSpec FolderOf(const Session& session, const OptionsPlace& place) {
   SFileSpec folder;
   kivstore::EntryFolder(session.Site(), folder, place.classEntry, place.student);
   if (!folder.IsExistingFolder()) {
-    throw HostError(kNoStore, "the student's folder is missing");
+    throw session.NoFolder(folder, {kNoStore, "the student's folder is missing"});
   }
   return folder;
 }

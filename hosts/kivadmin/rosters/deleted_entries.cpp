@@ -8,7 +8,7 @@
 
 #include "foundation/files/file_finder.h"
 #include "hosts/common/console.h"
-#include "hosts/common/whole_file.h"
+#include "hosts/common/store_text.h"
 #include "store/change/setting_aside.h"
 #include "store/place/display_name.h"
 
@@ -63,10 +63,6 @@ SFileSpec NewPlace(const Session& session, const SString& folderName) {
   return place;
 }
 
-std::string NotePath(const Session& session, const SFileSpec& place) {
-  return session.Show(place) + kNoteFile;
-}
-
 // The folder of the list below the classes folder, as the library writes it.
 std::string ListBelowTop(const Session& session, const SFileSpec& list) {
   const std::string_view top = session.TopFolder().GetPath().View();
@@ -74,11 +70,12 @@ std::string ListBelowTop(const Session& session, const SFileSpec& list) {
       list.GetPath().View().substr(std::min(top.size(), list.GetPath().View().size())));
 }
 
-void WriteNote(const Session& session, const DeletedEntry& deleted) {
-  kivhost::WriteWholeFile(NotePath(session, deleted.place),
-                          "level=" + deleted.level + "\nname=" + deleted.name +
-                              "\nof=" + deleted.of + "\nlist=" + deleted.list +
-                              "\nwhen=" + deleted.when + "\nby=" + deleted.by + '\n');
+void WriteNote(const DeletedEntry& deleted) {
+  SFileSpec note(deleted.place);
+  note.Down(kNoteFile);
+  kivhost::WriteStoreText(note, "level=" + deleted.level + "\nname=" + deleted.name +
+                                    "\nof=" + deleted.of + "\nlist=" + deleted.list +
+                                    "\nwhen=" + deleted.when + "\nby=" + deleted.by + '\n');
 }
 
 void TakeLine(DeletedEntry& deleted, const std::string& line) {
@@ -98,13 +95,12 @@ void TakeLine(DeletedEntry& deleted, const std::string& line) {
 }
 
 // False if it is no delete's place.
-bool ReadNote(const Session& session, DeletedEntry& deleted) {
+bool ReadNote(DeletedEntry& deleted) {
   SFileSpec note(deleted.place);
   if (!note.Down(kNoteFile) || !note.IsExistingFile()) {
     return false;
   }
-  std::istringstream text(
-      kivhost::ReadWholeFile(session.Show(note), kLongestNote, "a note of a delete", kNoStore));
+  std::istringstream text(kivhost::ReadStoreText(note, kLongestNote, "a note of a delete"));
   for (std::string line; std::getline(text, line);) {
     TakeLine(deleted, line);
   }
@@ -127,10 +123,14 @@ SFileSpec ListOf(const Session& session, const DeletedEntry& deleted) {
   const SFileSpec top = session.TopFolder();
   const SFileSpec list(top.GetPath() + SString(deleted.list.c_str()));
   const bool isBelow = list.GetPath().View().starts_with(top.GetPath().View());
-  if (!isBelow || !list.IsExistingFolder()) {
-    throw HostError(kRefused,
-                    "the list of " + deleted.Text() + " is not there: " + session.Show(top) +
-                        kivhost::FromLibraryPath(deleted.list) + "; put back what it was in first");
+  const HostError isGone(
+      kRefused, "the list of " + deleted.Text() + " is not there: " + session.Show(top) +
+                    kivhost::FromLibraryPath(deleted.list) + "; put back what it was in first");
+  if (!isBelow) {
+    throw isGone;
+  }
+  if (!list.IsExistingFolder()) {
+    throw session.NoFolder(list, isGone);
   }
   return list;
 }
@@ -157,7 +157,7 @@ DeletedEntry SetAside(const Session& session, const EntryToDelete& what) {
     return deleted;
   }
   deleted.place = NewPlace(session, what.entry.folderName);
-  WriteNote(session, deleted);
+  WriteNote(deleted);
   deleted.folder = deleted.place;
   deleted.folder.Down(what.entry.folderName);
   try {
@@ -177,9 +177,12 @@ DeletedEntry SetAside(const Session& session, const EntryToDelete& what) {
 
 std::vector<DeletedEntry> ListDeleted(const Session& session) {
   std::vector<DeletedEntry> all;
-  SFileFinder finder(DeletedFolder(session), SFileFinder::kVisibleFolders);
+  SFileSpec folder = DeletedFolder(session);
+  session.Need("look at what was deleted", folder,
+               [&] { return !folder.Exists() || folder.IsFolder(); });
+  SFileFinder finder(folder, SFileFinder::kVisibleFolders);
   for (DeletedEntry deleted; finder.Next(deleted.place); deleted = {}) {
-    if (ReadNote(session, deleted)) {
+    if (ReadNote(deleted)) {
       FindFolder(deleted);
       all.push_back(deleted);
     }

@@ -106,12 +106,23 @@ void Session::Need(const std::string& what, const SFileSpec& file,
     return;
   }
   Site().ClearFailure();
+  if (SFileSpec::LastFailure().number == known) {
+    SFileSpec(file).Refresh();  // tells of a link in the way
+  }
   if (SFileSpec::LastFailure().number != known) {
     Site().NoteFileFailure(ListKind::kFiles);
   } else {
     Site().NoteFailure(FailureKind::kDamaged, file.GetPath(), ListKind::kFiles);
   }
   throw kivhost::Unable(what, Site().GetFailure());
+}
+
+HostError Session::NoFolder(SFileSpec folder, HostError otherwise) const {
+  const uint32_t known = SFileSpec::LastFailure().number;
+  folder.Refresh();
+  return SFileSpec::LastFailure().number == known
+             ? otherwise
+             : HostError(kNoStore, kivhost::ReasonText(FailureOfLastFile(ListKind::kClasses)));
 }
 
 void Session::TakeLock(SLockFile& lock, const std::string& what) const {
@@ -123,7 +134,7 @@ void Session::TakeLock(SLockFile& lock, const std::string& what) const {
 
 void Session::TakeIndexLock(SLockFile& lock, const SFileSpec& folder, ListKind list) const {
   if (!folder.IsExistingFolder()) {
-    throw HostError(kNoStore, Show(folder) + ": no such folder");
+    throw NoFolder(folder, {kNoStore, Show(folder) + ": no such folder"});
   }
   AimAtIndex(lock, folder, list, true);
   // A dry run cannot make the lock file and looks at the list without it.
