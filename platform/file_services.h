@@ -57,11 +57,12 @@ struct FileAttributes {
   bool folder = false;
   bool hidden = false;
   bool readOnly = false;  // not told by a walk
-  // A symbolic link or its like, entered as what it leads to and removed as itself.
+  // A symbolic link or its like, entered as what it leads to and removed as itself. On Windows not
+  // told by a walk.
   bool link = false;
   // A link that is not followed, seen as itself. Not told by a walk.
   bool foreign = false;
-  bool special = false;  // a pipe, a socket or a device; told by a walk alone
+  bool special = false;  // a pipe, a socket or a device; told by a walk on POSIX alone
 };
 
 // A link below the data root that was not followed.

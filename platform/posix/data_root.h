@@ -27,8 +27,8 @@ class DataRoot {
   int Get() const { return folder.Get(); }
   const char* Text() const { return text; }
 
-  // A look has met this file system at `path`. Costs one call for each file system that the process
-  // meets.
+  // A look has met this file system at `path`, which is no link. Costs one call for each file
+  // system that the process meets.
   void Meet(dev_t fileSystem, const char* path);
   // Whether other machines may change what was met below the root, or without any look the root.
   bool IsShared();

@@ -42,9 +42,13 @@ int LookAt(const char* path, struct stat& facts, FileAttributes& attributes) {
   if (lstat(path, &facts) != 0) {
     return errno;
   }
-  KeptDataRoot().Meet(facts.st_dev, path);
   attributes.link = S_ISLNK(facts.st_mode);
-  const int failure = attributes.link ? LookBehindLink(path, facts) : 0;
+  int failure = 0;
+  if (attributes.link) {
+    failure = LookBehindLink(path, facts);
+  } else {
+    KeptDataRoot().Meet(facts.st_dev, path);
+  }
   attributes.foreign = failure == kForeignLinkFailure;
   return attributes.foreign ? 0 : failure;
 }

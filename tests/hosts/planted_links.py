@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Plants links and pipes in a store and runs every command of the host programs over it.
 
-    planted_links.py BIN [--every N] [--only TEXT]
+    planted_links.py BIN [--draw N [--seed S]] [--only TEXT]
 
 For each file and folder of a store and each command: what is there moves out of the store, and in
 its place stands a symbolic link to it, which belongs to a user who is neither root nor the one who
@@ -12,14 +12,15 @@ runs the command. Then
 - the command does what it does without the link, or fails and names the link and its owner.
 
 Where the link belongs to root, or to the user who runs the command, all goes as without it. A pipe
-in place of a file is neither written over nor waited for. All of it once as root and, a part, as
-another user. Links are given away, so it takes root; --every N takes one row in N.
+in place of a file is neither written over nor waited for. Links are given away, so it takes root.
+All rows take some minutes; --draw takes so many of them, drawn anew each time.
 """
 import argparse
 import collections
 import concurrent.futures
 import os
 import pathlib
+import random
 import shutil
 import stat
 import subprocess
@@ -251,7 +252,8 @@ def keeps_reading_times(top):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("bin")
-    parser.add_argument("--every", type=int, default=1)
+    parser.add_argument("--draw", type=int, help="so many rows instead of all")
+    parser.add_argument("--seed", type=int, default=random.randrange(1 << 32))
     parser.add_argument("--only", default="", help="rows whose line has this text")
     arguments = parser.parse_args()
     if os.name != "posix" or os.geteuid() != 0:
@@ -266,7 +268,10 @@ def main():
         for user in (0, TUTOR):
             suite.remember_plain(user)
         rows = [row for row in suite.rows()
-                if arguments.only in f"{row[2]}: {row[1].name}: {row[0]}"][::arguments.every]
+                if arguments.only in f"{row[2]}: {row[1].name}: {row[0]}"]
+        if arguments.draw is not None:
+            print(f"--seed {arguments.seed}")
+            rows = random.Random(arguments.seed).sample(rows, min(arguments.draw, len(rows)))
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
             results = list(pool.map(lambda row: row[3](row[0], row[1]), rows))
     failures = 0

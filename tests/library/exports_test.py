@@ -16,8 +16,8 @@ Symbol = collections.namedtuple("Symbol", "name kind version")
 FILES = set("""
     chdir close closedir fchmod fcntl fcntl64 fdatasync fdopendir fgetxattr flock fremovexattr
     fsetxattr fstat fstat64 fstatat fstatat64 fsync ftruncate ftruncate64 getcwd getxattr lstat
-    lstat64 open open64 openat openat64 pread pread64 pwrite pwrite64 read readlink removexattr
-    rename renameat renameat2 rmdir setxattr stat stat64 statvfs statvfs64 syscall unlink unlinkat
+    lstat64 open open64 openat openat64 pread pread64 pwrite pwrite64 read readlink readlinkat
+    removexattr rename renameat renameat2 rmdir setxattr stat stat64 statvfs statvfs64 syscall unlink unlinkat
     write chmod fchmodat __open_2 __open64_2 __openat_2 __openat64_2 __read_chk __pread_chk
     __pread64_chk __getcwd_chk __fxstat __xstat __fxstat64 __xstat64 __fstat64_time64
     __stat64_time64 __lstat64_time64 __fcntl_time64 faccessat access getdents64 fstatfs fstatfs64

@@ -139,7 +139,7 @@ class SiteFixture : public testing::Test {
   std::string Why() {
     static const char* const kKinds[] = {"",        "locked",    "in use", "no permission",
                                          "missing", "no entry",  "full",   "name taken",
-                                         "damaged", "disk full", "other"};
+                                         "damaged", "disk full", "link",   "other"};
     static const char* const kLists[] = {"classes", "students", "files", "teachers"};
     const kivstore::SFailure failure = site.GetFailure();
     site.ClearFailure();

@@ -248,7 +248,7 @@ bool StoreCheck::CheckUnlisted(const SFileSpec& folder) {
 void StoreCheck::CheckLongName(const SFileSpec& folder, const SLoginNameObj& entry) {
   const SFileSpec file = Below(folder, CachedText<kTextLongNameFile>());
   SLoginNameObj owner;
-  if (foreign.contains(session.Show(file))) {
+  if (IsBehindForeign(session.Show(file))) {
     return;
   }
   if (!ReadLongName(file, owner.firstName, owner.lastName) || owner.firstName.IsEmpty()) {
@@ -316,9 +316,15 @@ void StoreCheck::CheckGames(const SFileSpec& folder) {
   }
 }
 
+bool StoreCheck::IsBehindForeign(const std::string& path) const {
+  return std::any_of(foreign.begin(), foreign.end(), [&](const std::string& one) {
+    return path.starts_with(one) && (path.size() == one.size() || path[one.size()] == '/');
+  });
+}
+
 void StoreCheck::Report(const char* kind, const SFileSpec& where, const std::string& what) {
   const std::string path = session.Show(where);
-  if (!foreign.contains(path)) {
+  if (!IsBehindForeign(path)) {
     findings.push_back({kind, path, what, false});
   }
 }

@@ -56,13 +56,15 @@ class StoreCheck {
   void CheckForeignEntries();
   void LookForForeign(const kivstore::SFileSpec& folder, int depth);
   void LookAtLink(const kivstore::SFileSpec& spec);
+  bool IsBehindForeign(const std::string& path) const;
   void ReportForeign(const char* kind, const kivstore::SFileSpec& where, const std::string& what);
   void Report(const char* kind, const kivstore::SFileSpec& where, const std::string& what);
 
   const Session& session;
   std::function<void()> classDone;
   std::vector<Finding> findings;
-  std::set<std::string> foreign;  // links that are not followed, and pipes: more is not to be said
+  // Links that are not followed, and pipes: of what lies behind them nothing more is said.
+  std::set<std::string> foreign;
   std::map<std::pair<size_t, size_t>, kivstore::SFileSpec> games;  // by length and hash
 };
 
