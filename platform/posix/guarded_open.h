@@ -8,7 +8,7 @@
 //
 // Where there is no link that is one call, like any opening: openat2 refuses to follow links, and
 // only when it refuses are the names walked one by one. A kernel that lacks openat2, or a sandbox
-// that forbids it, has them walked always, two calls for each name on the way.
+// that forbids it, has them walked always, three calls for each name on the way.
 #pragma once
 
 #include <sys/stat.h>
