@@ -101,7 +101,7 @@ int TakeSource(const Descriptor& source, struct stat& facts) {
   if (!source.IsOpen() || fstat(source.Get(), &facts) != 0) {
     return errno;
   }
-  return S_ISREG(facts.st_mode) && LockShared(source.Get()) == EAGAIN ? EAGAIN : 0;
+  return S_ISREG(facts.st_mode) && LockToCopy(source.Get()) == EAGAIN ? EAGAIN : 0;
 }
 
 // A target that could not be filled does not stay.

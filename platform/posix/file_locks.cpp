@@ -10,11 +10,13 @@
 #include <utility>
 
 #include "platform/base/bytes.h"
+#include "platform/posix/write_lease.h"
 
 namespace kivstore {
 namespace {
 
 constexpr int kMaxDepth = 256;
+constexpr int kOpenFlags = O_NONBLOCK | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW;
 
 struct flock WholeFile(short type) {
   struct flock lock {};
@@ -31,8 +33,21 @@ int Lock(int file, short type) {
   return errno == EACCES || errno == EBUSY ? EAGAIN : errno;
 }
 
-bool IsOutOfHandles(int failure) {
-  return failure == EMFILE || failure == ENFILE;
+// Why a file could not be opened, if that leaves open whether somebody has it: a lease, or what
+// holds it at the file server, or that there are not handles enough. What cannot be opened
+// otherwise is held by nobody who came through this program.
+int Doubt(int failure) {
+  switch (failure) {
+    case EMFILE:
+    case ENFILE:
+      return failure;
+    case EAGAIN:
+    case EBUSY:
+    case ETXTBSY:
+      return EAGAIN;
+    default:
+      return 0;
+  }
 }
 
 // A teacher's folder has more lock files than a process may have open unless it asks for more.
@@ -63,12 +78,19 @@ int LockShared(int file) {
 }
 
 int LockAlone(int file) {
-  return Lock(file, F_WRLCK);
+  const int failure = Lock(file, F_WRLCK);
+  return failure == 0 && LeaseAlone(file) == EAGAIN ? EAGAIN : failure;
+}
+
+int LockToCopy(int file) {
+  const int failure = LockShared(file);
+  return failure == 0 && LeaseForLook(file) == EAGAIN ? EAGAIN : failure;
 }
 
 bool IsHeldElsewhere(int file) {
   struct flock lock = WholeFile(F_WRLCK);
-  return fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+  const bool isLocked = fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+  return isLocked || LeaseForLook(file) == EAGAIN;
 }
 
 int FolderHold::Take(const char* folder) {
@@ -85,45 +107,66 @@ int FolderHold::TakeBelow(const char* path, int base, int depth) {
   }
   FolderReader folder;
   if (const int failure = folder.Open(path, base, O_NOFOLLOW); failure != 0) {
-    return IsOutOfHandles(failure) ? failure : 0;
+    return Doubt(failure);
   }
-  RawEntry entry;
-  while (folder.Next(entry)) {
-    const int failure = entry.IsDots() ? 0 : TakeEntry(folder.GetDescriptor(), entry, depth);
-    if (failure != 0) {
-      blocker.insert(0, entry.name + (blocker.empty() ? std::string() : "/"));
-      return failure;
-    }
-  }
-  return 0;
-}
-
-int FolderHold::TakeEntry(int folder, const RawEntry& entry, int depth) {
-  int failure = 0;
-  if (entry.type == DT_REG || entry.type == DT_UNKNOWN) {
-    failure = TakeFile(folder, entry.name);
-  }
-  if (failure == 0 && (entry.type == DT_DIR || entry.type == DT_UNKNOWN)) {
-    failure = TakeBelow(entry.name, folder, depth + 1);
+  Entries others;
+  int failure = TakeLocks(folder, others);
+  for (size_t i = 0; failure == 0 && i < others.size(); ++i) {
+    failure = NoteBlocker(TakeEntry(folder.GetDescriptor(), others[i], depth), others[i].name);
   }
   return failure;
 }
 
-// What cannot be opened is held by nobody who came through this program; a lock file that may not
-// be written is only asked.
-int FolderHold::TakeFile(int folder, const char* name) {
-  constexpr int kFlags = O_NONBLOCK | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW;
-  if (IsLockFile(name)) {
-    auto lock = std::make_unique<Descriptor>(OpenWithRoom(folder, name, O_RDWR | kFlags));
-    if (lock->IsOpen()) {
-      const int failure = LockAlone(lock->Get());
-      held.push_back(std::move(lock));
-      return failure == EAGAIN ? EAGAIN : 0;
+// Whoever goes by the rules holds a lock while a file beside it is open: with the locks taken
+// first, the look at the other files disturbs nobody.
+int FolderHold::TakeLocks(FolderReader& folder, Entries& others) {
+  RawEntry entry;
+  int failure = 0;
+  while (failure == 0 && folder.Next(entry)) {
+    if (!entry.IsDots() && !(entry.type == DT_REG && IsLockFile(entry.Name()))) {
+      others.push_back({entry.name, entry.type});
+    } else if (!entry.IsDots()) {
+      failure = NoteBlocker(TakeLock(folder.GetDescriptor(), entry.name), entry.name);
     }
   }
-  const Descriptor file(OpenWithRoom(folder, name, O_RDONLY | kFlags));
+  return failure;
+}
+
+int FolderHold::NoteBlocker(int failure, const std::string& name) {
+  if (failure != 0) {
+    blocker.insert(0, name + (blocker.empty() ? "" : "/"));
+  }
+  return failure;
+}
+
+int FolderHold::TakeEntry(int folder, const Entry& entry, int depth) {
+  int failure = 0;
+  if (entry.type == DT_REG || entry.type == DT_UNKNOWN) {
+    failure = IsLockFile(entry.name) ? TakeLock(folder, entry.name.c_str())
+                                     : LookAt(folder, entry.name.c_str());
+  }
+  if (failure == 0 && (entry.type == DT_DIR || entry.type == DT_UNKNOWN)) {
+    failure = TakeBelow(entry.name.c_str(), folder, depth + 1);
+  }
+  return failure;
+}
+
+// A lock file that may not be written is only asked.
+int FolderHold::TakeLock(int folder, const char* name) {
+  auto lock = std::make_unique<Descriptor>(OpenWithRoom(folder, name, O_RDWR | kOpenFlags));
+  if (!lock->IsOpen()) {
+    const int failure = Doubt(errno);
+    return failure != 0 ? failure : LookAt(folder, name);
+  }
+  const int failure = LockAlone(lock->Get());
+  held.push_back(std::move(lock));
+  return failure == EAGAIN ? EAGAIN : 0;
+}
+
+int FolderHold::LookAt(int folder, const char* name) {
+  const Descriptor file(OpenWithRoom(folder, name, O_RDONLY | kOpenFlags));
   if (!file.IsOpen()) {
-    return IsOutOfHandles(errno) ? errno : 0;
+    return Doubt(errno);
   }
   return IsHeldElsewhere(file.Get()) ? EAGAIN : 0;
 }

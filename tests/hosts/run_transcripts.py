@@ -80,9 +80,21 @@ GOLDEN = HERE.parent / "golden"
 LONGEST = 300  # seconds of one command
 
 
+def contents(path):
+    """The bytes of a file; of one that a program holds alone, since it keeps out readers too, its
+    length and time."""
+    try:
+        with open(path, "rb", opener=lambda name, flags: os.open(
+                name, flags | getattr(os, "O_NONBLOCK", 0))) as file:
+            return file.read()
+    except BlockingIOError:
+        facts = path.stat()
+        return (facts.st_size, facts.st_mtime_ns) if facts.st_size else b""
+
+
 def snapshot(root):
     """Every path below with its bytes; None for a folder."""
-    return {str(path.relative_to(root)): None if path.is_dir() else path.read_bytes()
+    return {str(path.relative_to(root)): None if path.is_dir() else contents(path)
             for path in sorted(root.rglob("*"))}
 
 
