@@ -50,6 +50,10 @@ bool SForwardingFileServices::Flush(FileHandle file) {
   return inner.Flush(file);
 }
 
+SystemError SForwardingFileServices::Exposure(FileHandle file) {
+  return inner.Exposure(file);
+}
+
 bool SForwardingFileServices::LeadsTo(const char* path, FileHandle file) {
   return inner.LeadsTo(path, file);
 }

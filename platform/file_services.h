@@ -117,6 +117,10 @@ class IFileServices {
   // Cuts or extends the file to the position.
   virtual bool SetEnd(FileHandle file) = 0;
   virtual bool Flush(FileHandle file) = 0;
+  // Of a file that is open for reading and writing: kNone if it is kept from programs on this
+  // machine, too, that open files without asking for locks, or if another machine serves the file;
+  // kAccessDenied if only the file's owner could keep it from them, kOther if nobody can here.
+  virtual SystemError Exposure(FileHandle /*file*/) { return SystemError::kNone; }
   // Whether the path leads to the file that is open, whose folder may have been renamed since.
   // Where an open file keeps its folder in place it always does.
   virtual bool LeadsTo(const char* /*path*/, FileHandle /*file*/) { return true; }
@@ -124,8 +128,9 @@ class IFileServices {
   // kNone for a reading that met the end of the file. Services that cannot tell say kOther.
   virtual SystemError TransferError() { return SystemError::kOther; }
 
-  // One look. Where the system keeps the hidden mark apart from the rest, `hidden` tells only what
-  // the name says; FullAttributes looks for the mark too.
+  // One look. Where the system keeps the marks of hidden and read-only apart from the rest,
+  // `hidden` tells only what the name says and `readOnly` what the permissions do; FullAttributes
+  // looks for the marks too.
   virtual bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) = 0;
   virtual bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) = 0;
   // Sets hidden and read-only of a plain file.
@@ -177,6 +182,7 @@ class SForwardingFileServices : public IFileServices {
   int64_t Size(FileHandle file) override;
   bool SetEnd(FileHandle file) override;
   bool Flush(FileHandle file) override;
+  SystemError Exposure(FileHandle file) override;
   bool LeadsTo(const char* path, FileHandle file) override;
   SystemError TransferError() override;
   bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;

@@ -66,9 +66,7 @@ bool SFileSpec::SetHidden(bool hidden) {
 
 bool SFileSpec::IsReadOnly() const {
   FileAttributes attributes;
-  SystemError error;
-  return IsExistingFile() && Files().Attributes(path.GetText(), attributes, error) &&
-         attributes.readOnly;
+  return FullAttributesOfFile(attributes) && attributes.readOnly;
 }
 
 bool SFileSpec::SetReadOnly() {

@@ -10,7 +10,7 @@
 
 #include "platform/base/never_destroyed.h"
 #include "platform/posix/descriptor.h"
-#include "platform/posix/dos_attribute.h"
+#include "platform/posix/dos_mark.h"
 #include "platform/posix/file_locks.h"
 #include "platform/posix/folder_reader.h"
 #include "platform/posix/guarded_open.h"
@@ -200,8 +200,14 @@ int CopyTo(const char* from, const GuardedFolder& place) {
 
 int MakeFolderAt(const char* path, mode_t mode) {
   GuardedFolder folder;
-  const int failure = folder.Open(path);
-  return failure == 0 && mkdirat(folder.Get(), folder.Name(), mode) != 0 ? errno : failure;
+  if (const int failure = folder.Open(path); failure != 0) {
+    return failure;
+  }
+  if (mkdirat(folder.Get(), folder.Name(), mode) != 0) {
+    return errno;
+  }
+  InheritMark(path, folder.Get(), folder.Name());
+  return 0;
 }
 
 class SCreatingFileServices : public SPosixFileServices {
@@ -260,7 +266,7 @@ bool SCreatingFileServices::Move(const char* from, const char* to, SystemError& 
   }
   FileAttributes attributes;
   SystemError ignored;
-  if (error != SystemError::kNotSameDevice || !Attributes(from, attributes, ignored) ||
+  if (error != SystemError::kNotSameDevice || !FullAttributes(from, attributes, ignored) ||
       attributes.folder || attributes.readOnly || !CopyFileTo(from, to, error)) {
     return false;
   }

@@ -5,7 +5,6 @@
 namespace kivstore {
 namespace {
 
-constexpr unsigned kHiddenBit = 2;
 constexpr int kNowhere = -1;
 
 unsigned ByteAt(std::string_view value, size_t index) {
@@ -51,27 +50,27 @@ int BinaryBits(std::string_view value) {
 
 }  // namespace
 
-bool HasHiddenBit(std::string_view value) {
+unsigned DosBits(std::string_view value) {
+  constexpr unsigned kBoth = kDosReadOnly | kDosHidden;
   if (const int at = BinaryBits(value); at != kNowhere) {
-    return (ByteAt(value, static_cast<size_t>(at)) & kHiddenBit) != 0;
+    return ByteAt(value, static_cast<size_t>(at)) & kBoth;
   }
   const int at = LastDigit(value);
-  return at != kNowhere &&
-         (static_cast<unsigned>(HexDigit(value[static_cast<size_t>(at)])) & kHiddenBit) != 0;
+  return at != kNowhere ? static_cast<unsigned>(HexDigit(value[static_cast<size_t>(at)])) & kBoth
+                        : 0;
 }
 
-bool ChangeHiddenBit(char* value, int length, bool hidden) {
+bool ChangeDosBit(char* value, int length, unsigned bit, bool set) {
   const std::string_view view(value, static_cast<size_t>(length));
   const int digitAt = LastDigit(view);
   const int bitsAt = BinaryBits(view);
   if (digitAt != kNowhere) {
     const unsigned digit = static_cast<unsigned>(HexDigit(value[digitAt]));
-    const unsigned changed = hidden ? digit | kHiddenBit : digit & ~kHiddenBit;
-    value[digitAt] = "0123456789abcdef"[changed];
+    value[digitAt] = "0123456789abcdef"[set ? digit | bit : digit & ~bit];
   }
   if (bitsAt != kNowhere) {
     const unsigned bits = ByteAt(view, static_cast<size_t>(bitsAt));
-    value[bitsAt] = static_cast<char>(hidden ? bits | kHiddenBit : bits & ~kHiddenBit);
+    value[bitsAt] = static_cast<char>(set ? bits | bit : bits & ~bit);
   }
   return digitAt != kNowhere || bitsAt != kNowhere;
 }

@@ -23,9 +23,13 @@ namespace kivstore {
 inline constexpr char kDosAttributeName[] = "user.DOSATTRIB";
 inline constexpr int kMaxDosAttribute = 256;  // bytes; a longer value is not looked at
 
-bool HasHiddenBit(std::string_view value);
-// Sets or clears the hidden bit in place, wherever the value states it. False if it does so
-// nowhere.
-bool ChangeHiddenBit(char* value, int length, bool hidden);
+// Attribute bits.
+inline constexpr unsigned kDosReadOnly = 1;
+inline constexpr unsigned kDosHidden = 2;
+
+// These two, as far as the value states them.
+unsigned DosBits(std::string_view value);
+// Sets or clears one of them in place, wherever the value states it. False if it does so nowhere.
+bool ChangeDosBit(char* value, int length, unsigned bit, bool set);
 
 }  // namespace kivstore

@@ -1,9 +1,9 @@
 // The file services on POSIX: the file system that the store was written for, on this one.
 //
-//   share modes   file_locks.h: locks on the whole file, by handle
+//   share modes   file_locks.h: locks on the whole file, by handle; write_lease.h behind them
 //   letter case   posix_path.h: as written first, then by looking through the folder
 //   hidden        the name begins with a dot, or the mark of dos_attribute.h has the bit
-//   read-only     the owner may not write
+//   read-only     the owner may not write, or that mark has the bit
 //   clusters      not told: 1
 //
 // Each operation says below what it costs in system calls, because the store may lie on a file
@@ -22,7 +22,8 @@ class SPosixFileServices : public SInertMakers {
   bool IsShared() override;
   ForeignLink LastForeignLink() override;
 
-  // Open and lock. A folder opens for reading; it has no size and nothing to read.
+  // Open and lock; alone, two more for the lease, and but for a lock file one for the read-only
+  // mark. A folder opens for reading; it has no size and nothing to read.
   FileHandle Open(const char* path, FileAccess access, SystemError& error) override;
   void Close(FileHandle file) override;
   // The position is the handle's own, so that Seek and Tell cost nothing.
@@ -35,12 +36,14 @@ class SPosixFileServices : public SInertMakers {
   int64_t Size(FileHandle file) override;
   bool SetEnd(FileHandle file) override;
   bool Flush(FileHandle file) override;
+  SystemError Exposure(FileHandle file) override;
   bool LeadsTo(const char* path, FileHandle file) override;
   SystemError TransferError() override { return transferError; }
 
   bool Attributes(const char* path, FileAttributes& attributes, SystemError& error) override;
   bool FullAttributes(const char* path, FileAttributes& attributes, SystemError& error) override;
-  // A file that becomes hidden marks its folder too: walks ask for marks only there.
+  // A file that becomes hidden marks its folder too: walks ask for marks only there. Read-only is
+  // kept in the mode, and in the mark of a file that bears one.
   bool SetAttributes(const char* path, const FileAttributes& attributes,
                      SystemError& error) override;
 

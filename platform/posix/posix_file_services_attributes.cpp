@@ -1,7 +1,6 @@
 #define _FILE_OFFSET_BITS 64
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 
 #include <cerrno>
 #include <cstring>
@@ -9,7 +8,7 @@
 #include <string_view>
 
 #include "platform/posix/data_root.h"
-#include "platform/posix/dos_attribute.h"
+#include "platform/posix/dos_mark.h"
 #include "platform/posix/guarded_open.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
@@ -53,45 +52,10 @@ int LookAt(const char* path, struct stat& facts, FileAttributes& attributes) {
   return attributes.foreign ? 0 : failure;
 }
 
-// A file without a mark is not hidden.
-int ReadHiddenMark(const char* path, bool& hidden) {
-  char mark[kMaxDosAttribute];
-  const ssize_t length = getxattr(path, kDosAttributeName, mark, sizeof mark);
-  hidden = length > 0 && HasHiddenBit({mark, static_cast<size_t>(length)});
-  return length < 0 ? errno : 0;
-}
-
-int WriteMark(int file, const char* mark, size_t length) {
-  return fsetxattr(file, kDosAttributeName, mark, length, 0) == 0 ? 0 : errno;
-}
-
 int OpenFolderOf(const char* path, Descriptor& opened) {
   const std::string_view folder(path, static_cast<size_t>(LastName(path).data() - path));
   return OpenGuarded(folder.empty() ? "." : std::string(folder).c_str(), O_RDONLY | O_DIRECTORY,
                      opened);
-}
-
-// The folder gets the mark of a plain folder if it has none, so that walks look for marks in it.
-int MarkFolderOf(const char* path) {
-  Descriptor folder;
-  if (const int failure = OpenFolderOf(path, folder); failure != 0) {
-    return failure;
-  }
-  const bool marked = fgetxattr(folder.Get(), kDosAttributeName, nullptr, 0) >= 0;
-  return marked ? 0 : WriteMark(folder.Get(), "0x10", sizeof "0x10");
-}
-
-int SetHiddenMark(const char* path, int file, bool hidden) {
-  char mark[kMaxDosAttribute];
-  const ssize_t length = fgetxattr(file, kDosAttributeName, mark, sizeof mark);
-  if (length > 0 && ChangeHiddenBit(mark, static_cast<int>(length), hidden)) {
-    return WriteMark(file, mark, static_cast<size_t>(length));
-  }
-  if (!hidden) {
-    return 0;
-  }
-  const int failure = WriteMark(file, "0x2", sizeof "0x2");
-  return failure == 0 ? MarkFolderOf(path) : failure;
 }
 
 // Whoever may write in the folder and read the file could write the file before it was marked.
@@ -105,34 +69,65 @@ mode_t WriteOfOthers(const char* path, mode_t mode) {
   return facts.st_mode & readers;
 }
 
+bool IsReadOnlyMode(mode_t mode) {
+  return (mode & S_IWUSR) == 0;
+}
+
 int SetReadOnlyMode(const char* path, int file, mode_t mode, bool readOnly) {
+  if (IsReadOnlyMode(mode) == readOnly) {
+    return 0;
+  }
   const mode_t wanted = readOnly ? mode & ~kAnyWrite : mode | S_IWUSR | WriteOfOthers(path, mode);
-  return wanted == mode || fchmod(file, wanted & 07777) == 0 ? 0 : errno;
+  return fchmod(file, wanted & 07777) == 0 ? 0 : errno;
+}
+
+// The mode says it to all; a mark that is there says the same. What may not be written takes no
+// mark, so that the mode is the last to be set and the first to be cleared.
+int SetReadOnly(const char* path, int file, mode_t mode, bool readOnly) {
+  int failure = readOnly ? 0 : SetReadOnlyMode(path, file, mode, false);
+  if (failure == 0) {
+    failure = ChangeMark(file, kDosReadOnly, readOnly);
+  }
+  if (failure == 0 || failure == ENODATA) {
+    failure = readOnly ? SetReadOnlyMode(path, file, mode, true) : 0;
+  }
+  return failure;
+}
+
+// Walks look for marks in folders that bear one.
+int SetHidden(const char* path, int file, bool hidden) {
+  int failure = ChangeMark(file, kDosHidden, hidden);
+  if (failure == ENODATA) {
+    failure = hidden ? MakeMark(file, kDosHidden) : 0;
+  }
+  Descriptor folder;
+  if (failure == 0 && hidden) {
+    failure = OpenFolderOf(path, folder);
+  }
+  return folder.IsOpen() ? MarkFolder(folder.Get()) : failure;
 }
 
 int Apply(const char* path, const FileAttributes& wanted) {
   Descriptor file;
   struct stat facts;
-  const int refusal = OpenGuarded(path, O_RDONLY | O_NONBLOCK | O_NOCTTY, file);
-  if (refusal != 0 || fstat(file.Get(), &facts) != 0) {
-    return refusal != 0 ? refusal : errno;
+  int failure = OpenGuarded(path, O_RDONLY | O_NONBLOCK | O_NOCTTY, file);
+  if (failure != 0 || fstat(file.Get(), &facts) != 0) {
+    return failure != 0 ? failure : errno;
   }
   const bool hiddenName = IsHiddenName(LastName(path));
   if (!S_ISREG(facts.st_mode) || (hiddenName && !wanted.hidden)) {
     return EACCES;
   }
-  const bool readOnly = (facts.st_mode & S_IWUSR) == 0;
+  const unsigned mark = MarkOf(file.Get());
+  const bool readOnly = IsReadOnlyMode(facts.st_mode) || (mark & kDosReadOnly) != 0;
+  const bool hidden = hiddenName || (mark & kDosHidden) != 0;
   if (readOnly != wanted.readOnly) {
-    const int failure = SetReadOnlyMode(path, file.Get(), facts.st_mode, wanted.readOnly);
-    if (failure != 0) {
-      return failure;
-    }
+    failure = SetReadOnly(path, file.Get(), facts.st_mode, wanted.readOnly);
   }
-  bool hidden = hiddenName;
-  if (!hiddenName) {
-    ReadHiddenMark(path, hidden);
+  if (failure == 0 && hidden != wanted.hidden) {
+    failure = SetHidden(path, file.Get(), wanted.hidden);
   }
-  return hidden == wanted.hidden ? 0 : SetHiddenMark(path, file.Get(), wanted.hidden);
+  return failure;
 }
 
 }  // namespace
@@ -146,7 +141,7 @@ bool SPosixFileServices::Attributes(const char* path, FileAttributes& attributes
   }
   attributes.folder = S_ISDIR(facts.st_mode);
   attributes.hidden = IsHiddenName(LastName(path));
-  attributes.readOnly = (facts.st_mode & S_IWUSR) == 0;
+  attributes.readOnly = IsReadOnlyMode(facts.st_mode);
   return true;
 }
 
@@ -155,9 +150,10 @@ bool SPosixFileServices::FullAttributes(const char* path, FileAttributes& attrib
   if (!Attributes(path, attributes, error)) {
     return false;
   }
-  if (!attributes.hidden) {
-    OnPath(path, [&](const char* p) { return ReadHiddenMark(p, attributes.hidden); });
-  }
+  unsigned mark = 0;
+  OnPath(path, [&](const char* p) { return ReadMark(p, mark); });
+  attributes.hidden |= (mark & kDosHidden) != 0;
+  attributes.readOnly |= !attributes.folder && (mark & kDosReadOnly) != 0;
   return true;
 }
 

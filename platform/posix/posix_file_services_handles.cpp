@@ -9,11 +9,14 @@
 #include <new>
 
 #include "platform/posix/descriptor.h"
+#include "platform/posix/dos_mark.h"
 #include "platform/posix/file_locks.h"
+#include "platform/posix/file_system_kind.h"
 #include "platform/posix/guarded_open.h"
 #include "platform/posix/kept_buffer.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
+#include "platform/posix/write_lease.h"
 
 namespace kivstore {
 
@@ -112,18 +115,29 @@ int32_t TakeAhead(OpenFile& file, char* buffer, int32_t count) {
   return static_cast<int32_t>(moved);
 }
 
-// The system lets the superuser write what is marked read-only; deleting honours the mark, and so
-// does this. A lock file holds nothing that could be written over.
-SystemError HonourMark(const OpenFile& file, const char* path) {
+// The system lets the superuser write what may not be written.
+SystemError HonourMode(int descriptor) {
   static const bool isSuperuser = geteuid() == 0;
   struct stat facts;
-  if (!isSuperuser || IsLockFile(path) || fstat(file.descriptor.Get(), &facts) != 0) {
+  if (!isSuperuser || fstat(descriptor, &facts) != 0) {
     return SystemError::kNone;
   }
   if (!S_ISREG(facts.st_mode)) {
     return SystemError::kNoPlainFile;
   }
   return (facts.st_mode & S_IWUSR) == 0 ? SystemError::kAccessDenied : SystemError::kNone;
+}
+
+// Deleting honours read-only, and so does this. A lock file holds nothing that could be written
+// over.
+SystemError HonourReadOnly(const OpenFile& file, const char* path) {
+  if (IsLockFile(path)) {
+    return SystemError::kNone;
+  }
+  const int descriptor = file.descriptor.Get();
+  const SystemError error = HonourMode(descriptor);
+  const bool isMarked = error == SystemError::kNone && (MarkOf(descriptor) & kDosReadOnly) != 0;
+  return isMarked ? SystemError::kAccessDenied : error;
 }
 
 }  // namespace
@@ -144,9 +158,20 @@ FileHandle SPosixFileServices::Open(const char* path, FileAccess access, SystemE
     error = LockFor(file->descriptor.Get(), access);
   }
   if (error == SystemError::kNone) {
-    error = access == FileAccess::kRead ? ReadAhead(*file) : HonourMark(*file, path);
+    error = access == FileAccess::kRead ? ReadAhead(*file) : HonourReadOnly(*file, path);
   }
   return error == SystemError::kNone ? file.release() : nullptr;
+}
+
+SystemError SPosixFileServices::Exposure(FileHandle file) {
+  const int descriptor = file->descriptor.Get();
+  const int failure = LeaseAlone(descriptor);
+  // In use: a lease can be had, and just now another program is in the way.
+  if (failure == 0 || failure == EAGAIN ||
+      KindOfFileSystem(descriptor) == FileSystemKind::kShared) {
+    return SystemError::kNone;
+  }
+  return failure == EACCES ? SystemError::kAccessDenied : SystemError::kOther;
 }
 
 bool SPosixFileServices::LeadsTo(const char* path, FileHandle file) {

@@ -8,6 +8,7 @@
 
 #include "platform/base/bytes.h"
 #include "platform/posix/descriptor.h"
+#include "platform/posix/dos_mark.h"
 #include "platform/posix/file_locks.h"
 #include "platform/posix/guarded_open.h"
 #include "platform/posix/posix_file_services.h"
@@ -57,6 +58,9 @@ int DeleteFileAt(const char* path) {
   if (S_ISREG(facts.st_mode)) {
     const bool readOnly = (facts.st_mode & S_IWUSR) == 0;
     failure = readOnly ? EACCES : HoldAlone(folder, hold);
+    if (failure == 0 && (MarkOf(hold.Get()) & kDosReadOnly) != 0) {
+      failure = EACCES;
+    }
   }
   return failure == 0 ? Unlink(folder) : failure;
 }
@@ -181,6 +185,9 @@ bool SPosixFileServices::Move(const char* from, const char* to, SystemError& err
   if (failure == 0) {
     failure = HoldForMove(source, sourceFolder, facts, hold, folderHold);
     NoteBlocker(folderHold.GetBlocker());
+  }
+  if (failure == 0 && S_ISDIR(facts.st_mode)) {
+    InheritMark(target.Text(), sourceFolder.Get(), sourceFolder.Name());
   }
   if (failure == 0) {
     failure =

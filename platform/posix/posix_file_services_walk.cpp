@@ -9,7 +9,7 @@
 #include <new>
 #include <string_view>
 
-#include "platform/posix/dos_attribute.h"
+#include "platform/posix/dos_mark.h"
 #include "platform/posix/folder_reader.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
@@ -85,9 +85,7 @@ unsigned char PosixFolderWalk::AskType(const RawEntry& raw) const {
 bool PosixFolderWalk::BearsHiddenMark(const RawEntry& raw) const {
   char path[4096 + 256];
   std::snprintf(path, sizeof path, "%s/%s", markedFolder.get(), raw.name);
-  char mark[kMaxDosAttribute];
-  const ssize_t length = getxattr(path, kDosAttributeName, mark, sizeof mark);
-  return length > 0 && HasHiddenBit({mark, static_cast<size_t>(length)});
+  return (MarkOf(path) & kDosHidden) != 0;
 }
 
 bool PosixFolderWalk::Next(FolderEntry& entry) {

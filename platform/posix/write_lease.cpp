@@ -40,7 +40,7 @@ int Lease(int file, int type) {
       return errno;
     }
     if (!LiesOnThisMachine(file)) {
-      return EOPNOTSUPP;
+      return EREMOTE;
     }
     if (tries == kTries) {
       return EAGAIN;

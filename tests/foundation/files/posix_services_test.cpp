@@ -224,6 +224,11 @@ TEST_F(PosixServicesTest, AReadOnlyMarkHoldsForEverybodyAndGivesBackWhatItTook) 
     EXPECT_TRUE(spec.ClearReadOnly());
     EXPECT_EQ(modeOf(), static_cast<mode_t>(folderMode == 0777 ? 0660 : mode));
     EXPECT_TRUE(SFile().Open(SFile::kWrite, spec));
+    // The same by a file server's mark, which is cleared with it.
+    if (Mark("folder/list", "0x21")) {
+      EXPECT_TRUE(!SFile().Open(SFile::kWrite, spec) && !spec.Delete(false) && spec.IsReadOnly());
+      EXPECT_TRUE(spec.ClearReadOnly() && SFile().Open(SFile::kWrite, spec));
+    }
   }
 }
 
@@ -277,32 +282,33 @@ TEST(DosAttribute, ReadsTheTextAndTheLongForm) {
   using std::string_literals::operator""s;
   const struct {
     std::string value;
-    bool hidden;
-  } cases[] = {{"0x2", true},
-               {"0x22\0"s, true},
-               {"0x20", false},
-               {"0xF\0"s, true},
-               {"0x22x", false},
-               {"0x", false},
-               {"22", false},
-               {"", false},
+    unsigned bits;  // read-only 1, hidden 2
+  } cases[] = {{"0x2", 2},
+               {"0x22\0"s, 2},
+               {"0x21", 1},
+               {"0xF\0"s, 3},
+               {"0x22x", 0},
+               {"0x", 0},
+               {"22", 0},
+               {"", 0},
                // Version 3 behind a text that says otherwise; the long form goes first.
-               {"0x20\0\0\3\0\3\0\0\0\x11\0\0\0\x22\0\0\0rest"s, true},
+               {"0x20\0\0\3\0\3\0\0\0\x11\0\0\0\x22\0\0\0rest"s, 2},
                // Versions 4 and 5, without a text.
-               {"\0\0\4\0\4\0\0\0\x51\0\0\0\x02\0\0\0"s, true},
-               {"\0\0\5\0\5\0\0\0\x11\0\0\0\x20\0\0\0"s, false},
+               {"\0\0\4\0\4\0\0\0\x51\0\0\0\x03\0\0\0"s, 3},
+               {"\0\0\5\0\5\0\0\0\x11\0\0\0\x21\0\0\0"s, 1},
                // Bits that are not valid, a version of the future, a cut value.
-               {"\0\0\4\0\4\0\0\0\x10\0\0\0\x02\0\0\0"s, false},
-               {"\0\0\6\0\6\0\0\0\x11\0\0\0\x02\0\0\0"s, false},
-               {"\0\0\4\0\4\0\0\0\x11\0\0\0\x02\0\0"s, false},
-               {"0x22\0\0\4\0\4\0\0\0"s, true}};
+               {"\0\0\4\0\4\0\0\0\x10\0\0\0\x02\0\0\0"s, 0},
+               {"\0\0\6\0\6\0\0\0\x11\0\0\0\x02\0\0\0"s, 0},
+               {"\0\0\4\0\4\0\0\0\x11\0\0\0\x02\0\0"s, 0},
+               {"0x22\0\0\4\0\4\0\0\0"s, 2}};
   for (const auto& c : cases) {
-    EXPECT_EQ(HasHiddenBit(c.value), c.hidden) << testing::PrintToString(c.value);
-    std::string changed = c.value;
-    if (ChangeHiddenBit(changed.data(), static_cast<int>(changed.size()), !c.hidden)) {
-      EXPECT_EQ(HasHiddenBit(changed), !c.hidden);
-      EXPECT_TRUE(ChangeHiddenBit(changed.data(), static_cast<int>(changed.size()), c.hidden));
-      EXPECT_EQ(HasHiddenBit(changed), c.hidden);
+    EXPECT_EQ(DosBits(c.value), c.bits) << testing::PrintToString(c.value);
+    for (const unsigned bit : {kDosReadOnly, kDosHidden}) {
+      std::string changed = c.value;
+      const int length = static_cast<int>(changed.size());
+      const bool isStated = ChangeDosBit(changed.data(), length, bit, (c.bits & bit) == 0);
+      EXPECT_TRUE(isStated || c.bits == 0);
+      EXPECT_EQ(DosBits(changed), isStated ? c.bits ^ bit : 0) << testing::PrintToString(changed);
     }
   }
 }
