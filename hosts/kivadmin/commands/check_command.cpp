@@ -3,6 +3,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "hosts/kivadmin/checking/exposure_note.h"
 #include "hosts/kivadmin/checking/store_repair.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
@@ -15,7 +16,11 @@ struct CheckArguments {
   bool json = false;
 };
 
-void WriteText(const std::vector<Finding>& findings, size_t left) {
+// A note is no fault: a store that has one may be in order.
+void WriteText(const std::vector<Finding>& findings, size_t left, const std::string& note) {
+  if (!note.empty()) {
+    std::cout << "note: " << note << '\n';
+  }
   for (const Finding& finding : findings) {
     std::cout << finding.path << ": " << finding.what << (finding.repaired ? " (repaired)" : "")
               << '\n';
@@ -27,7 +32,7 @@ void WriteText(const std::vector<Finding>& findings, size_t left) {
   }
 }
 
-void WriteJson(const std::vector<Finding>& findings, size_t left) {
+void WriteJson(const std::vector<Finding>& findings, size_t left, const std::string& note) {
   nlohmann::ordered_json problems = nlohmann::ordered_json::array();
   for (const Finding& finding : findings) {
     problems.push_back({{"kind", finding.kind},
@@ -35,7 +40,10 @@ void WriteJson(const std::vector<Finding>& findings, size_t left) {
                         {"what", finding.what},
                         {"repaired", finding.repaired}});
   }
-  const nlohmann::ordered_json report = {{"clean", left == 0}, {"problems", problems}};
+  nlohmann::ordered_json report = {{"clean", left == 0}, {"problems", problems}};
+  if (!note.empty()) {
+    report["note"] = note;
+  }
   constexpr auto kReplace = nlohmann::ordered_json::error_handler_t::replace;
   std::cout << report.dump(2, ' ', false, kReplace) << '\n';
 }
@@ -47,7 +55,7 @@ void Check(const CommonOptions& common, const CheckArguments& arguments) {
   }
   const auto left = static_cast<size_t>(std::count_if(
       findings.begin(), findings.end(), [](const Finding& f) { return !f.repaired; }));
-  (arguments.json ? WriteJson : WriteText)(findings, left);
+  (arguments.json ? WriteJson : WriteText)(findings, left, ExposureNote(common));
   if (left > 0) {
     throw HostError(kRefused, kivhost::HeldRoot(common.root) + ": the store is not in order");
   }
