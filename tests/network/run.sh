@@ -1,0 +1,100 @@
+#!/bin/sh
+# The store on a real network file system: a GlusterFS volume of this machine, two mounts of it, and on both
+# of them processes that change one school at random while one of them is killed each second
+# (random_school.py judges). First with the mount options that everybody has, then with cautious ones.
+#
+#   tests/network/run.sh [--seconds N] [--seed N] [BIN]
+#
+# N seconds for each, 60 unless told; BIN has kivadmin and kivreport, build/release/bin unless told.
+# Everything runs in namespaces of its own: the volume's daemons, their port, the mounts and the line in
+# the hosts file are seen by nobody else and end with the script, however that ends.
+#
+# Exit codes: 0 nothing was lost, 1 something was, 77 this machine cannot do it, and why is said.
+set -eu
+cd "$(dirname "$0")/../.."
+. scripts/common.sh
+
+cannot() {
+  echo "the network run is left out: $1"
+  exit 77
+}
+
+# As process 1 of its namespaces, so that all others end with it.
+lay_volume() {
+  mkdir "$work/brick" "$work/lib" "$work/log" "$work/run"
+  printf '127.0.0.1 localhost\n192.0.2.77 %s\n' "$(hostname)" >"$work/hosts"
+  mount --bind "$work/hosts" /etc/hosts
+  mount --bind "$work/lib" /var/lib/glusterd
+  mount --bind "$work/log" /var/log/glusterfs
+  mkdir -p /run/gluster
+  mount --bind "$work/run" /run/gluster
+  ip link set lo up
+  ip addr add 192.0.2.77/32 dev lo
+  timeout 60 glusterd
+  timeout 60 gluster --mode=script volume create store "$(hostname):$work/brick" force
+  timeout 60 gluster --mode=script volume start store
+}
+
+# mount_twice NAME [OPTION ...]: at $work/NAME-a and $work/NAME-b.
+mount_twice() {
+  for side in a b; do
+    mkdir "$work/$1-$side"
+    timeout 60 mount -t glusterfs ${2:+-o "$2"} "$(hostname):/store" "$work/$1-$side"
+  done
+}
+
+# judge NAME: in a folder of the volume, through both mounts.
+judge() {
+  mkdir "$work/$1-a/$1"
+  timeout $((seconds + 300)) python3 tests/network/random_school.py "$bin" --seconds "$seconds" \
+    ${seed:+--seed "$seed"} "$work/$1-a/$1" "$work/$1-b/$1" &
+  wait $!
+}
+
+inside() {
+  work=$(mktemp -d /tmp/kivstore-network.XXXXXX)
+  trap 'umount -l "$work"/*-[ab] 2>/dev/null; rm -rf --one-file-system "$work"' EXIT
+  trap 'exit 1' HUP INT TERM
+  lay_volume >"$work/laid" 2>&1 || {
+    cat "$work/laid"
+    cannot "GlusterFS does not start"
+  }
+  mount_twice default "" || cannot "FUSE cannot be mounted"
+  status=0
+  echo "-- two mounts with default options"
+  judge default || status=1
+  gluster --mode=script volume set store performance.quick-read off >/dev/null
+  mount_twice cautious direct-io-mode=enable,attribute-timeout=0,entry-timeout=0
+  echo "-- two mounts with cautious options"
+  judge cautious || status=1
+  exit "$status"
+}
+
+seconds=60 seed='' bin=build/release/bin is_inside=''
+while [ $# -gt 0 ]; do
+  case $1 in
+    --seconds) seconds=$2 && shift ;;
+    --seed) seed=$2 && shift ;;
+    --inside) is_inside=yes ;;
+    *) bin=$1 ;;
+  esac
+  shift
+done
+[ -z "$is_inside" ] || inside
+
+[ "$(id -u)" = 0 ] || cannot "it takes the superuser"
+[ -c /dev/fuse ] || modprobe fuse 2>/dev/null || cannot "there is no /dev/fuse"
+need unshare util-linux ip iproute2 python3 python3 glusterd glusterfs-server
+namespaces="--mount --net --pid --ipc --fork --mount-proc --kill-child=TERM"
+# shellcheck disable=SC2086
+unshare $namespaces true 2>/dev/null || cannot "no namespaces of its own are to be had"
+
+# Should this script be killed, so is unshare, whose death ends process 1.
+# shellcheck disable=SC2086
+setpriv --pdeathsig KILL unshare $namespaces \
+  "$0" --inside --seconds "$seconds" ${seed:+--seed "$seed"} "$bin" &
+child=$!
+trap 'kill -KILL "$child" 2>/dev/null; exit 1' HUP INT TERM
+status=0
+wait "$child" || status=$?
+exit "$status"
