@@ -106,7 +106,7 @@ int TakeSource(const Descriptor& source, struct stat& facts) {
 
 // A target that could not be filled does not stay.
 int CopyOneFile(int source, const struct stat& facts, int base, const char* name) {
-  const Descriptor target(openat(base, name, kMakeFlags, 0600));
+  const LockedFile target(openat(base, name, kMakeFlags, 0600));
   if (!target.IsOpen()) {
     return errno;
   }
@@ -152,7 +152,7 @@ int CopyOneFolder(int base, const char* name, const struct stat& facts, int toBa
 
 int CopyEntry(int base, const char* name, int to, const MadeFolder& top, int depth) {
   // A link leads out of the tree: it is not followed, and the copy fails.
-  const Descriptor source(openat(base, name, kSourceFlags | O_NOFOLLOW));
+  const LockedFile source(openat(base, name, kSourceFlags | O_NOFOLLOW));
   struct stat facts;
   const int failure = TakeSource(source, facts);
   if (failure != 0) {
@@ -181,7 +181,7 @@ int CopyEntries(FolderReader& from, int to, const MadeFolder& top, int depth) {
 }
 
 int CopyTo(const char* from, const GuardedFolder& place) {
-  Descriptor source;
+  LockedFile source;
   struct stat facts;
   int failure = OpenGuarded(from, kSourceFlags, source);
   if (failure == 0) {

@@ -153,7 +153,7 @@ int FolderHold::TakeEntry(int folder, const Entry& entry, int depth) {
 
 // A lock file that may not be written is only asked.
 int FolderHold::TakeLock(int folder, const char* name) {
-  auto lock = std::make_unique<Descriptor>(OpenWithRoom(folder, name, O_RDWR | kOpenFlags));
+  auto lock = std::make_unique<LockedFile>(OpenWithRoom(folder, name, O_RDWR | kOpenFlags));
   if (!lock->IsOpen()) {
     const int failure = Doubt(errno);
     return failure != 0 ? failure : LookAt(folder, name);

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/posix/descriptor.h"
 #include "platform/posix/folder_reader.h"
+#include "platform/posix/fresh_reading.h"
 
 namespace kivstore {
 
@@ -52,7 +52,7 @@ class FolderHold {
   int LookAt(int folder, const char* name);
   int NoteBlocker(int failure, const std::string& name);
 
-  std::vector<std::unique_ptr<Descriptor>> held;
+  std::vector<std::unique_ptr<LockedFile>> held;
   std::string blocker;
 };
 

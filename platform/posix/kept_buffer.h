@@ -11,11 +11,12 @@ template <size_t size>
 class KeptBuffer {
  public:
   static constexpr size_t kSize = size;
+  static constexpr size_t kAlignment = 4096;
 
   // Null when there is no memory.
   char* Take() {
     if (taken) {
-      return static_cast<char*>(std::malloc(size));
+      return static_cast<char*>(std::aligned_alloc(kAlignment, size));
     }
     taken = true;
     return kept;
@@ -31,7 +32,7 @@ class KeptBuffer {
 
  private:
   bool taken = false;
-  alignas(16) char kept[size] = {};
+  alignas(kAlignment) char kept[size] = {};
 };
 
 }  // namespace kivstore

@@ -8,10 +8,11 @@
 #include <cstring>
 #include <new>
 
-#include "platform/posix/descriptor.h"
+#include "platform/posix/data_root.h"
 #include "platform/posix/dos_mark.h"
 #include "platform/posix/file_locks.h"
 #include "platform/posix/file_system_kind.h"
+#include "platform/posix/fresh_reading.h"
 #include "platform/posix/guarded_open.h"
 #include "platform/posix/kept_buffer.h"
 #include "platform/posix/posix_file_services.h"
@@ -39,7 +40,7 @@ struct OpenFile {
     }
   }
 
-  Descriptor descriptor;
+  LockedFile descriptor;
   FileAccess access = FileAccess::kRead;
   int64_t position = 0;
   int64_t size = kSizeUnknown;  // known of a file open for reading
@@ -57,7 +58,12 @@ bool EndsInSeparator(const char* path) {
 int OpenDescriptor(Descriptor& descriptor, const char* path, FileAccess access) {
   const int mode = access == FileAccess::kRead ? O_RDONLY : O_RDWR;
   // O_NONBLOCK: a pipe under a file's name must not stop the program.
-  const int failure = OpenGuarded(path, mode | O_NONBLOCK | O_NOCTTY, descriptor);
+  const int flags = mode | O_NONBLOCK | O_NOCTTY;
+  const bool isPastCaches = access == FileAccess::kRead && KeptDataRoot().IsShared();
+  int failure = OpenGuarded(path, isPastCaches ? flags | O_DIRECT : flags, descriptor);
+  if (failure == EINVAL && isPastCaches) {
+    failure = OpenGuarded(path, flags, descriptor);
+  }
   return failure == ENXIO ? kNoPlainFileFailure : failure;  // a socket
 }
 
@@ -73,25 +79,16 @@ SystemError LockFor(int descriptor, FileAccess access) {
 }
 
 int64_t AskSize(const OpenFile& file) {
-  struct stat facts;
-  const bool known = fstat(file.descriptor.Get(), &facts) == 0 && S_ISREG(facts.st_mode);
-  return known ? static_cast<int64_t>(facts.st_size) : kNoSize;
-}
-
-ssize_t ReadAt(const OpenFile& file, char* buffer, size_t count, int64_t position) {
-  ssize_t moved;
-  do {
-    moved = pread(file.descriptor.Get(), buffer, count, static_cast<off_t>(position));
-  } while (moved < 0 && errno == EINTR);
-  return moved;
+  return SizeOf(file.descriptor.Get(), KeptDataRoot().IsShared());
 }
 
 // A file that is opened for reading is read: the first bytes tell the size of a small one, and that
 // it is no folder, for no more than one call.
 SystemError ReadAhead(OpenFile& file) {
   file.ahead = gAheadBuffer.Take();
-  const ssize_t moved = file.ahead != nullptr ? ReadAt(file, file.ahead, gAheadBuffer.kSize, 0)
-                                              : static_cast<ssize_t>(gAheadBuffer.kSize);
+  const ssize_t moved = file.ahead != nullptr
+                            ? ReadAt(file.descriptor.Get(), file.ahead, gAheadBuffer.kSize, 0)
+                            : static_cast<ssize_t>(gAheadBuffer.kSize);
   if (moved < 0 && (errno == EISDIR || errno == ESPIPE)) {
     return ToSystemError(errno);
   }
@@ -160,6 +157,10 @@ FileHandle SPosixFileServices::Open(const char* path, FileAccess access, SystemE
   if (error == SystemError::kNone) {
     error = access == FileAccess::kRead ? ReadAhead(*file) : HonourReadOnly(*file, path);
   }
+  if (error == SystemError::kNone && access == FileAccess::kReadWrite && IsLockFile(path) &&
+      KeptDataRoot().IsShared()) {
+    ListFolderOf(path);
+  }
   return error == SystemError::kNone ? file.release() : nullptr;
 }
 
@@ -194,7 +195,7 @@ int32_t SPosixFileServices::Read(FileHandle file, void* buffer, int32_t count) {
   int32_t moved = TakeAhead(*file, bytes, count);
   while (moved < count && file->position != file->size) {
     const size_t missing = static_cast<size_t>(count - moved);
-    const ssize_t step = ReadAt(*file, bytes + moved, missing, file->position);
+    const ssize_t step = ReadAt(file->descriptor.Get(), bytes + moved, missing, file->position);
     if (step <= 0) {
       transferError = step < 0 ? ToSystemError(errno) : SystemError::kNone;
       return moved;

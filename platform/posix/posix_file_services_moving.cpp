@@ -7,9 +7,9 @@
 #include <cstdio>
 
 #include "platform/base/bytes.h"
-#include "platform/posix/descriptor.h"
 #include "platform/posix/dos_mark.h"
 #include "platform/posix/file_locks.h"
+#include "platform/posix/fresh_reading.h"
 #include "platform/posix/guarded_open.h"
 #include "platform/posix/posix_file_services.h"
 #include "platform/posix/posix_path.h"
@@ -25,13 +25,13 @@ int OpenIn(const GuardedFolder& folder, int flags, Descriptor& opened) {
 }
 
 // Takes the file for this program alone as long as `hold` lives.
-int HoldAlone(const GuardedFolder& folder, Descriptor& hold) {
+int HoldAlone(const GuardedFolder& folder, LockedFile& hold) {
   const int failure = OpenIn(folder, O_RDWR, hold);
   return failure == 0 && LockAlone(hold.Get()) == EAGAIN ? EAGAIN : failure;
 }
 
 // A file that may not be written may be moved. Its lock cannot be taken, but asked for.
-int HoldToMove(const GuardedFolder& folder, Descriptor& hold) {
+int HoldToMove(const GuardedFolder& folder, LockedFile& hold) {
   int failure = HoldAlone(folder, hold);
   if (failure != EACCES && failure != EROFS) {
     return failure;
@@ -54,7 +54,7 @@ int DeleteFileAt(const char* path) {
   if (S_ISDIR(facts.st_mode)) {
     return EISDIR;
   }
-  Descriptor hold;
+  LockedFile hold;
   if (S_ISREG(facts.st_mode)) {
     const bool readOnly = (facts.st_mode & S_IWUSR) == 0;
     failure = readOnly ? EACCES : HoldAlone(folder, hold);
@@ -122,7 +122,7 @@ SystemError LocateTarget(PosixPath& target, const PosixPath& source, const struc
 }
 
 int HoldForMove(const PosixPath& source, const GuardedFolder& folder, const struct stat& facts,
-                Descriptor& hold, FolderHold& folderHold) {
+                LockedFile& hold, FolderHold& folderHold) {
   if (S_ISDIR(facts.st_mode)) {
     return folderHold.Take(source.Text());
   }
@@ -180,7 +180,7 @@ bool SPosixFileServices::Move(const char* from, const char* to, SystemError& err
   if (failure == 0) {
     failure = targetFolder.Open(target.Text());
   }
-  Descriptor hold;
+  LockedFile hold;
   FolderHold folderHold;
   if (failure == 0) {
     failure = HoldForMove(source, sourceFolder, facts, hold, folderHold);

@@ -21,7 +21,7 @@ FILES = set("""
     write chmod fchmodat __open_2 __open64_2 __openat_2 __openat64_2 __read_chk __pread_chk
     __pread64_chk __getcwd_chk __fxstat __xstat __fxstat64 __xstat64 __fstat64_time64
     __stat64_time64 __lstat64_time64 __fcntl_time64 faccessat access getdents64 fstatfs fstatfs64
-    statfs statfs64""".split())
+    statfs statfs64 statx""".split())
 # The C library's words for work on files and for the start of programs, by which an import is taken
 # for one, and what contains such a word by chance.
 SPEAKS_OF_FILES = re.compile(
