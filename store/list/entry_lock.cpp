@@ -1,6 +1,7 @@
 #include "store/list/entry_lock.h"
 
 #include "store/list/index_file.h"
+#include "store/list/index_lookup.h"
 #include "store/list/long_name.h"
 #include "store/place/display_name.h"
 #include "store/place/store_names.h"
@@ -15,9 +16,13 @@ bool NamesEntry(SFileSpec folder, const SLoginNameObj& entry) {
          CompareDisplayNames(owner, entry) == 0;
 }
 
-bool IsListed(SFileSpec list, const SLoginNameObj& entry) {
+SFileSpec ListOf(SFileSpec folder) {
+  folder.Up();
+  return folder;
+}
+
+bool IsListed(const SFileSpec& list, const SLoginNameObj& entry) {
   SIndexObj index;
-  list.Up();
   ReadWholeIndex(list, index);
   return !index.torn && FindLogin(*index.logins, entry) >= 0;
 }
@@ -26,7 +31,9 @@ bool IsListed(SFileSpec list, const SLoginNameObj& entry) {
 
 bool HoldsEntry(SSite& site, SLockFile& lock, const SFileSpec& folder, const SLoginNameObj& entry,
                 ListKind list) {
-  if (lock.IsStillThere() && (NamesEntry(folder, entry) || IsListed(folder, entry))) {
+  const SFileSpec listFolder = ListOf(folder);
+  if (lock.IsStillThere() && IsSeenInList(listFolder, folder.GetFileName()) &&
+      (NamesEntry(folder, entry) || IsListed(listFolder, entry))) {
     return true;
   }
   lock.Unlock();

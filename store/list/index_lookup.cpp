@@ -4,6 +4,9 @@
 #include <optional>
 #include <utility>
 
+#include "foundation/files/file_finder.h"
+#include "platform/base/bytes.h"
+#include "platform/platform.h"
 #include "store/list/long_name.h"
 #include "store/place/display_name.h"
 #include "store/place/placing.h"
@@ -103,7 +106,26 @@ void RemoveLine(SSite& site, const SFileSpec& spec, const SString& folderName, L
   }
 }
 
+bool IsSeenInList(const SFileSpec& list, const SString& folderName) {
+  if (!Platform().files->IsShared()) {
+    return true;
+  }
+  constexpr uint16_t kAnyFolder = SFileFinder::kVisibleFolders | SFileFinder::kHidden;
+  SFileFinder finder(list, kAnyFolder);
+  FolderEntry found;
+  while (finder.NextEntry(found)) {
+    const std::string_view name(found.name, static_cast<size_t>(found.nameLength));
+    if (EqualBytesNoCase(name, folderName.View())) {
+      return true;
+    }
+  }
+  return false;
+}
+
 bool IsEntryOf(const SFileSpec& list, const SLoginNameObj& entry) {
+  if (!IsSeenInList(list, entry.folderName)) {
+    return false;
+  }
   SIndexObj index;
   ReadWholeIndex(list, index);
   for (const SLoginNameObj& line : *index.logins) {

@@ -15,6 +15,10 @@ bool EnsureEntry(SSite& site, const SFileSpec& spec, const SString& folderName,
                  const SString& first, const SString& last, int16_t limit, ListKind list);
 // Takes every line of that folder name out of the folder's index.
 void RemoveLine(SSite& site, const SFileSpec& spec, const SString& folderName, ListKind list);
+// Whether the list really has a folder of that name. Where other machines share the file system a
+// look at a path may find what was there a moment ago; a walk through the list does not. Elsewhere
+// the look that follows tells, and this is true at no cost.
+bool IsSeenInList(const SFileSpec& list, const SString& folderName);
 // Whether the folder is the entry's: by its line in the list's index or, where there is none, by
 // its longname.kiv. A folder that neither names is taken to be.
 bool IsEntryOf(const SFileSpec& list, const SLoginNameObj& entry);

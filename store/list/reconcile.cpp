@@ -1,10 +1,12 @@
 #include "store/list/reconcile.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "foundation/files/file_finder.h"
 #include "platform/base/bytes.h"
+#include "platform/platform.h"
 #include "store/list/duplicate_names.h"
 #include "store/list/file_extension.h"
 #include "store/list/folder_match.h"
@@ -98,33 +100,79 @@ bool AdoptFiles(SFileList& files, const SStringArray& names) {
   return adopted;
 }
 
-}  // namespace
+bool AreSame(const SLoginNameObj& a, const SLoginNameObj& b) {
+  return a.folderName == b.folderName && a.firstName == b.firstName && a.lastName == b.lastName;
+}
 
-bool ReconcileLogins(SSite& site, const SFileSpec& spec, SIndexObj& index) {
-  if (!index.logins) {
-    return false;
+// Where other machines share the file system what was read may be older than the lock, and a repair
+// would write it back. Whether the index still is what was read; if not it is taken as it is now.
+bool IsStillSo(const SFileSpec& list, SIndexObj& index) {
+  if (!Platform().files->IsShared()) {
+    return true;
   }
+  SIndexObj again;
+  ReadWholeIndex(list, again);
+  SortByFolder(*again.logins);
+  if (index.torn == again.torn && std::equal(index.logins->begin(), index.logins->end(),
+                                             again.logins->begin(), again.logins->end(), AreSame)) {
+    return true;
+  }
+  *index.logins = std::move(*again.logins);
+  index.torn = again.torn;
+  index.incomplete = again.incomplete;
+  return false;
+}
+
+bool IsAmiss(const SIndexObj& index, const SFolderMatch& match) {
+  bool isAmiss = index.torn || match.unknown.GetSize() > 0;
+  for (int32_t i = 0; i < index.logins->GetSize(); ++i) {
+    isAmiss |= !match.IsOnDisk(i);
+  }
+  return isAmiss;
+}
+
+void Repair(SSite& site, const SFileSpec& list, SIndexObj& index, const SFolderMatch& match,
+            bool mayWrite) {
+  SLoginList& logins = *index.logins;
+  const bool dropped = DropMissing(logins, match);
+  const bool wasTorn = index.torn;
+  if (wasTorn) {
+    AskEachFolder(site, list, logins);
+    index.NeedFiles();
+    index.torn = false;
+  }
+  const bool adopted = AdoptFolders(site, list, logins, match.unknown, !wasTorn);
+  if (mayWrite && (dropped || adopted || wasTorn)) {
+    logins.Sort(CompareByDisplayName);
+    VaryDuplicateNames(site, list, logins);
+    WriteIndex(list, index);
+  }
+}
+
+// `readings`: how often the index may turn out to be another than was read. One that goes on
+// changing behind its lock is not written.
+bool Reconcile(SSite& site, const SFileSpec& list, SIndexObj& index, int readings) {
   SLoginList& logins = *index.logins;
   SortByFolder(logins);
   SFolderMatch match(logins.GetSize());
   AddNames(match, logins, &SLoginNameObj::folderName);
-  if (!match.Walk(spec, SFileFinder::kVisibleFolders, nullptr, SString())) {
+  if (!match.Walk(list, SFileFinder::kVisibleFolders, nullptr, SString())) {
     return false;
   }
-  const bool dropped = DropMissing(logins, match);
-  const bool wasTorn = index.torn;
-  if (wasTorn) {
-    AskEachFolder(site, spec, logins);
-    index.NeedFiles();
-    index.torn = false;
-  }
-  const bool adopted = AdoptFolders(site, spec, logins, match.unknown, !wasTorn);
-  if (dropped || adopted || wasTorn) {
-    logins.Sort(CompareByDisplayName);
-    VaryDuplicateNames(site, spec, logins);
-    WriteIndex(spec, index);
+  if (IsAmiss(index, match)) {
+    if (readings > 0 && !IsStillSo(list, index)) {
+      return Reconcile(site, list, index, readings - 1);
+    }
+    Repair(site, list, index, match, readings > 0);
   }
   return true;
+}
+
+}  // namespace
+
+bool ReconcileLogins(SSite& site, const SFileSpec& spec, SIndexObj& index) {
+  constexpr int kReadings = 3;
+  return index.logins && Reconcile(site, spec, index, kReadings);
 }
 
 // Where the folder has no logins that could still be put right the files alone mend it.

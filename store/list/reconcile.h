@@ -4,7 +4,8 @@
 //
 // Under the list's lock, which the caller holds. `spec` stands on the list folder and stays there.
 // A folder that cannot be read to its end, or has more than a list can hold, repairs nothing: what
-// was not seen may be there. A half that the index lacks is none to repair.
+// was not seen may be there. Where other machines share the file system the index is read once more
+// before it is written, and must be what it was. A half that the index lacks is none to repair.
 #pragma once
 
 #include "foundation/files/file_spec.h"
