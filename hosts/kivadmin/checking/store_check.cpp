@@ -10,6 +10,7 @@
 #include "game/game_dob.h"
 #include "hosts/common/empty_file.h"
 #include "hosts/common/failure_text.h"
+#include "hosts/kivadmin/checking/mount_facts.h"
 #include "records/tutor_options_dob.h"
 #include "store/list/index_file.h"
 #include "store/list/long_name.h"
@@ -67,6 +68,7 @@ const char* VersionTrouble(int32_t status) {
 std::vector<Finding> StoreCheck::Run() {
   findings.clear();
   CheckForeignEntries();
+  CheckMount();
   if (session.HasTeachers()) {
     CheckList(session.TopFolder(), &StoreCheck::CheckTeacher);
   } else {
@@ -129,6 +131,17 @@ size_t StoreCheck::CountClasses(const Session& session) {
     count += static_cast<size_t>(ReadIndexCount(Below(teacher, ClassesName())));
   }
   return count;
+}
+
+// Locks that no other machine sees are none.
+void StoreCheck::CheckMount() {
+  const auto mount = MountOf(session.Show(session.TopFolder()));
+  const std::string change = mount && session.HasLocks() ? LocksNotShared(*mount) : "";
+  if (!change.empty()) {
+    Report("mount", session.TopFolder(),
+           "other machines do not see locks that are taken through this mount (" + mount->type +
+               " at " + mount->place + "): " + change);
+  }
 }
 
 void StoreCheck::CheckTeacher(const SFileSpec& folder) {

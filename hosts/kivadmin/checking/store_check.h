@@ -15,7 +15,7 @@ namespace kivadmin {
 
 struct Finding {
   // "index", "longname", "nameless", "lock", "options", "game", "twin", "name", "folder", "busy",
-  // "link", "file"
+  // "link", "file", "mount"
   std::string kind;
   std::string path;
   std::string what;
@@ -38,6 +38,7 @@ class StoreCheck {
  private:
   using CheckEntry = void (StoreCheck::*)(const kivstore::SFileSpec&);
 
+  void CheckMount();
   void CheckTeacher(const kivstore::SFileSpec& folder);
   void CheckClassList(const kivstore::SFileSpec& folder);
   void CheckClass(const kivstore::SFileSpec& folder);
