@@ -102,8 +102,7 @@ std::string LocksNotShared(const MountFacts& mount) {
 }
 
 std::string HowToReadFresh(const MountFacts& mount) {
-  const std::string known = Find(kFresh, mount);
-  return known.empty() ? "mount it without caches" : known;
+  return Find(kFresh, mount);
 }
 
 }  // namespace kivadmin

@@ -24,7 +24,7 @@ std::optional<MountFacts> MountOf(const std::string& folder);
 // Why a lock that is taken through it is known not to be seen by other machines, and what to
 // change; empty where that is not known.
 std::string LocksNotShared(const MountFacts& mount);
-// How to mount such a file system so that nothing old is read.
+// How to mount such a file system so that nothing old is read; empty where that is not known.
 std::string HowToReadFresh(const MountFacts& mount);
 
 }  // namespace kivadmin

@@ -1,6 +1,8 @@
 #include "hosts/kivadmin/checking/store_trial.h"
 
+#include <algorithm>
 #include <ctime>
+#include <string_view>
 
 #include "hosts/common/console.h"
 #include "hosts/common/store_opening.h"
@@ -103,20 +105,27 @@ std::vector<TrialResult> TryWithOtherMachine(const Session& session) {
   return results;
 }
 
-std::string AdviceFor(const std::vector<TrialResult>& results, const std::string& root) {
-  const MountFacts mount = MountOf(root).value_or(MountFacts());
-  std::string advice;
-  for (const TrialResult& result : results) {
-    if (!result.IsGood() && result.kind == std::string("locks")) {
-      const std::string known = LocksNotShared(mount);
-      return "locks are not shared, so that students will be lost; " +
-             (known.empty() ? "use a file system that shares them: NFS, SMB or GlusterFS" : known);
-    }
-    if (!result.IsGood()) {
-      advice = "what one side does the other sees too late; " + HowToReadFresh(mount);
+std::string AdviceFor(const std::vector<TrialResult>& results,
+                      const std::vector<std::string>& roots) {
+  const auto isBad = [](const TrialResult& result) { return !result.IsGood(); };
+  const auto bad = std::find_if(results.begin(), results.end(), isBad);
+  if (bad == results.end()) {
+    return {};
+  }
+  const bool isOfLocks = bad->kind == std::string_view("locks");
+  std::string known;
+  for (const std::string& root : roots) {
+    const auto mount = MountOf(root);
+    if (mount && known.empty()) {
+      known = isOfLocks ? LocksNotShared(*mount) : HowToReadFresh(*mount);
     }
   }
-  return advice;
+  if (isOfLocks) {
+    return "locks are not shared, so that students will be lost; " +
+           (known.empty() ? "use a file system that shares them: NFS, SMB or GlusterFS" : known);
+  }
+  return "what one side does the other sees too late; " +
+         (known.empty() ? "mount it without caches" : known);
 }
 
 }  // namespace kivadmin

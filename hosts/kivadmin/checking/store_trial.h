@@ -18,7 +18,8 @@ std::vector<TrialResult> TryThrough(const Session& session, const std::string& o
 // other answers, and is told none.
 std::vector<TrialResult> TryWithOtherMachine(const Session& session);
 
-// What to change where a result is not good, one line; `root` is where it was tried.
-std::string AdviceFor(const std::vector<TrialResult>& results, const std::string& root);
+// What to change where a result is not good, one line; `roots` are the ways that were tried.
+std::string AdviceFor(const std::vector<TrialResult>& results,
+                      const std::vector<std::string>& roots);
 
 }  // namespace kivadmin

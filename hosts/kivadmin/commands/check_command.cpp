@@ -82,7 +82,8 @@ void Try(const CommonOptions& common, const CheckArguments& arguments) {
     return;
   }
   (arguments.json ? WriteResultsJson : WriteResults)(results);
-  if (const std::string advice = AdviceFor(results, common.root); !advice.empty()) {
+  const std::string advice = AdviceFor(results, {common.root, arguments.through});
+  if (!advice.empty()) {
     throw HostError(kRefused, common.root + ": is not safe to work on from both sides: " + advice);
   }
   if (!arguments.twoMachines && IsOneMount(common.root, arguments.through)) {

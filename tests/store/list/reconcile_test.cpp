@@ -1,3 +1,4 @@
+#include <functional>
 #include <set>
 #include <sstream>
 
@@ -239,6 +240,46 @@ TEST_F(ReconcileTest, ATornIndexAsksEachFolderAlsoOfWhoIsAtWork) {
     EXPECT_EQ(Listed(), "a:Ann:,b:Bob:,c:Cid:,d:Dan:");
     EXPECT_EQ(Index(), IndexBytes(Parsed("a:Ann:,b:Bob:,c:Cid:,d:Dan:")));
   }
+}
+
+// A file system that others change: each reading of the index shows what they have written since
+// the last.
+class SharedServices : public SForwardingFileServices {
+ public:
+  explicit SharedServices(std::function<void(int)> others)
+      : SForwardingFileServices(*Platform().files), others(std::move(others)) {}
+  bool IsShared() override { return true; }
+  FileHandle Open(const char* path, FileAccess access, SystemError& error) override {
+    if (access == FileAccess::kRead && std::string(path).ends_with("index.kiv")) {
+      others(readings++);
+    }
+    return inner.Open(path, access, error);
+  }
+
+ private:
+  std::function<void(int)> others;
+  int readings = 0;
+};
+
+TEST_F(ReconcileTest, WhereOthersShareTheDiskARepairLeavesWhatTheyWroteMeanwhile) {
+  const std::string old = IndexBytes(Parsed("a:Ann:,b:Bob:"));
+  const auto listed = [&](const std::function<void(int)>& others) {
+    Build(Kind::kShared, "a:Ann:,b:Bob:");
+    AddFolder("d", "Dan");
+    SharedServices services(others);
+    const SPlatformOverride<IFileServices> installed(Platform().files, &services);
+    return Listed();
+  };
+  const auto name = [](int n) {
+    return IndexBytes(Parsed("a:Ann:,b:Rob" + std::to_string(n) + ":"));
+  };
+  EXPECT_EQ(listed([&](int n) { temp.WriteFile(In("index.kiv"), n == 0 ? old : name(0)); }),
+            "a:Ann:,d:Dan:,b:Rob0:");
+  EXPECT_EQ(Index(), IndexBytes(Parsed("a:Ann:,d:Dan:,b:Rob0:")));
+  int last = 0;
+  EXPECT_EQ(listed([&](int n) { temp.WriteFile(In("index.kiv"), name(last = n)); }).substr(0, 6),
+            "a:Ann:");
+  EXPECT_EQ(Index(), name(last));
 }
 
 }  // namespace
