@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 #include <string_view>
@@ -37,13 +38,30 @@ ssize_t ReadAt(int file, char* buffer, size_t count, int64_t position) {
 }
 
 int64_t SizeOf(int file, bool isShared) {
-  struct stat facts;
   struct statx fresh;
-  if (isShared && statx(file, "", AT_EMPTY_PATH | AT_STATX_FORCE_SYNC, STATX_SIZE, &fresh) != 0) {
-    return -1;
+  if (isShared) {
+    statx(file, "", AT_EMPTY_PATH | AT_STATX_FORCE_SYNC, STATX_SIZE, &fresh);
   }
+  struct stat facts;
   const bool isKnown = fstat(file, &facts) == 0 && S_ISREG(facts.st_mode);
   return isKnown ? static_cast<int64_t>(facts.st_size) : -1;
+}
+
+ssize_t ReadFresh(int file, char* buffer, size_t count) {
+  constexpr int kMostReadings = 4;
+  ssize_t moved = 0;
+  int64_t size = -1;
+  for (int i = 0; i < kMostReadings && moved != size; ++i) {
+    moved = ReadAt(file, buffer, count, 0);
+    if (moved < 0) {
+      return moved;
+    }
+    if (moved == 0) {
+      fsync(file);  // nothing was asked for: this is a word with the server too
+    }
+    size = std::min(SizeOf(file, true), static_cast<int64_t>(count));
+  }
+  return moved;
 }
 
 void ListFolderOf(const char* path) {

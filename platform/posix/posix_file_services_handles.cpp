@@ -82,12 +82,17 @@ int64_t AskSize(const OpenFile& file) {
   return SizeOf(file.descriptor.Get(), KeptDataRoot().IsShared());
 }
 
+ssize_t ReadStart(int file, char* buffer, size_t count) {
+  return KeptDataRoot().IsShared() ? ReadFresh(file, buffer, count)
+                                   : ReadAt(file, buffer, count, 0);
+}
+
 // A file that is opened for reading is read: the first bytes tell the size of a small one, and that
 // it is no folder, for no more than one call.
 SystemError ReadAhead(OpenFile& file) {
   file.ahead = gAheadBuffer.Take();
   const ssize_t moved = file.ahead != nullptr
-                            ? ReadAt(file.descriptor.Get(), file.ahead, gAheadBuffer.kSize, 0)
+                            ? ReadStart(file.descriptor.Get(), file.ahead, gAheadBuffer.kSize)
                             : static_cast<ssize_t>(gAheadBuffer.kSize);
   if (moved < 0 && (errno == EISDIR || errno == ESPIPE)) {
     return ToSystemError(errno);

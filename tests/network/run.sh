@@ -5,7 +5,8 @@
 #
 #   tests/network/run.sh [--seconds N] [--seed N] [BIN]
 #
-# N seconds for each, 60 unless told; BIN has kivadmin and kivreport, build/release/bin unless told.
+# N seconds in all, 60 unless told; BIN has kivadmin and kivreport, build/release/bin unless told. Besides
+# `kivadmin check --through` tries each pair of mounts, and has to tell two that share no locks.
 # Everything runs in namespaces of its own: the volume's daemons, their port, the mounts and the line in
 # the hosts file are seen by nobody else and end with the script, however that ends.
 #
@@ -21,13 +22,13 @@ cannot() {
 
 # As process 1 of its namespaces, so that all others end with it.
 lay_volume() {
-  mkdir "$work/brick" "$work/lib" "$work/log" "$work/run"
+  mkdir "$work/brick" "$work/lib" "$work/log"
   printf '127.0.0.1 localhost\n192.0.2.77 %s\n' "$(hostname)" >"$work/hosts"
   mount --bind "$work/hosts" /etc/hosts
   mount --bind "$work/lib" /var/lib/glusterd
   mount --bind "$work/log" /var/log/glusterfs
-  mkdir -p /run/gluster
-  mount --bind "$work/run" /run/gluster
+  mount -t tmpfs tmpfs /run
+  mkdir /run/gluster
   ip link set lo up
   ip addr add 192.0.2.77/32 dev lo
   timeout 60 glusterd
@@ -43,31 +44,47 @@ mount_twice() {
   done
 }
 
-# judge NAME: in a folder of the volume, through both mounts.
+# judge NAME: in folders of what is mounted at NAME-a and NAME-b.
 judge() {
-  mkdir "$work/$1-a/$1"
-  timeout $((seconds + 300)) python3 tests/network/random_school.py "$bin" --seconds "$seconds" \
-    ${seed:+--seed "$seed"} "$work/$1-a/$1" "$work/$1-b/$1" &
-  wait $!
+  status=0
+  mkdir "$work/$1-a/$1" "$work/$1-a/$1-tried"
+  "$bin/kivadmin" init "$work/$1-a/$1-tried" >/dev/null
+  "$bin/kivadmin" check "$work/$1-a/$1-tried" --through "$work/$1-b/$1-tried" || status=1
+  timeout $((seconds + 300)) python3 tests/network/random_school.py "$bin" \
+    --seconds $((seconds / 2)) ${seed:+--seed "$seed"} "$work/$1-a/$1" "$work/$1-b/$1" &
+  wait $! || status=1
+  return "$status"
+}
+
+# Two mounts that share no locks, one of which says that it is sshfs.
+tell_unshared_locks() {
+  mkdir "$work/none" "$work/none-a" "$work/none-b"
+  "$bin/kivadmin" init "$work/none" >/dev/null
+  bindfs "$work/none" "$work/none-a"
+  bindfs -o subtype=sshfs "$work/none" "$work/none-b"
+  ! "$bin/kivadmin" check "$work/none-a" --through "$work/none-b" &&
+    "$bin/kivadmin" check "$work/none-b" 2>&1 | grep -F 'sshfs shares no locks'
 }
 
 inside() {
   work=$(mktemp -d /tmp/kivstore-network.XXXXXX)
-  trap 'umount -l "$work"/*-[ab] 2>/dev/null; rm -rf --one-file-system "$work"' EXIT
+  trap 'umount -l "$work"/*-[ab] 2>/dev/null || true; rm -rf --one-file-system "$work"' EXIT
   trap 'exit 1' HUP INT TERM
   lay_volume >"$work/laid" 2>&1 || {
     cat "$work/laid"
     cannot "GlusterFS does not start"
   }
   mount_twice default "" || cannot "FUSE cannot be mounted"
-  status=0
+  failed=0
   echo "-- two mounts with default options"
-  judge default || status=1
+  judge default || failed=1
   gluster --mode=script volume set store performance.quick-read off >/dev/null
   mount_twice cautious direct-io-mode=enable,attribute-timeout=0,entry-timeout=0
   echo "-- two mounts with cautious options"
-  judge cautious || status=1
-  exit "$status"
+  judge cautious || failed=1
+  echo "-- two mounts that share no locks, which has to be found out"
+  tell_unshared_locks || failed=1
+  exit "$failed"
 }
 
 seconds=60 seed='' bin=build/release/bin is_inside=''
@@ -84,7 +101,7 @@ done
 
 [ "$(id -u)" = 0 ] || cannot "it takes the superuser"
 [ -c /dev/fuse ] || modprobe fuse 2>/dev/null || cannot "there is no /dev/fuse"
-need unshare util-linux ip iproute2 python3 python3 glusterd glusterfs-server
+need unshare util-linux ip iproute2 python3 python3 glusterd glusterfs-server bindfs bindfs
 namespaces="--mount --net --pid --ipc --fork --mount-proc --kill-child=TERM"
 # shellcheck disable=SC2086
 unshare $namespaces true 2>/dev/null || cannot "no namespaces of its own are to be had"
