@@ -83,18 +83,21 @@ void MakeStudentsFolder(SFileSpec spec) {
 
 // From the list folder; the spec moves only where the level says so. The folder appears in the list
 // whole, with its name in it.
-bool MakeEntryFolder(SSite& site, SFileSpec& spec, const SString& folder, const SString& first,
-                     const SString& last, const AddLevel& level) {
+bool MakeEntryFolder(SSite& site, SFileSpec& spec, const SLoginNameObj& entry,
+                     const AddLevel& level, const FillFolder& fill) {
   SFileSpec place(spec);
-  SFileSpec made = PlaceToMake(spec, folder);
-  if (!place.Down(folder) || !made.CreateFolder(0)) {
+  SFileSpec made = PlaceToMake(spec, entry.folderName);
+  if (!place.Down(entry.folderName) || !made.CreateFolder(0)) {
     return false;
   }
-  if (!WriteLongName(made, first, last)) {
+  if (!WriteLongName(made, entry.firstName, entry.lastName)) {
     site.NoteShortfall(level.list);
   }
   if (level.listsStudents) {
     MakeStudentsFolder(made);
+  }
+  if (fill) {
+    fill(made);
   }
   if (!made.RenameTo(place)) {
     made.Delete(true);
@@ -107,7 +110,7 @@ bool MakeEntryFolder(SSite& site, SFileSpec& spec, const SString& folder, const 
 }
 
 bool AddEntryAt(SSite& site, SFileSpec& spec, const SString& first, const SString& last,
-                SString& folderOut, const AddLevel& level) {
+                SString& folderOut, const AddLevel& level, const FillFolder& fill) {
   const SString display = DisplayName(first, last);
   SLockFile lock(site);
   if (!IsFolderThere(site, spec) || !LockIndex(lock, spec, level.list, false)) {
@@ -119,32 +122,34 @@ bool AddEntryAt(SSite& site, SFileSpec& spec, const SString& first, const SStrin
     return true;
   }
   bool isThere = false;
-  const SString folder = DeriveFolderName(spec, first, last, isThere);
+  entry.folderName = DeriveFolderName(spec, first, last, isThere);
   if (!isThere) {
-    if (!EnsureEntry(site, spec, folder, first, last, level.limit, level.list)) {
+    if (!EnsureEntry(site, spec, entry.folderName, first, last, level.limit, level.list)) {
       return FailOnFullList(site, level, display, spec);
     }
-    if (!MakeEntryFolder(site, spec, folder, first, last, level)) {
+    if (!MakeEntryFolder(site, spec, entry, level, fill)) {
       return FailOnFolder(site, level, display, spec);
     }
   }
-  folderOut = folder;
+  folderOut = entry.folderName;
   return true;
 }
 
 }  // namespace
 
-bool AddTeacherAt(SSite& site, SFileSpec& spec, const SString& name, SString& folderOut) {
-  return site.IsShared() && AddEntryAt(site, spec, name, SString(), folderOut, kTeacherLevel);
+bool AddTeacherAt(SSite& site, SFileSpec& spec, const SString& name, SString& folderOut,
+                  const FillFolder& fill) {
+  return site.IsShared() && AddEntryAt(site, spec, name, SString(), folderOut, kTeacherLevel, fill);
 }
 
-bool AddClassAt(SSite& site, SFileSpec& spec, const SString& name, SString& folderOut) {
-  return AddEntryAt(site, spec, name, SString(), folderOut, kClassLevel);
+bool AddClassAt(SSite& site, SFileSpec& spec, const SString& name, SString& folderOut,
+                const FillFolder& fill) {
+  return AddEntryAt(site, spec, name, SString(), folderOut, kClassLevel, fill);
 }
 
 bool AddStudentAt(SSite& site, SFileSpec& spec, const SString& first, const SString& last,
-                  SString& folderOut) {
-  return AddEntryAt(site, spec, first, last, folderOut, kStudentLevel);
+                  SString& folderOut, const FillFolder& fill) {
+  return AddEntryAt(site, spec, first, last, folderOut, kStudentLevel, fill);
 }
 
 bool CheckStudentName(SSite& site, const SLoginNameObj& classEntry, const SString& first,

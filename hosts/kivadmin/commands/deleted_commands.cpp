@@ -23,7 +23,7 @@ struct PurgeArguments {
 // What a death has left is for purge alone.
 std::vector<DeletedEntry> WholeOnes(const Session& session) {
   std::vector<DeletedEntry> all = ListDeleted(session);
-  std::erase_if(all, [](const DeletedEntry& deleted) { return !deleted.folder.Exists(); });
+  std::erase_if(all, [](const DeletedEntry& deleted) { return !deleted.CanComeBack(); });
   return all;
 }
 
@@ -103,7 +103,8 @@ void PurgeOld(const CommonOptions& common, const PurgeArguments& arguments) {
   }
   for (const DeletedEntry& deleted : all) {
     Purge(session, deleted);
-    session.Say("purged " + deleted.Text());
+    session.Say(deleted.CanComeBack() ? "purged " + deleted.Text()
+                                      : "purged what was left of a delete or a purge");
   }
   if (all.empty()) {
     session.Say("nothing to purge");

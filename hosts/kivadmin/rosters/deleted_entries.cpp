@@ -94,17 +94,31 @@ void TakeLine(DeletedEntry& deleted, const std::string& line) {
   }
 }
 
-// False if it is no delete's place.
-bool ReadNote(DeletedEntry& deleted) {
+SFileSpec NoteOf(const DeletedEntry& deleted) {
   SFileSpec note(deleted.place);
-  if (!note.Down(kNoteFile) || !note.IsExistingFile()) {
-    return false;
+  note.Down(kNoteFile);
+  return note;
+}
+
+// By the form of its name: 20261121-235501-AnnLee.
+bool IsPlaceOfDelete(const SFileSpec& place) {
+  constexpr std::string_view kForm = "dddddddd-dddddd-";
+  const std::string_view name = place.GetFileName().View();
+  return name.size() > kForm.size() &&
+         std::equal(kForm.begin(), kForm.end(), name.begin(), [](char form, char c) {
+           return form == 'd' ? c >= '0' && c <= '9' : c == form;
+         });
+}
+
+void ReadNote(DeletedEntry& deleted) {
+  const SFileSpec note = NoteOf(deleted);
+  if (!note.IsExistingFile()) {
+    return;
   }
   std::istringstream text(kivhost::ReadStoreText(note, kLongestNote, "a note of a delete"));
   for (std::string line; std::getline(text, line);) {
     TakeLine(deleted, line);
   }
-  return true;
 }
 
 void FindFolder(DeletedEntry& deleted) {
@@ -135,8 +149,11 @@ SFileSpec ListOf(const Session& session, const DeletedEntry& deleted) {
   return list;
 }
 
-void RemovePlace(const Session& session, SFileSpec place) {
-  session.Need("remove", place, [&] { return place.Delete(true); });
+// The note first: from then on it is no longer offered, since some of it may be gone.
+void RemovePlace(const Session& session, const DeletedEntry& deleted) {
+  SFileSpec note = NoteOf(deleted);
+  SFileSpec place = deleted.place;
+  session.Need("remove", place, [&] { return note.Delete(false) && place.Delete(true); });
 }
 
 }  // namespace
@@ -182,7 +199,8 @@ std::vector<DeletedEntry> ListDeleted(const Session& session) {
                [&] { return !folder.Exists() || folder.IsFolder(); });
   SFileFinder finder(folder, SFileFinder::kVisibleFolders);
   for (DeletedEntry deleted; finder.Next(deleted.place); deleted = {}) {
-    if (ReadNote(deleted)) {
+    if (IsPlaceOfDelete(deleted.place)) {
+      ReadNote(deleted);
       FindFolder(deleted);
       all.push_back(deleted);
     }
@@ -206,14 +224,14 @@ SLoginNameObj PutBack(const Session& session, const DeletedEntry& deleted) {
     return isBack;
   });
   if (!session.IsDryRun()) {
-    RemovePlace(session, deleted.place);
+    RemovePlace(session, deleted);
   }
   return entry;
 }
 
 void Purge(const Session& session, const DeletedEntry& deleted) {
   if (!session.IsDryRun()) {
-    RemovePlace(session, deleted.place);
+    RemovePlace(session, deleted);
   }
 }
 

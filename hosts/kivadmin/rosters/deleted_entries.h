@@ -9,7 +9,8 @@
 // of=class "5a" of teacher "Ms Hill", list=MsHill\Classes.zep\5a\Students (the folder of its list
 // below the classes folder), when=2026-11-21 23:55:01 in local time, by=the user's name.
 //
-// A subfolder without the entry's folder is what a death on the way has left.
+// deleted.txt is there before the entry's folder comes, and the first to go when it is purged. A
+// subfolder that lacks either is what a death on the way has left: nothing that could come back.
 #pragma once
 
 #include <string>
@@ -30,9 +31,10 @@ struct EntryToDelete {
 
 struct DeletedEntry {
   kivstore::SFileSpec place;   // its subfolder of Deleted
-  kivstore::SFileSpec folder;  // its own; not there if the delete died before it came
+  kivstore::SFileSpec folder;  // its own
   std::string level, name, of, list, when, by;
 
+  bool CanComeBack() const { return folder.Exists() && !level.empty(); }
   // student "Ann Lee" of class "5a"
   std::string Text() const;
 };

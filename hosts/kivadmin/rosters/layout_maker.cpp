@@ -1,6 +1,7 @@
 #include "hosts/kivadmin/rosters/layout_maker.h"
 
 #include "foundation/files/file_type.h"
+#include "hosts/common/empty_file.h"
 #include "hosts/kivadmin/rosters/rosters.h"
 #include "platform/text_numbers.h"
 #include "records/tutor_options_dob.h"
@@ -27,6 +28,12 @@ SFileSpec NeedFolder(const Session& session, SFileSpec spec) {
 SFileSpec Below(SFileSpec folder, const SString& name) {
   folder.Down(name);
   return folder;
+}
+
+// A file of no bytes is what a death ahead of the writing has left.
+bool IsWritten(const SFileSpec& folder, const SString& name) {
+  const SFileSpec file = Below(folder, name);
+  return file.Exists() && !kivhost::IsEmptyFile(file);
 }
 
 }  // namespace
@@ -110,14 +117,14 @@ void LayoutMaker::CompleteList(const SFileSpec& folder, ListKind kind) const {
   MakeLock(folder, kIndexLock);
   SLockFile lock(session.Site());
   session.TakeIndexLock(lock, folder, kind);
-  if (Below(folder, CachedText<kTextIndexFile>()).Exists()) {
+  if (IsWritten(folder, CachedText<kTextIndexFile>())) {
     return;
   }
   SIndexObj index;
   index.NeedLogins();
   index.NeedFiles();
   ReconcileLogins(session.Site(), folder, index);
-  if (!Below(folder, CachedText<kTextIndexFile>()).Exists()) {
+  if (!IsWritten(folder, CachedText<kTextIndexFile>())) {
     WriteIndex(folder, index);
   }
 }
@@ -134,7 +141,7 @@ void LayoutMaker::MakeLock(const SFileSpec& folder, const char* name) const {
 
 void LayoutMaker::MakeDefaultOptions(const SFileSpec& folder) const {
   SFileSpec spec = Below(folder, CachedText<kTextOptionsFile>());
-  if (!makesOptions || spec.Exists()) {
+  if (!makesOptions || IsWritten(folder, CachedText<kTextOptionsFile>())) {
     return;
   }
   SLockFile lock(session.Site(), spec, SString());

@@ -26,7 +26,8 @@ void RequireRoom(const Session& session, const Roster& roster) {
   }
 }
 
-using AddAt = bool (*)(SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut);
+using AddAt = bool (*)(SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut,
+                       const FillFolder& fill);
 
 // What differs between the levels.
 struct Level {
@@ -37,19 +38,18 @@ struct Level {
 
 constexpr Level kTeacherLevel = {
     "teacher", &LayoutMaker::CompleteTeacher,
-    [](SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut) {
-      return AddTeacherAt(site, spec, name.first, folderOut);
-    }};
+    [](SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut,
+       const FillFolder& fill) { return AddTeacherAt(site, spec, name.first, folderOut, fill); }};
 constexpr Level kClassLevel = {
     "class", &LayoutMaker::CompleteClass,
-    [](SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut) {
-      return AddClassAt(site, spec, name.first, folderOut);
-    }};
-constexpr Level kStudentLevel = {
-    "student", &LayoutMaker::CompleteStudent,
-    [](SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut) {
-      return AddStudentAt(site, spec, name.first, name.last, folderOut);
-    }};
+    [](SSite& site, SFileSpec& spec, const PersonName& name, SString& folderOut,
+       const FillFolder& fill) { return AddClassAt(site, spec, name.first, folderOut, fill); }};
+constexpr Level kStudentLevel = {"student", &LayoutMaker::CompleteStudent,
+                                 [](SSite& site, SFileSpec& spec, const PersonName& name,
+                                    SString& folderOut, const FillFolder& fill) {
+                                   return AddStudentAt(site, spec, name.first, name.last, folderOut,
+                                                       fill);
+                                 }};
 
 SLoginNameObj Enter(const Session& session, const Roster& roster, const PersonName& name,
                     const Level& level) {
@@ -58,11 +58,10 @@ SLoginNameObj Enter(const Session& session, const Roster& roster, const PersonNa
   SLoginNameObj entry(name.first, name.last, SString());
   session.Change(std::string("add ") + level.name + ' ' + session.Show(entry), [&] {
     SFileSpec spec(roster.folder);
-    return level.add(session.Site(), spec, name, entry.folderName);
+    return level.add(session.Site(), spec, name, entry.folderName, [&](const SFileSpec& folder) {
+      (LayoutMaker(session).*level.complete)(folder);
+    });
   });
-  if (!session.IsDryRun()) {
-    LayoutMaker(session).CompleteEntry(roster.folder, entry.folderName, level.complete);
-  }
   return entry;
 }
 
