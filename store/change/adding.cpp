@@ -117,12 +117,16 @@ bool AddEntryAt(SSite& site, SFileSpec& spec, const SString& first, const SStrin
     return FailPlainly(site, level, display, spec);
   }
   SLoginNameObj entry(first, last, SString());
-  if (IsListedThere(spec, entry)) {
+  if (IsNameThere(site, spec, level.list, entry)) {
     folderOut = entry.folderName;
     return true;
   }
   bool isThere = false;
   entry.folderName = DeriveFolderName(spec, first, last, isThere);
+  if (isThere && !IsEntryOf(spec, entry)) {
+    // A rename that died half way has left the old name in the line.
+    EnsureEntry(site, spec, entry.folderName, first, last, kNoLimit, level.list);
+  }
   if (!isThere) {
     if (!EnsureEntry(site, spec, entry.folderName, first, last, level.limit, level.list)) {
       return FailOnFullList(site, level, display, spec);

@@ -147,9 +147,13 @@ bool EntryMove::HasRoom() const {
   return ReadIndexCount(destinationFolder) < limit || Fail(FailureKind::kFull, destinationFolder);
 }
 
-// The folder gets another name where the destination has one of its own already; none if that is of
-// somebody of the same name.
+// The folder gets another name where the destination has one of its own already; none if somebody
+// of the same name is there.
 SString EntryMove::FinalName() {
+  SLoginNameObj other(entry);
+  if (IsNameThere(site, destinationFolder, EntryListKind(), other)) {
+    return {};
+  }
   SFileSpec namesake(destinationFolder);
   if (!DownToEntry(namesake, entry) || !namesake.Exists()) {
     return entry.folderName;
@@ -169,6 +173,7 @@ bool EntryMove::MoveFolder() {
   SFileSpec place(destinationFolder);
   place.Down(name);
   RemoveLine(site, destinationFolder, name, EntryListKind());
+  EnsureLongName(site, entryFolder, entry, EntryListKind());
   entryLock.Unlock();  // its file lies in the folder that is to go
   const bool moved =
       entryFolder.RenameTo(place) ||

@@ -44,6 +44,7 @@ bool SetAside(SSite& site, const SFileSpec& list, ListKind kind, const SLoginNam
   if (!IsEntryOf(listFolder, entry) || !DownToEntry(spec, entry) || !spec.IsExistingFolder()) {
     return Fail(site, kind, FailureKind::kNoEntry, spec);
   }
+  EnsureLongName(site, spec, entry, kind);
   if (!spec.RenameTo(place)) {
     site.NoteFileFailure(kind);
     return false;
@@ -66,7 +67,7 @@ bool PutBack(SSite& site, const SFileSpec& list, ListKind kind, const SFileSpec&
     return Fail(site, kind, FailureKind::kDamaged, name);
   }
   entry.folderName = FreeName(spec, aside, entry);
-  if (entry.folderName.IsEmpty() || IsListedThere(spec, entry)) {
+  if (entry.folderName.IsEmpty() || IsNameThere(site, spec, kind, entry)) {
     return Fail(site, kind, FailureKind::kNameTaken, spec);
   }
   // The line first: a folder never appears under somebody else's.

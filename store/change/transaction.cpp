@@ -4,6 +4,9 @@
 #include <utility>
 
 #include "store/list/index_lookup.h"
+#include "store/list/long_name.h"
+#include "store/list/reconcile.h"
+#include "store/place/store_names.h"
 
 namespace kivstore {
 namespace {
@@ -54,6 +57,27 @@ bool IsFolderThere(const SSite& site, SFileSpec& spec) {
 bool IsKnownMissing(const SFileSpec& spec) {
   constexpr int16_t kNotFound = 2;
   return !spec.Exists() && SFileSpec::GetLastError() == kNotFound;
+}
+
+bool IsNameThere(SSite& site, const SFileSpec& list, ListKind kind, SLoginNameObj& entry) {
+  SIndexObj index;
+  ReadWholeIndex(list, index);
+  if (index.torn) {
+    ReconcileLogins(site, list, index);
+  }
+  return IsListedThere(list, entry);
+}
+
+void EnsureLongName(SSite& site, const SFileSpec& folder, const SLoginNameObj& entry,
+                    ListKind kind) {
+  SLoginNameObj owner;
+  SFileSpec file(folder);
+  const bool isNamed = file.DownAssumed(CachedText<kTextLongNameFile>().GetText()) &&
+                       ReadLongName(file, owner.firstName, owner.lastName) &&
+                       !owner.firstName.IsEmpty();
+  if (!isNamed && !WriteLongName(folder, entry.firstName, entry.lastName)) {
+    site.NoteShortfall(kind);
+  }
 }
 
 void WriteLogins(SSite& site, const SFileSpec& folder, const SLoginList& list,

@@ -18,6 +18,16 @@ bool IsFolderThere(const SSite& site, SFileSpec& spec);
 // is neither gone nor to be made.
 bool IsKnownMissing(const SFileSpec& spec);
 
+// IsListedThere, under the list's lock, for who is about to come into the list. The names of an
+// index that a death has torn say nothing: it is mended first, as by any listing.
+bool IsNameThere(SSite& site, const SFileSpec& list, ListKind kind, SLoginNameObj& entry);
+
+// Ahead of a folder's leaving its list: until it has a line again it is known by its long name
+// alone, which is written where a death has torn it. One that cannot be written is noted with the
+// site.
+void EnsureLongName(SSite& site, const SFileSpec& folder, const SLoginNameObj& entry,
+                    ListKind kind);
+
 // Writes the list into the folder's index; its file half stays. The list was loaded before the lock
 // was taken: of every entry but the one in the folder `changed` the index knows better, and what
 // the list does not know of stays behind it. What could not be written is noted with the site.
