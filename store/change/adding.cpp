@@ -117,7 +117,7 @@ bool AddEntryAt(SSite& site, SFileSpec& spec, const SString& first, const SStrin
     return FailPlainly(site, level, display, spec);
   }
   SLoginNameObj entry(first, last, SString());
-  if (IsNameThere(site, spec, level.list, entry)) {
+  if (IsNameThere(site, spec, entry)) {
     folderOut = entry.folderName;
     return true;
   }

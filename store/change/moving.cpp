@@ -151,7 +151,7 @@ bool EntryMove::HasRoom() const {
 // of the same name is there.
 SString EntryMove::FinalName() {
   SLoginNameObj other(entry);
-  if (IsNameThere(site, destinationFolder, EntryListKind(), other)) {
+  if (IsNameThere(site, destinationFolder, other)) {
     return {};
   }
   SFileSpec namesake(destinationFolder);

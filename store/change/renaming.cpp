@@ -87,6 +87,7 @@ bool RenameEntry(SSite& site, SFileSpec& spec, const SLoginNameObj& entry, SLogi
   if (!level.staysInFolder) {
     inside.Up();
   }
+  EnsureLine(site, spec, entry, level.listLock);
   if (!WriteLongName(inside, first, last)) {
     site.NoteShortfall(level.listLock);
   }

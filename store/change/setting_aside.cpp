@@ -67,7 +67,7 @@ bool PutBack(SSite& site, const SFileSpec& list, ListKind kind, const SFileSpec&
     return Fail(site, kind, FailureKind::kDamaged, name);
   }
   entry.folderName = FreeName(spec, aside, entry);
-  if (entry.folderName.IsEmpty() || IsNameThere(site, spec, kind, entry)) {
+  if (entry.folderName.IsEmpty() || IsNameThere(site, spec, entry)) {
     return Fail(site, kind, FailureKind::kNameTaken, spec);
   }
   // The line first: a folder never appears under somebody else's.

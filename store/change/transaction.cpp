@@ -43,6 +43,14 @@ bool TakeOthersChanges(SLoginList& merged, const SLoginList& list, const SLoginL
   return complete;
 }
 
+void MendTornIndex(SSite& site, const SFileSpec& list) {
+  SIndexObj index;
+  ReadWholeIndex(list, index);
+  if (index.torn) {
+    ReconcileLogins(site, list, index);
+  }
+}
+
 }  // namespace
 
 // A spec that was not placed on a folder stands somewhere on the way there: a look that now finds
@@ -59,13 +67,14 @@ bool IsKnownMissing(const SFileSpec& spec) {
   return !spec.Exists() && SFileSpec::GetLastError() == kNotFound;
 }
 
-bool IsNameThere(SSite& site, const SFileSpec& list, ListKind kind, SLoginNameObj& entry) {
-  SIndexObj index;
-  ReadWholeIndex(list, index);
-  if (index.torn) {
-    ReconcileLogins(site, list, index);
-  }
+bool IsNameThere(SSite& site, const SFileSpec& list, SLoginNameObj& entry) {
+  MendTornIndex(site, list);
   return IsListedThere(list, entry);
+}
+
+void EnsureLine(SSite& site, const SFileSpec& list, const SLoginNameObj& entry, ListKind kind) {
+  MendTornIndex(site, list);
+  EnsureEntry(site, list, entry.folderName, entry.firstName, entry.lastName, kNoLimit, kind);
 }
 
 void EnsureLongName(SSite& site, const SFileSpec& folder, const SLoginNameObj& entry,

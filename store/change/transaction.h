@@ -20,7 +20,11 @@ bool IsKnownMissing(const SFileSpec& spec);
 
 // IsListedThere, under the list's lock, for who is about to come into the list. The names of an
 // index that a death has torn say nothing: it is mended first, as by any listing.
-bool IsNameThere(SSite& site, const SFileSpec& list, ListKind kind, SLoginNameObj& entry);
+bool IsNameThere(SSite& site, const SFileSpec& list, SLoginNameObj& entry);
+
+// Under the list's lock: the entry has a line in an index that is whole, as it must while its long
+// name changes.
+void EnsureLine(SSite& site, const SFileSpec& list, const SLoginNameObj& entry, ListKind kind);
 
 // Ahead of a folder's leaving its list: until it has a line again it is known by its long name
 // alone, which is written where a death has torn it. One that cannot be written is noted with the
