@@ -1,6 +1,7 @@
 #include "hosts/common/charset.h"
 
 #include <algorithm>
+#include <iostream>
 
 #include "hosts/common/host_error.h"
 
@@ -20,6 +21,29 @@ bool HasAscii(const Charset& charset) {
 }
 
 }  // namespace
+
+std::string Charset::ToUtf8(std::string_view text) const {
+  std::string utf8;
+  if (!Convert(text, utf8)) {
+    unshown.insert(utf8);
+  }
+  return utf8;
+}
+
+void TellUnshown(const char* program, const Charset& charset) {
+  const auto& texts = charset.GetUnshown();
+  if (texts.empty()) {
+    return;
+  }
+  const size_t more = texts.size() - 1;
+  std::cout << std::flush;
+  std::cerr << program << ": \"" << *texts.begin() << '"'
+            << (more > 1    ? " and " + std::to_string(more) + " more texts have"
+                : more == 1 ? " and one more text have"
+                            : " has")
+            << " bytes that are no characters of the set, shown as \xEF\xBF\xBD: --charset names "
+               "another\n";
+}
 
 std::unique_ptr<Charset> NeedCharset(const std::string& name) {
   auto charset = Charset::Open(name);

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -14,11 +15,24 @@ class Charset {
   static std::unique_ptr<Charset> Open(const std::string& name);
   virtual ~Charset() = default;
 
-  // What is no character of the set becomes U+FFFD.
-  virtual std::string ToUtf8(std::string_view text) const = 0;
+  // What is no character of the set becomes U+FFFD, and the text is one of GetUnshown.
+  std::string ToUtf8(std::string_view text) const;
   // Nothing if a character has no place in the set, or the text is no UTF-8.
   virtual std::optional<std::string> FromUtf8(std::string_view text) const = 0;
+
+  // The texts that had bytes without a place in the set, as they were shown; each once.
+  const std::set<std::string>& GetUnshown() const { return unshown; }
+
+ protected:
+  // What is no character becomes U+FFFD; false if anything was none.
+  virtual bool Convert(std::string_view text, std::string& utf8) const = 0;
+
+ private:
+  mutable std::set<std::string> unshown;
 };
+
+// The program's line on standard error about GetUnshown; nothing if all was shown.
+void TellUnshown(const char* program, const Charset& charset);
 
 // Throws HostError if the system does not know the name, which came by --charset, or if the set
 // does not have ASCII in its place.

@@ -17,26 +17,28 @@ class IconvCharset final : public Charset {
     iconv_close(fromUtf8);
   }
 
-  std::string ToUtf8(std::string_view text) const override {
-    std::string out;
-    while (!Convert(toUtf8, text, out)) {
-      out += "\xEF\xBF\xBD";
-      text.remove_prefix(1);
-    }
-    return out;
-  }
-
   std::optional<std::string> FromUtf8(std::string_view text) const override {
     std::string out;
-    if (!Convert(fromUtf8, text, out)) {
+    if (!Append(fromUtf8, text, out)) {
       return std::nullopt;
     }
     return out;
   }
 
+ protected:
+  bool Convert(std::string_view text, std::string& utf8) const override {
+    bool isWhole = true;
+    while (!Append(toUtf8, text, utf8)) {
+      isWhole = false;
+      utf8 += "\xEF\xBF\xBD";
+      text.remove_prefix(1);
+    }
+    return isWhole;
+  }
+
  private:
   // Appends what converts; false, with `text` at the byte, where something does not.
-  static bool Convert(iconv_t converter, std::string_view& text, std::string& out) {
+  static bool Append(iconv_t converter, std::string_view& text, std::string& out) {
     iconv(converter, nullptr, nullptr, nullptr, nullptr);
     while (!text.empty()) {
       char chunk[256];

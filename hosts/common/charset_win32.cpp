@@ -65,14 +65,6 @@ class CodePage final : public Charset {
     }
   }
 
-  std::string ToUtf8(std::string_view text) const override {
-    std::string out;
-    for (const char c : text) {
-      out += characters[static_cast<unsigned char>(c)];
-    }
-    return out;
-  }
-
   std::optional<std::string> FromUtf8(std::string_view text) const override {
     const std::wstring wide = ToWide(CP_UTF8, text);
     std::string out;
@@ -86,6 +78,17 @@ class CodePage final : public Charset {
     return out;
   }
 
+ protected:
+  bool Convert(std::string_view text, std::string& utf8) const override {
+    bool isWhole = true;
+    for (const char c : text) {
+      const std::string& character = characters[static_cast<unsigned char>(c)];
+      isWhole = isWhole && character != kReplacement;
+      utf8 += character;
+    }
+    return isWhole;
+  }
+
  private:
   std::array<std::string, 256> characters;  // by byte
   std::map<wchar_t, char> bytes;
@@ -94,15 +97,21 @@ class CodePage final : public Charset {
 // A store whose texts are UTF-8 already.
 class Utf8 final : public Charset {
  public:
-  std::string ToUtf8(std::string_view text) const override {
-    return FromWide(CP_UTF8, ToWide(CP_UTF8, text));
+  std::optional<std::string> FromUtf8(std::string_view text) const override {
+    return IsUtf8(text) ? std::optional<std::string>(text) : std::nullopt;
   }
 
-  std::optional<std::string> FromUtf8(std::string_view text) const override {
+ protected:
+  bool Convert(std::string_view text, std::string& utf8) const override {
+    utf8 = FromWide(CP_UTF8, ToWide(CP_UTF8, text));
+    return IsUtf8(text);
+  }
+
+ private:
+  static bool IsUtf8(std::string_view text) {
     const int size = static_cast<int>(text.size());
-    const bool valid = text.empty() || MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS,
-                                                           text.data(), size, nullptr, 0) > 0;
-    return valid ? std::optional<std::string>(text) : std::nullopt;
+    return text.empty() ||
+           MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), size, nullptr, 0) > 0;
   }
 };
 

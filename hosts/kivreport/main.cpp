@@ -76,6 +76,7 @@ int Run(const CommandLine& line) {
     throw HostError(kRefused, store.Root() + ": the store has nothing of what was asked for");
   }
   WriteOut(line, report);
+  kivhost::TellUnshown("kivreport", *charset);
   RequireAll(report);
   return kDone;
 }

@@ -1,6 +1,5 @@
 // `undelete` and `purge`: what was deleted comes back, or goes for good.
 #include <cstdlib>
-#include <ctime>
 #include <iostream>
 
 #include "hosts/kivadmin/commands/command_line.h"
@@ -73,13 +72,6 @@ void Undelete(const CommonOptions& common, const UndeleteArguments& arguments) {
   session.Say("put back " + deleted.Text());
 }
 
-// In the form of DeletedEntry::when, which sorts by time.
-std::string DaysAgo(long days) {
-  const std::time_t then = std::time(nullptr) - days * 24 * 60 * 60;
-  char text[32];
-  return {text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::localtime(&then))};
-}
-
 long NumberOfDays(const std::string& text) {
   char* end = nullptr;
   const long days = std::strtol(text.c_str(), &end, 10);
@@ -95,7 +87,8 @@ void PurgeOld(const CommonOptions& common, const PurgeArguments& arguments) {
   const Session session(common, Session::Access::kChange);
   std::vector<DeletedEntry> all = ListDeleted(session);
   if (days > 0) {
-    std::erase_if(all, [&](const DeletedEntry& deleted) { return deleted.when > DaysAgo(days); });
+    std::erase_if(all,
+                  [&](const DeletedEntry& deleted) { return deleted.when > WhenDeleted(days); });
   }
   if (!all.empty() && !session.IsDryRun()) {
     Confirm("remove for good what was deleted, " + std::to_string(all.size()) + " in all",

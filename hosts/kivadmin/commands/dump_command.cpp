@@ -25,6 +25,7 @@ void Dump(const CommonOptions& common, const DumpArguments& arguments) {
       name, kivhost::ReadWholeFile(arguments.file, kMostBytes, "a file of a store", kNoStore),
       *charset);
   std::cout << dump.json.dump(2) << '\n';
+  kivhost::TellUnshown("kivadmin", *charset);
   if (!dump.trouble.empty()) {
     throw HostError(kRefused, arguments.file + ": " + dump.trouble);
   }

@@ -8,6 +8,7 @@
 
 #include "foundation/files/file_finder.h"
 #include "hosts/common/console.h"
+#include "hosts/common/progress_bar.h"
 #include "hosts/common/store_text.h"
 #include "store/change/setting_aside.h"
 #include "store/place/display_name.h"
@@ -21,10 +22,10 @@ constexpr const char* kDeletedFolder = "Deleted";
 constexpr const char* kNoteFile = "deleted.txt";
 constexpr size_t kLongestNote = 1 << 16;
 
-std::string TimeText(const char* form) {
-  const std::time_t now = std::time(nullptr);
+std::string TimeText(const char* form, long daysAgo) {
+  const std::time_t then = std::time(nullptr) - daysAgo * 24 * 60 * 60;
   char text[32];
-  return {text, std::strftime(text, sizeof text, form, std::localtime(&now))};
+  return {text, std::strftime(text, sizeof text, form, std::localtime(&then))};
 }
 
 std::string UserName() {
@@ -52,7 +53,7 @@ void NeedFolder(const Session& session, SFileSpec& spec) {
 SFileSpec NewPlace(const Session& session, const SString& folderName) {
   SFileSpec deleted = DeletedFolder(session);
   NeedFolder(session, deleted);
-  const SString stem = SString(TimeText("%Y%m%d-%H%M%S-").c_str()) + folderName;
+  const SString stem = SString(TimeText("%Y%m%d-%H%M%S-", 0).c_str()) + folderName;
   SFileSpec place(deleted);
   place.Down(stem);
   for (int again = 2; place.Exists(); ++again) {
@@ -149,14 +150,34 @@ SFileSpec ListOf(const Session& session, const DeletedEntry& deleted) {
   return list;
 }
 
-// The note first: from then on it is no longer offered, since some of it may be gone.
+// The folders of a tree, each ahead of those in it.
+void CollectFolders(const SFileSpec& folder, std::vector<SFileSpec>& all) {
+  SFileFinder finder(folder, SFileFinder::kVisibleFolders);
+  for (SFileSpec below; finder.Next(below);) {
+    all.push_back(below);
+    CollectFolders(below, all);
+  }
+}
+
+// The note first: from then on it is no longer offered, since some of it may be gone. Then members
+// ahead of what they are in; a teacher's take as long as there are students.
 void RemovePlace(const Session& session, const DeletedEntry& deleted) {
   SFileSpec note = NoteOf(deleted);
-  SFileSpec place = deleted.place;
-  session.Need("remove", place, [&] { return note.Delete(false) && place.Delete(true); });
+  session.Need("remove", note, [&] { return note.Delete(false); });
+  std::vector<SFileSpec> folders{deleted.place};
+  CollectFolders(deleted.place, folders);
+  kivhost::ProgressBar bar("folders", folders.size(), false);
+  for (; !folders.empty(); folders.pop_back()) {
+    session.Need("remove", folders.back(), [&] { return folders.back().Delete(true); });
+    bar.Advance();
+  }
 }
 
 }  // namespace
+
+std::string WhenDeleted(long daysAgo) {
+  return TimeText("%Y-%m-%d %H:%M:%S", daysAgo);
+}
 
 std::string DeletedEntry::Text() const {
   return level + " \"" + name + '"' + (of.empty() ? "" : " of " + of);
@@ -168,7 +189,7 @@ DeletedEntry SetAside(const Session& session, const EntryToDelete& what) {
   deleted.name = session.Show(DisplayName(what.entry));
   deleted.of = what.of;
   deleted.list = ListBelowTop(session, what.roster.folder);
-  deleted.when = TimeText("%Y-%m-%d %H:%M:%S");
+  deleted.when = WhenDeleted(0);
   deleted.by = UserName();
   if (session.IsDryRun()) {
     return deleted;

@@ -39,6 +39,9 @@ struct DeletedEntry {
   std::string Text() const;
 };
 
+// Now, or so many days ago, in the form of DeletedEntry::when, which sorts by time.
+std::string WhenDeleted(long daysAgo);
+
 // Unless somebody uses it: then nothing is changed. Nothing in a dry run.
 DeletedEntry SetAside(const Session& session, const EntryToDelete& what);
 // Newest first.

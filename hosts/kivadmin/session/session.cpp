@@ -50,6 +50,10 @@ Session::Session(const CommonOptions& options, Access access)
   }
 }
 
+Session::~Session() {
+  kivhost::TellUnshown("kivadmin", *charset);
+}
+
 SString Session::ToStore(const std::string& text, const std::string& what) const {
   const auto bytes = charset->FromUtf8(text);
   if (!bytes) {

@@ -43,6 +43,7 @@ class Session {
   };
 
   Session(const CommonOptions& options, Access access);
+  ~Session();  // tells of texts that could not be shown
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
