@@ -1,6 +1,6 @@
 // What stands around one command: the set-up that makes the application object (gApp) with its
 // records and aims it at the host's data path, and the tear-down that takes all of it away again.
-// Lives on the stack of GeneralProc; one at a time.
+// Lives on the stack of GeneralProc, which lets one caller in at a time.
 //
 // What survives a call stands in library_state.h.
 #pragma once

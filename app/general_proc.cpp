@@ -4,6 +4,7 @@
 
 #include "app/commands.h"
 #include "app/general_call.h"
+#include "platform/caller_lock.h"
 
 // Hosts in other languages lay the block out by these numbers.
 static_assert(offsetof(SGeneralParams, command) == 0x00);
@@ -42,6 +43,7 @@ namespace kivstore {
 namespace {
 
 bool Run(SGeneralParams& params) {
+  const SCallerLock alone;
   SGeneralCall call(params);
   const commands::Command command = commands::FindCommand(params.command);
   return call.GetApp() != nullptr && command != nullptr && command(call, params);

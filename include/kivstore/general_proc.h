@@ -8,7 +8,9 @@
  * a size with the space there is: teacherNameSize, classNameSize and studentNameSize are 52 at
  * most, productIdSize 10. Texts are bytes of the store's 8-bit character set.
  *
- * Call from one thread at a time. On 32-bit Windows the calling convention is C's own, cdecl.
+ * Any thread may call; calls are carried out one after the other. What one command remembers for
+ * another (the cached lists) is the process's, not the thread's. On 32-bit Windows the calling
+ * convention is C's own, cdecl.
  */
 #ifndef KIVSTORE_GENERAL_PROC_H
 #define KIVSTORE_GENERAL_PROC_H
