@@ -13,6 +13,10 @@ from mutation.shield import run
 from mutation.tree import NOT_PRODUCT, ROOT, WORK, Problem, tracked_files
 
 BUILD_LIMIT = 1800            # seconds for all that a change makes necessary to build
+# Tests that are scripts, with what they need built and what makes them ask the same every time.
+SCRIPTS = {"hosts": (("kivadmin", "kivreport", "hold_file"), ()),
+           "examples": (("kivstore",), ()),
+           "callers": (("kivadmin", "kivreport", "kivstore"), ("--seed", "1"))}
 CAUGHT, SURVIVED, NOT_BUILT, SAME_CODE = "caught", "SURVIVED", "does not compile", "same code"
 
 
@@ -30,6 +34,16 @@ class Outcome:
         return self.kind in (CAUGHT, SURVIVED)
 
 
+@dataclass(frozen=True)
+class Check:
+    """A test program or a test that is a script, and what is built for it."""
+
+    name: str
+    command: tuple
+    targets: tuple
+    is_program: bool = True
+
+
 def stamp_of(path):
     status = os.stat(path)
     return status.st_mtime_ns, status.st_size
@@ -39,12 +53,12 @@ def files_below(folder):
     return [path for path in folder.rglob("*") if path.is_symlink() or path.is_file()]
 
 
-def catcher(program, ran):
+def catcher(check, ran):
     """The test that failed, or the one that ran last."""
     failed = re.findall(r"^\[  FAILED  \] ([^\s,]+)", ran.output, re.M)
     begun = re.findall(r"^\[ RUN      \] (\S+)", ran.output, re.M)
     how = "hung in " if not ran.in_time else "" if failed else "died in "
-    return f"{program.name}: {how}{(failed or begun[-1:] or ['its start'])[0]}"
+    return f"{check.name}: {how}{(failed or begun[-1:] or ['its start'])[0]}"
 
 
 class PrivateCopy:
@@ -56,8 +70,8 @@ class PrivateCopy:
         self.build_jobs, self.keep_going = build_jobs, keep_going
         self.objects = {}          # source or header -> the objects that are made of it
         self.compiled = {}         # object -> its source and the compiler's command line
-        self.limits = {}           # test program -> seconds that it may take, the quickest first
-        self.left_out = {}         # test program -> tests that fail on the unchanged tree
+        self.limits = {}           # check -> seconds that it may take, the quickest first
+        self.left_out = {}         # check -> tests that fail on the unchanged tree
 
     # The unchanged tree.
 
@@ -118,24 +132,33 @@ class PrivateCopy:
                 path = os.path.relpath(os.path.normpath(self.build / line.strip()), self.tree)
                 self.objects.setdefault(path, []).append(name)
 
-    def measure(self):
-        """Runs every test program once: how long it takes, and what fails anyway."""
-        programs = [path for path in sorted((self.build / "bin").glob("test_*"))
+    def checks(self):
+        programs = [Check(path.name, (path,), (f"bin/{path.name}",))
+                    for path in sorted((self.build / "bin").glob("test_*"))
                     if os.access(path, os.X_OK)]
         if not programs:
             raise Problem(f"no test programs in {self.build / 'bin'}")
+        shown = subprocess.run(["ctest", "--test-dir", str(self.build), "--show-only=json-v1"],
+                               capture_output=True, text=True, check=True).stdout
+        commands = {test["name"]: test["command"] for test in json.loads(shown)["tests"]}
+        return programs + [Check(name, (*commands[name], *arguments), targets, False)
+                           for name, (targets, arguments) in SCRIPTS.items() if name in commands]
+
+    def measure(self):
+        """Runs every check once: how long it takes, and what fails anyway."""
         seconds = {}
-        for program in programs:
-            ran = run([program], BUILD_LIMIT, WORK)
+        for check in self.checks():
+            ran = run(list(check.command), BUILD_LIMIT, WORK)
             failed = sorted(set(re.findall(r"^\[  FAILED  \] ([\w./]+)", ran.output, re.M)))
-            if not ran.is_good and not (self.keep_going and failed):
-                raise Problem(f"{program.name} fails on the unchanged tree "
-                              f"(--keep-going leaves that out): {failed or ran.output[-500:]}")
+            if not ran.is_good and not (self.keep_going and failed and check.is_program):
+                raise Problem(f"{check.name} fails on the unchanged tree "
+                              f"(--keep-going leaves tests of a program out): "
+                              f"{failed or ran.output[-500:]}")
             if failed:
                 print(f"left out, for it fails on the unchanged tree: {', '.join(failed)}")
-            self.left_out[program], seconds[program] = failed, ran.seconds
-        for program in sorted(seconds, key=seconds.get):
-            self.limits[program] = min(max(10.0, 4 * seconds[program]), 300.0)
+            self.left_out[check], seconds[check] = failed, ran.seconds
+        for check in sorted(seconds, key=seconds.get):
+            self.limits[check] = min(max(10.0, 4 * seconds[check]), 300.0)
 
     # One change.
 
@@ -166,32 +189,34 @@ class PrivateCopy:
             return Outcome(change, NOT_BUILT)
         if len(self.objects[change.path]) == 1 and not self.differs(objects[0]):
             return Outcome(change, SAME_CODE)
-        near = self.near_programs(change.path)
-        outcome = self.judge_by(change, [f"bin/{program.name}" for program in near], near)
+        near = self.near_checks(change.path)
+        targets = [target for check in near for target in check.targets]
+        outcome = self.judge_by(change, targets, near)
         return outcome if outcome.kind != SURVIVED else self.judge_by(change, ["all"], self.limits)
 
-    def judge_by(self, change, targets, programs):
+    def judge_by(self, change, targets, checks):
         if targets and not self.ninja(*targets).is_good:
             return Outcome(change, NOT_BUILT)
         if targets == ["all"] and not any(self.differs(name) for name in self.objects[change.path]):
             return Outcome(change, SAME_CODE)
-        for program in programs:
-            ran = self.run_tests(program)
+        for check in checks:
+            ran = self.run_tests(check)
             if not ran.is_good:
-                return Outcome(change, CAUGHT, catcher(program, ran))
+                return Outcome(change, CAUGHT, catcher(check, ran))
         return Outcome(change, SURVIVED)
 
-    def run_tests(self, program):
-        command = [program, "--gtest_fail_fast"]
-        if self.left_out[program]:
-            command.append("--gtest_filter=-" + ":".join(self.left_out[program]))
-        return run(command, self.limits[program], WORK)
+    def run_tests(self, check):
+        command = list(check.command)
+        if check.is_program:
+            command.append("--gtest_fail_fast")
+        if self.left_out[check]:
+            command.append("--gtest_filter=-" + ":".join(self.left_out[check]))
+        return run(command, self.limits[check], WORK)
 
-    def near_programs(self, path):
+    def near_checks(self, path):
         """Those that bear the name of a folder above the file, the nearest first."""
-        found = {program.name: program for program in self.limits}
-        names = [f"test_{folder}" for folder in path.split("/")[-2::-1]]
-        return [found[name] for name in names if name in found]
+        found = {check.name.removeprefix("test_"): check for check in self.limits}
+        return [found[folder] for folder in path.split("/")[-2::-1] if folder in found]
 
     def product_objects(self, path):
         """The file's objects that are no tests', those of its own folder first."""
