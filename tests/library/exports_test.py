@@ -27,7 +27,8 @@ FILES = set("""
 SPEAKS_OF_FILES = re.compile(
     "open|file|dir|link|mk|tmp|temp|write|read|stat|chmod|attr|trunc|sync|name|syscall|creat|"
     "system|spawn|fork|exec|bind|uring")
-OTHERS = {"uname", "sched_getaffinity", "pthread_setname_np"}
+OTHERS = {"uname", "sched_getaffinity", "pthread_mutex_lock", "pthread_mutex_unlock",
+          "pthread_setname_np"}
 
 
 def symbols(which):
