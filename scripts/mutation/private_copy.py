@@ -140,9 +140,9 @@ class PrivateCopy:
             raise Problem(f"no test programs in {self.build / 'bin'}")
         shown = subprocess.run(["ctest", "--test-dir", str(self.build), "--show-only=json-v1"],
                                capture_output=True, text=True, check=True).stdout
-        commands = {test["name"]: test["command"] for test in json.loads(shown)["tests"]}
+        commands = {test["name"]: test.get("command") for test in json.loads(shown)["tests"]}
         return programs + [Check(name, (*commands[name], *arguments), targets, False)
-                           for name, (targets, arguments) in SCRIPTS.items() if name in commands]
+                           for name, (targets, arguments) in SCRIPTS.items() if commands.get(name)]
 
     def measure(self):
         """Runs every check once: how long it takes, and what fails anyway."""

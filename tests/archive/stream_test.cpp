@@ -291,7 +291,7 @@ TEST_F(FileStreams, DeliverWhatAShortFileHasAndOpenAnEmptyOneOnlyToFail) {
     EXPECT_EQ(dest, swap ? std::string("\0\0cba", 5) : "abc--");
     SStreamSrcFile empty(FileOf("", "empty"));
     EXPECT_TRUE(empty.Open(kRead));
-    swap ? empty.PeekByte() : empty.ReadByte();
+    EXPECT_EQ(swap ? empty.PeekByte() : empty.ReadByte(), 0);
     EXPECT_TRUE(empty.HasError());
   }
 }
