@@ -66,8 +66,8 @@ class SCreatingFileServices : public SWindowsFileServices {
 };
 
 bool SCreatingFileServices::MakeFile(const char* path, SystemError& error) {
-  const HANDLE made =
-      CreateFileA(path, GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  constexpr DWORD kFlags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
+  const HANDLE made = CreateFileA(path, GENERIC_WRITE, 0, nullptr, CREATE_NEW, kFlags, nullptr);
   if (Report(made != INVALID_HANDLE_VALUE, error)) {
     CloseHandle(made);
     return true;

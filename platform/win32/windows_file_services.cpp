@@ -27,8 +27,8 @@ DiskSpaceCall FindDiskSpaceCall() {
   return reinterpret_cast<DiskSpaceCall>(reinterpret_cast<void*>(call));
 }
 
-// Many kinds of file bear the mark of a reparse point, kept in a cloud or deduplicated: only these
-// two lead elsewhere.
+}  // namespace
+
 bool IsLink(const char* path) {
   WIN32_FIND_DATAA found;
   const HANDLE search = FindFirstFileA(path, &found);
@@ -39,8 +39,6 @@ bool IsLink(const char* path) {
   return found.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
          found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT;
 }
-
-}  // namespace
 
 bool SWindowsFileServices::Attributes(const char* path, FileAttributes& attributes,
                                       SystemError& error) {

@@ -5,6 +5,10 @@
 
 namespace kivstore {
 
+// Whether a reparse point leads elsewhere. Many kinds of file bear that mark, kept in a cloud or
+// deduplicated; only symbolic links and junctions do.
+bool IsLink(const char* path);
+
 class SWindowsFileServices : public SInertMakers {
  public:
   FileHandle Open(const char* path, FileAccess access, SystemError& error) override;

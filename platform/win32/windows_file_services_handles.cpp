@@ -17,14 +17,13 @@ HANDLE OpenExisting(const char* path, DWORD access, DWORD share, DWORD flags = 0
 HANDLE OpenToWrite(const char* path) {
   constexpr DWORD kAccess = GENERIC_READ | GENERIC_WRITE;
   const HANDLE file = OpenExisting(path, kAccess, 0, FILE_FLAG_OPEN_REPARSE_POINT);
-  FILE_ATTRIBUTE_TAG_INFO kind{};
-  if (file == INVALID_HANDLE_VALUE ||
-      !GetFileInformationByHandleEx(file, FileAttributeTagInfo, &kind, sizeof kind) ||
-      (kind.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+  BY_HANDLE_FILE_INFORMATION facts{};
+  if (file == INVALID_HANDLE_VALUE || !GetFileInformationByHandle(file, &facts) ||
+      (facts.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
     return file;
   }
   CloseHandle(file);
-  if (kind.ReparseTag != IO_REPARSE_TAG_SYMLINK) {
+  if (!IsLink(path)) {
     return OpenExisting(path, kAccess, 0);
   }
   SetLastError(kForeignLinkError);
