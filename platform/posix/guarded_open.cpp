@@ -39,11 +39,16 @@ int OpenAt(int base, const char* name, int flags, Descriptor& opened, mode_t mod
 
 // Through no link at all. O_PATH goes with few other flags.
 int OpenThroughNoLink(int base, const char* way, int flags, Descriptor& opened, mode_t mode) {
+  static bool isLacking = false;
+  if (isLacking) {
+    return ENOSYS;
+  }
   open_how how{};
   how.flags = static_cast<uint64_t>((flags & O_PATH) != 0 ? flags : flags | O_LARGEFILE);
   how.mode = mode;
   how.resolve = RESOLVE_NO_SYMLINKS;
   opened.Reset(static_cast<int>(syscall(SYS_openat2, base, way, &how, sizeof how)));
+  isLacking = !opened.IsOpen() && errno == ENOSYS;
   return opened.IsOpen() ? 0 : errno;
 }
 
