@@ -132,9 +132,11 @@ TEST_F(MovingTest, WhoHasAFileOpenStays) {
   if (kivtest::RunsUnderWine()) {
     GTEST_SKIP() << "there a folder moves though a file in it is open";
   }
-  const Holder other(Spec(kRoom + "/AnnLee/mark"));
-  EXPECT_EQ(WhyNot(MoveAnn()).substr(0, 16), "in use students ");
-  EXPECT_EQ(WhyNot(MoveRoom()).substr(0, 15), "in use classes ");
+  {
+    const Holder other(Spec(kRoom + "/AnnLee/mark"));
+    EXPECT_EQ(WhyNot(MoveAnn()).substr(0, 16), "in use students ");
+    EXPECT_EQ(WhyNot(MoveRoom()).substr(0, 15), "in use classes ");
+  }
   EXPECT_EQ(Changed(), Lines());
   EXPECT_EQ(classes.GetSize() + students.GetSize(), 5);
   EXPECT_EQ(owner.heard, Lines());
