@@ -1,4 +1,7 @@
 // Steps that the transactions on an entry share: adding, deleting, renaming, moving.
+//
+// Which lock, which order, which file first, and what each death leaves is told in docs/protocol/,
+// beside a model of it: whoever changes a step in this room changes it there.
 #pragma once
 
 #include "foundation/files/file_spec.h"
