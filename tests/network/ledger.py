@@ -97,15 +97,15 @@ class Ledger:
 
     # Options
 
-    def begin_option(self, entry, key, value, before):
-        """`before` is what it is where nobody has set it. None if another command is at it: which of
-        two came last nobody can say."""
+    def begin_option(self, entry, key, value, before, halfway=()):
+        """`before` is what it is where nobody has set it, `halfway` what else a death may leave. None
+        if another command is at it: which of two came last nobody can say."""
         with self.lock:
             if key in entry.busy:
                 return None
             entry.busy.add(key)
             entry.told.setdefault(key, before)
-            return OptionChange(self, entry, key, value)
+            return OptionChange(self, entry, key, value, halfway)
 
     # The judgement, when no command runs
 
@@ -190,6 +190,7 @@ class OptionChange:
     entry: Entry
     key: str
     value: object
+    halfway: tuple
 
     def done(self):
         self.end(lambda: self.entry.told.update({self.key: self.value}))
@@ -198,7 +199,7 @@ class OptionChange:
         self.end(lambda: None)
 
     def died(self):
-        self.end(lambda: self.entry.unsure.setdefault(self.key, []).append(self.value))
+        self.end(lambda: self.entry.unsure.setdefault(self.key, []).extend([self.value, *self.halfway]))
 
     def end(self, note):
         with self.ledger.lock:

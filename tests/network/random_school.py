@@ -310,9 +310,9 @@ class Worker(Actor):
     def begin(self, entry, to):
         return self.school.ledger.begin(entry.kind, entry, to)
 
-    def begin_option(self, entry, key, value):
+    def begin_option(self, entry, key, value, halfway=()):
         ledger = self.school.ledger
-        return entry and ledger.begin_option(entry, key, value, UNDECIDED[key])
+        return entry and ledger.begin_option(entry, key, value, UNDECIDED[key], halfway)
 
     def set_option(self, kind):
         entry, key, value = self.pick(kind), OPTIONS[self.number], str(self.draw.randrange(2, 30000))
@@ -320,8 +320,10 @@ class Worker(Actor):
         return change and ("options set", [*level(entry), f"{key}={value}"], change)
 
     def set_mission(self, kind):
-        entry, value = self.pick(kind), str(self.draw.randrange(2, 26))
-        change = self.begin_option(entry, MISSION, value)
+        """Told by two files; without the second a student is reported at the mission before."""
+        entry, mission = self.pick(kind), self.draw.randrange(2, 26)
+        value = str(mission)
+        change = self.begin_option(entry, MISSION, value, (str(mission - 1),))
         return change and ("progress", [*level(entry), "--mission", value, "--learned-keys", "yes"],
                            change)
 
