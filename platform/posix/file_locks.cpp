@@ -123,10 +123,10 @@ int FolderHold::TakeLocks(FolderReader& folder, Entries& others) {
   RawEntry entry;
   int failure = 0;
   while (failure == 0 && folder.Next(entry)) {
-    if (!entry.IsDots() && !(entry.type == DT_REG && IsLockFile(entry.Name()))) {
-      others.push_back({entry.name, entry.type});
-    } else if (!entry.IsDots()) {
+    if (entry.type == DT_REG && IsLockFile(entry.Name())) {
       failure = NoteBlocker(TakeLock(folder.GetDescriptor(), entry.name), entry.name);
+    } else if (!entry.IsDots()) {
+      others.push_back({entry.name, entry.type});
     }
   }
   return failure;

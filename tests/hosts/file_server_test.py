@@ -2,8 +2,8 @@
 
     file_server_test.py BIN
 
-The file server is this script: it opens files, tries again while that "would block", and looks after
-its own clients alone. No more is needed to stand for it: what counts is who has a file open.
+The file server is this script: it opens files, tries again while that "would block", and looks
+after its own clients alone. No more is needed to stand for it: what counts is who has a file open.
 """
 import contextlib
 import fcntl
@@ -97,7 +97,8 @@ class BesideAFileServer(unittest.TestCase):
         game = self.students / "AnnLee/autogame.zep"
         self.done("progress", "--class=Room", "--student=Ann Lee", "--mission=2")
         for path, how, commands in (
-                (self.students / "index.lok", os.O_RDWR, [["add", "student", "Ben", "--class=Room"]]),
+                (self.students / "index.lok", os.O_RDWR,
+                 [["add", "student", "Ben", "--class=Room"]]),
                 (self.students / "AnnLee/index.lok", os.O_RDWR,
                  [["progress", "--class=Room", "--student=Ann Lee", "--mission=3"],
                   ["delete", "class", "Room", "--yes"]]),
@@ -146,8 +147,8 @@ class BesideAFileServer(unittest.TestCase):
                 pass
 
     def test_nobody_writes_what_a_client_reads_behind_its_lock(self):
-        """A client of the server and two programs change one list at random: each sees it stand still
-        while it has the lock, and no change is lost."""
+        """Beside two programs that change a list a client takes its lock at random: the list stands
+        still meanwhile, and no change is lost."""
         print("seed", SEED)
         chance, over, moved = random.Random(SEED), threading.Event(), []
         rounds = 0
