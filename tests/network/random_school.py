@@ -420,7 +420,10 @@ class Play:
               f" {sum(entry.is_shown for entry in self.school.ledger.of_kind('student'))} students")
         for entry, text in self.school.ledger.faults:
             print("FAULT: " + text)
-            print("\n".join(self.programs.told(entry.names) if entry else []))
+            # A path has the folder's name, which is the first of its owner's without the blanks.
+            names = entry.names if entry else {name for name in self.school.ledger.by_name
+                                               if name.replace(" ", "") in text}
+            print("\n".join(self.programs.told(names)))
         if done < FEWEST:
             print(f"FAULT: fewer than {FEWEST} changes went through")
         is_good = not self.school.ledger.faults and done >= FEWEST
