@@ -12,8 +12,11 @@
 namespace kivstore {
 namespace {
 
-bool MakeIfMissing(SFileSpec& spec) {
-  return spec.IsExistingFolder() || (spec.IsValid() && !spec.Exists() && spec.CreateFolder(0));
+// The list's own folder, the last name of the way: placing stays on the first that is missing, and
+// whoever the list belongs to is not made by looking at it.
+bool MakeIfMissing(SFileSpec& spec, const SString& name) {
+  return spec.IsExistingFolder() ||
+         (spec.IsValid() && !spec.Exists() && spec.GetFileName() == name && spec.CreateFolder(0));
 }
 
 void AddDefaultTeacher(SSite& site) {
@@ -67,7 +70,8 @@ bool AddDefaultClass(SSite& site, SFileSpec& classes) {
 }
 
 bool FillClassList(SSite& site, SFileSpec& classes) {
-  return MakeIfMissing(classes) && (HasEntries(site, classes) || AddDefaultClass(site, classes));
+  return MakeIfMissing(classes, ClassesName()) &&
+         (HasEntries(site, classes) || AddDefaultClass(site, classes));
 }
 
 bool IsListed(const SFileSpec& classes, const SLoginNameObj& classEntry) {
@@ -98,7 +102,7 @@ bool PrepareTeacherList(SSite& site) {
   }
   SFileSpec spec;
   TeachersFolder(site, spec);
-  if (MakeIfMissing(spec)) {
+  if (MakeIfMissing(spec, ClassesName(kTextTeacherClasses))) {
     return true;
   }
   ReportStoreFailure(site, spec, ListKind::kTeachers);
@@ -132,7 +136,7 @@ bool PrepareStudentList(SSite& site, SLoginNameObj& classEntry) {
   }
   if (RestoreClassFolder(site, classEntry)) {
     StudentsFolder(site, spec, classEntry);
-    if (MakeIfMissing(spec)) {
+    if (MakeIfMissing(spec, CachedText<kTextStudents>())) {
       return true;
     }
   }

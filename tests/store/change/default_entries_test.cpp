@@ -114,6 +114,11 @@ TEST_F(DefaultEntriesTest, AStoreWithoutTeachersGetsTheDefaultTeacher) {
   EXPECT_EQ(Classes(), "TDefault folder Classes.zep/TDefault/Classes.zep/");
   EXPECT_EQ(temp.ReadFile("Classes.zep/index.kiv"), IndexBytes({{"TDefault", "TDefault", ""}}));
   EXPECT_TRUE(temp.Exists("Classes.zep/TDefault/Classes.zep/Default/Students"));
+  // Somebody has deleted the teacher meanwhile.
+  temp.Remove("Classes.zep/TDefault");
+  site.ForgetCountedClasses();
+  EXPECT_FALSE(PrepareClassList(site));
+  EXPECT_FALSE(temp.Exists("Classes.zep/TDefault"));
   // A whole store out of nothing.
   temp.Remove("Classes.zep");
   site.SelectTeacher(nullptr);
