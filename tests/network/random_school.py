@@ -110,7 +110,7 @@ class School:
         is_killed = code == -signal.SIGKILL
         if code == 0:
             change.done()
-        elif is_killed or "not all of it is written" in errors:
+        elif is_killed or "not all of it is" in errors:
             change.died()
         else:
             change.refused()
@@ -408,7 +408,8 @@ class Play:
                     to = Place(entry.place.parent, entry.place.name)
                     self.school.change(self.school.roots[0], "undelete", [entry.place.name],
                                        self.school.ledger.begin(kind, entry, to))
-        self.school.look(self.school.roots[-1], False)
+        # What a death left in something that was set aside is back with it.
+        self.school.look(self.school.roots[-1], self.programs.deaths > 0)
 
     def tell(self):
         outcomes = self.school.outcomes

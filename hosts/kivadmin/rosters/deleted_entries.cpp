@@ -10,6 +10,7 @@
 #include "hosts/common/console.h"
 #include "hosts/common/progress_bar.h"
 #include "hosts/common/store_text.h"
+#include "platform/platform.h"
 #include "store/change/setting_aside.h"
 #include "store/place/display_name.h"
 
@@ -159,17 +160,39 @@ void CollectFolders(const SFileSpec& folder, std::vector<SFileSpec>& all) {
   }
 }
 
+// A note is held for the moment that somebody lists what was deleted.
+bool DeletePatiently(SFileSpec& note) {
+  constexpr int kTries = 500;  // a millisecond each
+  for (int i = 1; !note.Delete(false); ++i) {
+    if (SFileSpec::LastFailure().error != SystemError::kSharingViolation || i == kTries) {
+      return false;
+    }
+    Platform().clock->Pause();
+  }
+  return true;
+}
+
 // The note first: from then on it is no longer offered, since some of it may be gone. Then members
 // ahead of what they are in; a teacher's take as long as there are students.
 void RemovePlace(const Session& session, const DeletedEntry& deleted) {
   SFileSpec note = NoteOf(deleted);
-  session.Need("remove", note, [&] { return note.Delete(false); });
+  session.Need("remove", note, [&] { return DeletePatiently(note); });
   std::vector<SFileSpec> folders{deleted.place};
   CollectFolders(deleted.place, folders);
   kivhost::ProgressBar bar("folders", folders.size(), false);
   for (; !folders.empty(); folders.pop_back()) {
     session.Need("remove", folders.back(), [&] { return folders.back().Delete(true); });
     bar.Advance();
+  }
+}
+
+// Where what was asked for is done, and only the rest stays.
+void RemoveRest(const Session& session, const DeletedEntry& deleted, const std::string& done) {
+  try {
+    RemovePlace(session, deleted);
+  } catch (const HostError& error) {
+    throw HostError(kNoStore, done + ", but not all of it is removed: " + error.what() +
+                                  "; kivadmin purge removes the rest");
   }
 }
 
@@ -245,14 +268,14 @@ SLoginNameObj PutBack(const Session& session, const DeletedEntry& deleted) {
     return isBack;
   });
   if (!session.IsDryRun()) {
-    RemovePlace(session, deleted);
+    RemoveRest(session, deleted, "put back " + deleted.Text());
   }
   return entry;
 }
 
 void Purge(const Session& session, const DeletedEntry& deleted) {
   if (!session.IsDryRun()) {
-    RemovePlace(session, deleted);
+    RemoveRest(session, deleted, "deleted " + deleted.Text());
   }
 }
 
