@@ -46,6 +46,18 @@ bool SFile::Open(int32_t newMode, const SFileSpec& spec, int32_t* error) {
   return isOpen || NoteFileFailure(path, failure);
 }
 
+bool SFile::OpenPatiently(const SFileSpec& spec) {
+  constexpr int kTries = 200;  // a millisecond each
+  int32_t error = kSuccess;
+  for (int i = 1; !Open(kWrite, spec, &error); ++i) {
+    if (error != kSharingViolation || i == kTries) {
+      return false;
+    }
+    Platform().clock->Pause();
+  }
+  return true;
+}
+
 bool SFile::Close() {
   if (!isOpen) {
     return false;

@@ -27,6 +27,9 @@ class SFile {
 
   // Closes what was open. False without a system call for a spec that is not valid and existing.
   bool Open(int32_t mode, const SFileSpec& spec, int32_t* error = nullptr);
+  // To write; whoever has it open for a moment, to read it, is waited for: a fifth of a second at
+  // most. For files that their list's lock keeps from other writers.
+  bool OpenPatiently(const SFileSpec& spec);
   bool Close();  // true if it was open
   bool IsOpen() const { return isOpen; }
   // Whether the path it was opened by still leads to it.

@@ -69,7 +69,7 @@ void WriteNames(SFileSpec& spec, const SStringArray& names) {
     spec.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0);
   }
   SFile target;
-  if (!target.Open(SFile::kWrite, spec)) {
+  if (!target.OpenPatiently(spec)) {
     return;
   }
   SComposedFile contents;

@@ -141,7 +141,7 @@ void WriteHalf(SBinaryStream& stream, const std::optional<List>& half) {
 
 bool WriteIndexFile(const SFileSpec& file, const SIndexObj& index) {
   SFile target;
-  if (!target.Open(SFile::kWrite, file)) {
+  if (!target.OpenPatiently(file)) {
     return true;
   }
   SComposedFile contents;

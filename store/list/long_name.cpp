@@ -14,7 +14,7 @@ bool WriteLongName(const SFileSpec& folder, const SString& first, const SString&
     file.CreateFile(FindFileType(kFileTypeStore), 0, 0, 0);
   }
   SFile target;
-  if (!target.Open(SFile::kWrite, file)) {
+  if (!target.OpenPatiently(file)) {
     return false;
   }
   SComposedFile contents;
