@@ -55,16 +55,22 @@ bool SetAside(SSite& site, const SFileSpec& list, ListKind kind, const SLoginNam
 }
 
 bool PutBack(SSite& site, const SFileSpec& list, ListKind kind, const SFileSpec& aside,
-             SLoginNameObj& entry) {
+             const IsMeant& isMeant, SLoginNameObj& entry) {
   SFileSpec spec(list);
   SLockFile lock(site);
   if (!TakeList(site, lock, spec, kind)) {
     return false;
   }
   SFileSpec name(aside);
+  if (!name.Refresh()) {
+    return Fail(site, kind, FailureKind::kNoEntry, aside);
+  }
   if (!name.Down(CachedText<kTextLongNameFile>()) ||
       !ReadLongName(name, entry.firstName, entry.lastName) || entry.firstName.IsEmpty()) {
     return Fail(site, kind, FailureKind::kDamaged, name);
+  }
+  if (!isMeant(entry)) {
+    return Fail(site, kind, FailureKind::kNoEntry, aside);
   }
   entry.folderName = FreeName(spec, aside, entry);
   if (entry.folderName.IsEmpty() || IsNameThere(site, spec, entry)) {

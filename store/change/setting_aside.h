@@ -6,6 +6,8 @@
 // needs it on the same file system.
 #pragma once
 
+#include <functional>
+
 #include "store/list/entries.h"
 #include "store/place/site.h"
 
@@ -18,8 +20,11 @@ bool SetAside(SSite& site, const SFileSpec& list, ListKind kind, const SLoginNam
               const SFileSpec& place);
 
 // The folder `aside` comes back into `list` under its own names, which `entry` gets with the folder
-// name that it has there: its old one, or if that is taken a new one.
+// name that it has there: its old one, or if that is taken a new one. Under the list's lock
+// `isMeant` is asked whether it still is who was to come back: somebody else may have brought that
+// one back, and another may lie in its place.
+using IsMeant = std::function<bool(const SLoginNameObj& owner)>;
 bool PutBack(SSite& site, const SFileSpec& list, ListKind kind, const SFileSpec& aside,
-             SLoginNameObj& entry);
+             const IsMeant& isMeant, SLoginNameObj& entry);
 
 }  // namespace kivstore

@@ -259,8 +259,12 @@ SLoginNameObj PutBack(const Session& session, const DeletedEntry& deleted) {
   const SFileSpec list = ListOf(session, deleted);
   SLoginNameObj entry;
   session.Change("put back " + deleted.Text(), [&] {
-    const bool isBack =
-        kivstore::PutBack(session.Site(), list, KindOfLevel(deleted), deleted.folder, entry);
+    const bool isBack = kivstore::PutBack(
+        session.Site(), list, KindOfLevel(deleted), deleted.folder,
+        [&](const SLoginNameObj& owner) {
+          return session.Show(DisplayName(owner)) == deleted.name;
+        },
+        entry);
     if (session.Site().GetFailure().kind == FailureKind::kNameTaken) {
       throw HostError(kRefused, "unable to put back " + deleted.Text() + ": " + session.Show(list) +
                                     " has that name already; rename the one there first");

@@ -246,8 +246,10 @@ TEST_F(DeletingTest, WhoIsSetAsideComesBackUnderAFreeName) {
   const auto setAside = [&](const char* to) {
     return SetAside(site, Spec(kRoom), ListKind::kStudents, ann, Spec(to));
   };
+  bool isMeant = true;
   const auto putBack = [&](const char* from, SLoginNameObj& entry) {
-    return PutBack(site, Spec(kRoom), ListKind::kStudents, Spec(from), entry);
+    const auto ask = [&](const SLoginNameObj& owner) { return isMeant && owner.lastName == "Lee"; };
+    return PutBack(site, Spec(kRoom), ListKind::kStudents, Spec(from), ask, entry);
   };
   if (!RunsUnderWine()) {  // where a folder moves though a file in it is open
     {
@@ -259,7 +261,11 @@ TEST_F(DeletingTest, WhoIsSetAsideComesBackUnderAFreeName) {
   EXPECT_TRUE(setAside("1"));
   temp.WriteFile(kRoom + "/1/longname.kiv", LongNameBytes("One"));
   SLoginNameObj entry;
+  isMeant = false;
+  EXPECT_EQ(WhyNot(putBack("1", entry)), "no entry students 1/");
+  isMeant = true;
   EXPECT_TRUE(putBack("1", entry));
+  EXPECT_EQ(WhyNot(putBack("1", entry)), "no entry students 1") << "by two at once";
   EXPECT_EQ(entry.folderName, "AnnLee");  // the name of her own, where "1" is taken
   EXPECT_EQ(temp.ReadFile(kRoom + "/AnnLee/mark"), "Ann");
   EXPECT_TRUE(setAside("2"));

@@ -107,7 +107,8 @@ TEST_F(KillTable, WhoIsSetAsideIsInOnePlace) {
     };
     const auto run = [&] {
       const SFileSpec spec = Spec(aside + "/AnnLee");
-      answer = putsBack ? PutBack(site, Spec(kRoom), ListKind::kStudents, spec, back)
+      const auto isMeant = [](const SLoginNameObj&) { return true; };
+      answer = putsBack ? PutBack(site, Spec(kRoom), ListKind::kStudents, spec, isMeant, back)
                         : SetAside(site, Spec(kRoom), ListKind::kStudents, ann, spec);
     };
     const auto check = [&](bool struck, bool) {
