@@ -17,8 +17,10 @@ int main(int argc, char** argv) {
   }
   const bool reading = std::string(argv[2]) == "r";
   SystemError error = SystemError::kNone;
-  Platform().files->Open(argv[1], reading ? FileAccess::kRead : FileAccess::kReadWrite, error);
-  if (error != SystemError::kNone) {
+  IFileServices& files = *Platform().files;
+  const FileHandle file =
+      files.Open(argv[1], reading ? FileAccess::kRead : FileAccess::kReadWrite, error);
+  if (file == nullptr) {
     return 1;
   }
   std::ofstream(argv[3]).close();
@@ -26,5 +28,6 @@ int main(int argc, char** argv) {
   while (std::filesystem::exists(argv[3]) && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  return 0;  // and the system closes what is open
+  files.Close(file);
+  return 0;
 }

@@ -121,7 +121,7 @@ void Session::Need(const std::string& what, const SFileSpec& file,
   throw kivhost::Unable(what, Site().GetFailure());
 }
 
-HostError Session::NoFolder(SFileSpec folder, HostError otherwise) const {
+HostError Session::NoFolder(SFileSpec folder, const HostError& otherwise) const {
   const uint32_t known = SFileSpec::LastFailure().number;
   folder.Refresh();
   return SFileSpec::LastFailure().number == known

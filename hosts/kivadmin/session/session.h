@@ -75,7 +75,7 @@ class Session {
   void Need(const std::string& what, const kivstore::SFileSpec& file,
             const std::function<bool()>& operation) const;
   // To be thrown where a folder should stand: what is in the way there, or `otherwise`.
-  HostError NoFolder(kivstore::SFileSpec folder, HostError otherwise) const;
+  HostError NoFolder(kivstore::SFileSpec folder, const HostError& otherwise) const;
   void TakeLock(kivstore::SLockFile& lock, const std::string& what) const;
   // Of a list's index, or of an entry's folder.
   void TakeIndexLock(kivstore::SLockFile& lock, const kivstore::SFileSpec& folder,
