@@ -61,7 +61,9 @@ class LaidStore : public FuzzSite {
     }
   }
   ~LaidStore() {
-    std::for_each(held.begin(), held.end(), [&](FileHandle file) { disk.Close(file); });
+    for (const auto& [path, file] : held) {
+      disk.Close(file.handle);
+    }
   }
 
   Tree Entries() const {
@@ -69,8 +71,11 @@ class LaidStore : public FuzzSite {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.Path())) {
       const std::string path = entry.path().generic_string().substr(folder.Path().size() + 1);
       const FileAttributes there = AttributesOf(path);
-      tree[path] = {there.folder ? "" : folder.ReadFile(path), there.folder, there.hidden,
-                    there.readOnly};
+      const auto file = held.find(path);
+      tree[path] = {there.folder         ? ""
+                    : file != held.end() ? file->second.bytes
+                                         : folder.ReadFile(path),
+                    there.folder, there.hidden, there.readOnly};
     }
     return tree;
   }
@@ -109,13 +114,20 @@ class LaidStore : public FuzzSite {
                                .readOnly = (marks & kPlaceIsReadOnly) != 0};
     disk.SetAttributes(folder.Path(path).c_str(), asked, error);
     if ((marks & kPlaceIsHeld) != 0 && !isFolder && !RunsUnderWine()) {
-      held.push_back(disk.Open(folder.Path(path).c_str(), FileAccess::kReadWrite, error));
-      held.resize(held.size() - (held.back() == nullptr ? 1 : 0));
+      const FileHandle handle = disk.Open(folder.Path(path).c_str(), FileAccess::kReadWrite, error);
+      if (handle != nullptr) {
+        held[path] = {handle, bytes};
+      }
     }
     return true;
   }
 
-  std::vector<FileHandle> held;
+  // Open alone: nobody writes it, and whoever reads it without asking waits.
+  struct HeldFile {
+    FileHandle handle;
+    std::string bytes;
+  };
+  std::map<std::string, HeldFile> held;
 };
 
 bool IsNamed(const std::string& path, const char* name) {
