@@ -238,8 +238,7 @@ TEST_P(Streams, KeepTheFirstErrorAndRefuseWhatDoesNotFit) {
 
 // What one kind of stream does and no other.
 
-constexpr int32_t kRead = SStreamSource::kRead;
-constexpr int32_t kWrite = SStreamSource::kWrite;
+constexpr int32_t kRead = SStreamSource::kRead, kWrite = SStreamSource::kWrite;
 
 class FileStreams : public kivtest::FileTest {
  protected:

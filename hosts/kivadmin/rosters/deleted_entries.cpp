@@ -72,12 +72,17 @@ std::string ListBelowTop(const Session& session, const SFileSpec& list) {
       list.GetPath().View().substr(std::min(top.size(), list.GetPath().View().size())));
 }
 
-void WriteNote(const DeletedEntry& deleted) {
+SFileSpec NoteOf(const DeletedEntry& deleted) {
   SFileSpec note(deleted.place);
   note.Down(kNoteFile);
-  kivhost::WriteStoreText(note, "level=" + deleted.level + "\nname=" + deleted.name +
-                                    "\nof=" + deleted.of + "\nlist=" + deleted.list +
-                                    "\nwhen=" + deleted.when + "\nby=" + deleted.by + '\n');
+  return note;
+}
+
+void WriteNote(const DeletedEntry& deleted) {
+  kivhost::WriteStoreText(NoteOf(deleted), "level=" + deleted.level + "\nname=" + deleted.name +
+                                               "\nof=" + deleted.of + "\nlist=" + deleted.list +
+                                               "\nwhen=" + deleted.when + "\nby=" + deleted.by +
+                                               '\n');
 }
 
 void TakeLine(DeletedEntry& deleted, const std::string& line) {
@@ -96,12 +101,6 @@ void TakeLine(DeletedEntry& deleted, const std::string& line) {
   }
 }
 
-SFileSpec NoteOf(const DeletedEntry& deleted) {
-  SFileSpec note(deleted.place);
-  note.Down(kNoteFile);
-  return note;
-}
-
 // By the form of its name: 20261121-235501-AnnLee.
 bool IsPlaceOfDelete(const SFileSpec& place) {
   constexpr std::string_view kForm = "dddddddd-dddddd-";
@@ -112,8 +111,19 @@ bool IsPlaceOfDelete(const SFileSpec& place) {
          });
 }
 
+// In the form of DeletedEntry::when.
+std::string WhenByName(const SFileSpec& place) {
+  const std::string name(place.GetFileName().View());
+  const auto part = [&](size_t at, size_t count) { return name.substr(at, count); };
+  return part(0, 4) + '-' + part(4, 2) + '-' + part(6, 2) + ' ' + part(9, 2) + ':' + part(11, 2) +
+         ':' + part(13, 2);
+}
+
+// One that has no note yet, or none any more, is as old as its name says: it may be a delete that
+// is on its way just now.
 void ReadNote(DeletedEntry& deleted) {
   const SFileSpec note = NoteOf(deleted);
+  deleted.when = WhenByName(deleted.place);
   if (!note.IsExistingFile()) {
     return;
   }
