@@ -13,10 +13,6 @@ constexpr uint16_t kAllFiles = SFileFinder::kFiles | SFileFinder::kVisible | SFi
 constexpr uint16_t kAllFolders =
     SFileFinder::kFolders | SFileFinder::kVisible | SFileFinder::kHidden;
 
-IFileServices& Files() {
-  return *Platform().files;
-}
-
 bool IsNameAllowed(const SString& name) {
   return !name.IsEmpty() && name.GetLength() <= 255 &&
          name.View().find_first_of("\\/\t\n\r") == std::string_view::npos;
@@ -25,7 +21,7 @@ bool IsNameAllowed(const SString& name) {
 bool IsLink(const SString& path) {
   FileAttributes attributes;
   SystemError error;
-  return Files().Attributes(path.GetText(), attributes, error) && attributes.link;
+  return Platform().files->Attributes(path.GetText(), attributes, error) && attributes.link;
 }
 
 }  // namespace
@@ -37,7 +33,7 @@ SString SFileSpec::WithoutBackslash() const {
 // So that a folder can go in which this process stands.
 void SFileSpec::LeaveCurrentFolder() const {
   char current[4096];
-  if (!Files().CurrentFolder(current, sizeof current)) {
+  if (!Platform().files->CurrentFolder(current, sizeof current)) {
     return;
   }
   const std::string_view folder = path.View();
@@ -45,7 +41,7 @@ void SFileSpec::LeaveCurrentFolder() const {
     return;
   }
   const bool hasDrive = path.GetAt(1) == ':';
-  Files().SetCurrentFolder(hasDrive ? path.Left(3).GetText() : "\\");
+  Platform().files->SetCurrentFolder(hasDrive ? path.Left(3).GetText() : "\\");
 }
 
 bool SFileSpec::Delete(bool recursive) {
@@ -64,7 +60,7 @@ bool SFileSpec::DeleteStep(bool recursive, int depth) {
 
 bool SFileSpec::DeleteFile() {
   SystemError error;
-  if (!Files().Delete(path.GetText(), error)) {
+  if (!Platform().files->Delete(path.GetText(), error)) {
     return NoteFileFailure(path, error);
   }
   exists = false;
@@ -80,7 +76,7 @@ bool SFileSpec::DeleteFolder(bool recursive, int depth) {
   }
   LeaveCurrentFolder();
   SystemError error;
-  if (!Files().RemoveFolder(bare.GetText(), error)) {
+  if (!Platform().files->RemoveFolder(bare.GetText(), error)) {
     // That it is not empty is known already, by what stayed in it.
     return LastFailure().number != known ? false : NoteFileFailure(bare, error);
   }
@@ -135,7 +131,8 @@ bool SFileSpec::RenameOnDisk(const SString& newName) const {
   }
   const SString bare = WithoutBackslash();
   SystemError error;
-  return Files().Move(bare.GetText(), target.GetPathText(), error) || NoteFileFailure(bare, error);
+  return Platform().files->Move(bare.GetText(), target.GetPathText(), error) ||
+         NoteFileFailure(bare, error);
 }
 
 bool SFileSpec::RenameTo(const SFileSpec& place) {
@@ -151,11 +148,12 @@ bool SFileSpec::RenameTo(const SFileSpec& place) {
   const SString bare = WithoutBackslash();
   const SString target = place.path;
   SystemError error;
-  if (!Files().Move(bare.GetText(), target.GetText(), error)) {
-    const SString blocker(Files().BlockingFile());
+  if (!Platform().files->Move(bare.GetText(), target.GetText(), error)) {
+    const SString blocker(Platform().files->BlockingFile());
     return NoteFileFailure(blocker.IsEmpty() ? bare : blocker, error);
   }
-  return Set(target);
+  Set(target);
+  return true;  // though somebody may have taken it away again, or what it is in
 }
 
 // What stopped the copying tells more only if it is the same refusal further in, or if moving was
@@ -182,7 +180,7 @@ bool SFileSpec::MoveTo(const SFileSpec& target) {
   }
   const SString bare = WithoutBackslash();
   SystemError error;
-  if (!Files().Move(bare.GetText(), place.GetPathText(), error)) {
+  if (!Platform().files->Move(bare.GetText(), place.GetPathText(), error)) {
     return MoveTree(place) || NoteRefusedMove(bare, error);
   }
   Set(place.path);
@@ -196,8 +194,9 @@ bool SFileSpec::MoveTree(const SFileSpec& target) {
   SFileSpec place(target);
   if (!isFolder) {
     SystemError error;
-    return Files().Move(path.GetText(), place.GetPathText(), error) ? Set(place.path)
-                                                                    : NoteFileFailure(path, error);
+    return Platform().files->Move(path.GetText(), place.GetPathText(), error)
+               ? Set(place.path)
+               : NoteFileFailure(path, error);
   }
   if (CopyFolders(place, 0) && CopyFiles(place, 0)) {
     Delete(true);

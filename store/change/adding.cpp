@@ -26,12 +26,12 @@ struct AddLevel {
   bool endsInFolder;
 };
 
-constexpr AddLevel kTeacherLevel = {
+constexpr AddLevel kAddTeacher = {
     ListKind::kTeachers,  kMaxTeachers, kTextTeacher, kTextTeacherListFull,
     kTextTeacherNotAdded, false,        false};
-constexpr AddLevel kClassLevel = {ListKind::kClasses, kMaxClasses, kTextClass, kTextClassListFull,
-                                  kTextClassNotAdded, true,        false};
-constexpr AddLevel kStudentLevel = {
+constexpr AddLevel kAddClass = {ListKind::kClasses, kMaxClasses, kTextClass, kTextClassListFull,
+                                kTextClassNotAdded, true,        false};
+constexpr AddLevel kAddStudent = {
     ListKind::kStudents,  kMaxStudents, kTextStudent, kTextStudentListFull,
     kTextStudentNotAdded, false,        true};
 
@@ -113,7 +113,7 @@ bool AddEntryAt(SSite& site, SFileSpec& spec, const SString& first, const SStrin
                 SString& folderOut, const AddLevel& level, const FillFolder& fill) {
   const SString display = DisplayName(first, last);
   SLockFile lock(site);
-  if (!IsFolderThere(site, spec) || !LockIndex(lock, spec, level.list, false)) {
+  if (!LockList(site, lock, spec, level.list, false)) {
     return FailPlainly(site, level, display, spec);
   }
   SLoginNameObj entry(first, last, SString());
@@ -143,17 +143,17 @@ bool AddEntryAt(SSite& site, SFileSpec& spec, const SString& first, const SStrin
 
 bool AddTeacherAt(SSite& site, SFileSpec& spec, const SString& name, SString& folderOut,
                   const FillFolder& fill) {
-  return site.IsShared() && AddEntryAt(site, spec, name, SString(), folderOut, kTeacherLevel, fill);
+  return site.IsShared() && AddEntryAt(site, spec, name, SString(), folderOut, kAddTeacher, fill);
 }
 
 bool AddClassAt(SSite& site, SFileSpec& spec, const SString& name, SString& folderOut,
                 const FillFolder& fill) {
-  return AddEntryAt(site, spec, name, SString(), folderOut, kClassLevel, fill);
+  return AddEntryAt(site, spec, name, SString(), folderOut, kAddClass, fill);
 }
 
 bool AddStudentAt(SSite& site, SFileSpec& spec, const SString& first, const SString& last,
                   SString& folderOut, const FillFolder& fill) {
-  return AddEntryAt(site, spec, first, last, folderOut, kStudentLevel, fill);
+  return AddEntryAt(site, spec, first, last, folderOut, kAddStudent, fill);
 }
 
 bool CheckStudentName(SSite& site, const SLoginNameObj& classEntry, const SString& first,

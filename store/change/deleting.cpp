@@ -117,7 +117,7 @@ bool DeleteTeacher(SSite& site, const SLoginNameObj& teacher, SLoginList& list) 
   SFileSpec spec;
   TeachersFolder(site, spec);
   SLockFile listLock(site);
-  if (!IsFolderThere(site, spec) || !LockIndex(listLock, spec, ListKind::kTeachers, true)) {
+  if (!LockList(site, listLock, spec, ListKind::kTeachers, true)) {
     return FailOnMissing(site, ListKind::kTeachers, spec);
   }
   const SFileSpec listFolder(spec);
@@ -142,8 +142,8 @@ bool DeleteClass(SSite& site, const SLoginNameObj& classEntry, SLoginList& list,
   SFileSpec spec;
   ClassesFolder(site, spec);
   SLockFile listLock(site);
-  if (!IsFolderThere(site, spec) ||
-      (standAlone && !LockIndex(listLock, spec, ListKind::kClasses, true))) {
+  if (standAlone ? !LockList(site, listLock, spec, ListKind::kClasses, true)
+                 : !IsFolderThere(site, spec)) {
     return FailOnMissing(site, ListKind::kClasses, spec);
   }
   const SFileSpec listFolder(spec);
@@ -180,8 +180,8 @@ bool DeleteStudent(SSite& site, const SLoginNameObj& classEntry, const SLoginNam
   SFileSpec spec;
   StudentsFolder(site, spec, group);
   SLockFile listLock(site);
-  if (!IsFolderThere(site, spec) ||
-      (standAlone && !LockIndex(listLock, spec, ListKind::kClasses, true))) {
+  if (standAlone ? !LockList(site, listLock, spec, ListKind::kClasses, true)
+                 : !IsFolderThere(site, spec)) {
     return FailOnMissing(site, ListKind::kStudents, spec);
   }
   const SFileSpec listFolder(spec);

@@ -139,6 +139,8 @@ bool EntryMove::TakeLocks() {
   SLockFile& first = sourceFirst ? sourceLock : destinationLock;
   SLockFile& second = sourceFirst ? destinationLock : sourceLock;
   return first.Lock() && second.Lock() && entryLock.Lock() &&
+         IsListStillThere(site, sourceLock, sourceFolder, ListKind::kClasses) &&
+         IsListStillThere(site, destinationLock, destinationFolder, ListKind::kClasses) &&
          (IsEntryOf(sourceFolder, entry) || Fail(FailureKind::kMissing, entryFolder));
 }
 

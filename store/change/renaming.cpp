@@ -49,10 +49,11 @@ bool StayInFolder(SSite&, SFileSpec&, const SLoginNameObj&) {
   return true;
 }
 
-constexpr RenameLevel kTeacherLevel = {ListKind::kTeachers, ListKind::kClasses, GoToClasses, false};
-constexpr RenameLevel kClassLevel = {ListKind::kClasses, ListKind::kClasses, GoToStudents, false};
-constexpr RenameLevel kStudentLevel = {ListKind::kStudents, ListKind::kStudents, StayInFolder,
-                                       true};
+constexpr RenameLevel kRenameTeacher = {ListKind::kTeachers, ListKind::kClasses, GoToClasses,
+                                        false};
+constexpr RenameLevel kRenameClass = {ListKind::kClasses, ListKind::kClasses, GoToStudents, false};
+constexpr RenameLevel kRenameStudent = {ListKind::kStudents, ListKind::kStudents, StayInFolder,
+                                        true};
 
 bool FailOnMissing(SSite& site, const RenameLevel& level, const SFileSpec& spec) {
   site.NoteFailure(FailureKind::kMissing, spec.GetPath(), level.listLock);
@@ -72,7 +73,7 @@ bool RenameEntry(SSite& site, SFileSpec& spec, const SLoginNameObj& entry, SLogi
     return FailOnEntry(site, level, spec);
   }
   SLockFile listLock(site);
-  if (!IsFolderThere(site, spec) || !LockIndex(listLock, spec, level.listLock, false)) {
+  if (!LockList(site, listLock, spec, level.listLock, false)) {
     return FailOnMissing(site, level, spec);
   }
   SFileSpec inside(spec);
@@ -139,7 +140,7 @@ bool RenameTeacher(SSite& site, const SLoginNameObj& teacher, SLoginList& list,
   PrepareTeacherList(site);
   SFileSpec spec;
   TeachersFolder(site, spec);
-  if (!RenameEntry(site, spec, teacher, list, name, SString(), kTeacherLevel)) {
+  if (!RenameEntry(site, spec, teacher, list, name, SString(), kRenameTeacher)) {
     return false;
   }
   if (site.GetOwner() != nullptr) {
@@ -155,7 +156,7 @@ bool RenameClass(SSite& site, const SLoginNameObj& classEntry, SLoginList& list,
   PrepareClassList(site);
   SFileSpec spec;
   ClassesFolder(site, spec);
-  if (!RenameEntry(site, spec, classEntry, list, name, SString(), kClassLevel)) {
+  if (!RenameEntry(site, spec, classEntry, list, name, SString(), kRenameClass)) {
     return false;
   }
   if (site.GetOwner() != nullptr) {
@@ -172,7 +173,7 @@ bool RenameStudent(SSite& site, const SLoginNameObj& classEntry, const SLoginNam
   PrepareStudentList(site, group);
   SFileSpec spec;
   StudentsFolder(site, spec, group);
-  if (!RenameEntry(site, spec, student, list, newFirst, newLast, kStudentLevel)) {
+  if (!RenameEntry(site, spec, student, list, newFirst, newLast, kRenameStudent)) {
     return false;
   }
   if (site.GetOwner() != nullptr) {

@@ -15,11 +15,6 @@ bool Fail(SSite& site, ListKind kind, FailureKind why, const SFileSpec& where) {
   return false;
 }
 
-bool TakeList(SSite& site, SLockFile& lock, SFileSpec& list, ListKind kind) {
-  return IsFolderThere(site, list) ? LockIndex(lock, list, kind, true)
-                                   : Fail(site, kind, FailureKind::kMissing, list);
-}
-
 // The name that the folder comes back under; empty if somebody of its name is there.
 SString FreeName(const SFileSpec& list, const SFileSpec& aside, const SLoginNameObj& entry) {
   SFileSpec place(list);
@@ -37,7 +32,7 @@ bool SetAside(SSite& site, const SFileSpec& list, ListKind kind, const SLoginNam
               const SFileSpec& place) {
   SFileSpec spec(list);
   SLockFile lock(site);
-  if (!TakeList(site, lock, spec, kind)) {
+  if (!LockList(site, lock, spec, kind, true)) {
     return false;
   }
   const SFileSpec listFolder(spec);
@@ -58,7 +53,7 @@ bool PutBack(SSite& site, const SFileSpec& list, ListKind kind, const SFileSpec&
              const IsMeant& isMeant, SLoginNameObj& entry) {
   SFileSpec spec(list);
   SLockFile lock(site);
-  if (!TakeList(site, lock, spec, kind)) {
+  if (!LockList(site, lock, spec, kind, true)) {
     return false;
   }
   SFileSpec name(aside);

@@ -62,6 +62,23 @@ bool IsFolderThere(const SSite& site, SFileSpec& spec) {
   return spec.IsExistingFolder();
 }
 
+bool LockList(SSite& site, SLockFile& lock, SFileSpec& folder, ListKind kind, bool quiet) {
+  if (!IsFolderThere(site, folder)) {
+    site.NoteFailure(FailureKind::kMissing, folder.GetPath(), kind);
+    return false;
+  }
+  return LockIndex(lock, folder, kind, quiet) && IsListStillThere(site, lock, folder, kind);
+}
+
+bool IsListStillThere(SSite& site, SLockFile& lock, const SFileSpec& folder, ListKind kind) {
+  if (lock.IsStillThere()) {
+    return true;
+  }
+  lock.Unlock();
+  site.NoteFailure(FailureKind::kMissing, folder.GetPath(), kind);
+  return false;
+}
+
 bool IsKnownMissing(const SFileSpec& spec) {
   constexpr int16_t kNotFound = 2;
   return !spec.Exists() && SFileSpec::GetLastError() == kNotFound;

@@ -17,6 +17,12 @@ inline constexpr const char* kNoTeacherName = "TDefault";
 
 // Whether the folder is there, by the disk as it is now if others may change it.
 bool IsFolderThere(const SSite& site, SFileSpec& spec);
+// Takes the lock of a list that is to be changed, its folder looked at ahead. Between the look and
+// the lock somebody may have set aside what the list is in, and the lock's file with it: behind the
+// lock its path must still lead to it. If not the lock is let go and the reason noted.
+bool LockList(SSite& site, SLockFile& lock, SFileSpec& folder, ListKind kind, bool quiet);
+// The second half of it, of a lock that is held.
+bool IsListStillThere(SSite& site, SLockFile& lock, const SFileSpec& folder, ListKind kind);
 // Right after a step down: nothing is there, and it was not the look that failed. What may be there
 // is neither gone nor to be made.
 bool IsKnownMissing(const SFileSpec& spec);

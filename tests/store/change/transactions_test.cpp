@@ -3,6 +3,9 @@
 // disk has no room.
 #include "tests/store/change/transactions.h"
 
+#include <filesystem>
+#include <fstream>
+
 #include "tests/support/fault_file_services.h"
 #include "tests/support/wine.h"
 
@@ -36,6 +39,35 @@ class Refusals : public TransactionFixture {
     const SPlatformOverride<IFileServices> installed(Platform().files, &services);
     return transaction.run();
   }
+};
+
+// Sets aside what a list is in, behind its n-th opening and ahead of the lock, and puts another of
+// the name there.
+class TakenAway : public SForwardingFileServices {
+ public:
+  TakenAway(IFileServices& inner, const std::string& list, int n)
+      : SForwardingFileServices(inner), list(list), strike(n) {}
+  FileHandle Open(const char* path, FileAccess access, SystemError& error) override {
+    const FileHandle file = inner.Open(path, access, error);
+    std::string place(path);
+    std::replace(place.begin(), place.end(), '\\', '/');
+    if (place.ends_with(list + "/index.lok") && ++openings == strike) {
+      const std::string folder = place.substr(0, place.rfind('/'));
+      std::filesystem::rename(folder, folder + "-gone");
+      // Nobody reads a lock's file while it is held alone.
+      using std::filesystem::copy_options;
+      std::filesystem::copy(folder + "-gone", folder,
+                            copy_options::recursive | copy_options::create_hard_links);
+      std::filesystem::remove(place);
+      std::ofstream{place};
+    }
+    return file;
+  }
+  int openings = 0;
+
+ private:
+  std::string list;
+  int strike;
 };
 
 class Effects : public TransactionFixture {
@@ -212,5 +244,33 @@ TEST_F(Refusals, AFullDiskCostsNobody) {
     CheckStore(transaction, ListAll(), false);
   }
 }
+
+#ifndef _WIN32  // where an open file keeps its folder
+// Whoever holds the lock of a list that was set aside meanwhile holds nothing of the one that
+// stands there now.
+TEST_F(Refusals, AListThatWasTakenAwayAheadOfItsLockIsNotChanged) {
+  const auto run = [&](const char* name, const std::string& list, int n) {
+    Restore();
+    TakenAway services(*Platform().files, list, n);
+    const SPlatformOverride<IFileServices> installed(Platform().files, &services);
+    EXPECT_EQ(Named(name).run(), n == 0);
+    return services.openings;
+  };
+  for (const auto& [name, list] : {std::pair("AddStudent", kRoom),
+                                   {"RenameStudent", kRoom},
+                                   {"MoveStudent", kRoom},
+                                   {"MoveStudent", kDen},
+                                   {"MoveStudentAcross", kYard},
+                                   {"DeleteStudent", kRoom}}) {
+    SCOPED_TRACE(std::string(name) + " " + list);
+    const int own = run(name, list, 0);  // listings come first
+    Why();
+    run(name, list, own);
+    EXPECT_EQ(Why().substr(0, 8), "missing ");
+    std::filesystem::remove_all(temp.Path(list + "-gone"));
+    EXPECT_EQ(Changed(), Lines());
+  }
+}
+#endif
 
 }  // namespace
