@@ -10,8 +10,7 @@
 namespace kivstore {
 namespace {
 
-constexpr int16_t kGoOn = 0;
-constexpr int16_t kLastStep = 4;  // three tries more, with waits of 0.7 to 1.4 seconds in all
+constexpr int16_t kLastTry = 4;  // three tries more, with waits of 0.7 to 1.4 seconds in all
 
 SFailure FailureOf(Outcome outcome, const SFileSpec& spec) {
   if (outcome != Outcome::kRefused) {
@@ -116,11 +115,11 @@ bool SClassReader::TakeOptions(STeacherOptionsDob& record, SFileSpec& spec, bool
   }
   const auto read = [&] { return merge ? record.MergeFromFile(spec) : record.LoadFromFile(spec); };
   Outcome outcome = TryToRead(read);
-  if (outcome == Outcome::kDamaged && app.OptionsReadFailed(record, spec) == kGoOn) {
+  if (outcome == Outcome::kDamaged && app.OptionsReadFailed(record, spec) == SKivApp::kGoOn) {
     return false;
   }
   const bool waits = mayWait && site.IsShared();
-  for (int16_t step = 1; outcome > Outcome::kNothingThere && waits && step <= kLastStep;) {
+  for (int16_t step = 1; outcome > Outcome::kNothingThere && waits && step <= kLastTry;) {
     mayWait = false;
     BackoffWait(step);
     outcome = TryToRead(read);

@@ -52,8 +52,11 @@ class SKivApp : public SApplication, public ISiteOwner, public IGameHost {
   bool OnTeacherRenamed(const SString& oldDisplay, const SString& newName) override;
   bool OnClassMoved(const SString& sourceTeacher, const SString& destinationTeacher,
                     const SString& name) override;
-  // What to do about an options file that did not load: 0 go on with what the record holds, 1 give
-  // up, 2 try again. A file that is bad for good (wrong magic, another version) is deleted.
+  // What to do about an options file that did not load: kGoOn with what the record holds, kGiveUp
+  // or kTryAgain. A file that is bad for good (wrong magic, another version) is deleted.
+  static constexpr int16_t kGoOn = 0;
+  static constexpr int16_t kGiveUp = 1;
+  static constexpr int16_t kTryAgain = 2;
   virtual int16_t OptionsReadFailed(SDob& record, SFileSpec& spec);
   virtual void ReservedForTutor3() {}
   SKivGameDob* CreateGame() override { return nullptr; }

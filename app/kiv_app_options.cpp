@@ -12,11 +12,6 @@
 namespace kivstore {
 namespace {
 
-// What OptionsReadFailed decides.
-constexpr int16_t kGoOn = 0;
-constexpr int16_t kGiveUp = 1;
-constexpr int16_t kTryAgain = 2;
-
 constexpr int16_t kLastStep = 32;
 
 bool TakeOptionsLock(SLockFile& lock, const SFileSpec& spec, const SString& waitText) {

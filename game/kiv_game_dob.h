@@ -22,13 +22,17 @@
 #include "archive/dob.h"
 #include "archive/file_version.h"
 #include "foundation/files/file_spec.h"
+#include "foundation/files/file_type.h"
 #include "foundation/text/string.h"
 #include "game/game_host.h"
 #include "records/game_options_dob.h"
 
 namespace kivstore {
 
-class SFileType;
+inline const SFileType& GameType() {
+  return FindFileType(kFileTypeGame);
+}
+
 class SLockFile;
 
 class SKivGameDob : public SDob {

@@ -2,7 +2,6 @@
 #include <memory>
 
 #include "archive/dob_binary_archive.h"
-#include "foundation/files/file_type.h"
 #include "game/kiv_game_dob.h"
 #include "store/list/index_lookup.h"
 #include "store/lock/lock_file.h"
@@ -11,10 +10,6 @@
 
 namespace kivstore {
 namespace {
-
-const SFileType& GameType() {
-  return FindFileType(kFileTypeGame);
-}
 
 bool CheckTag(IDobArchive& archive) {
   return archive.CheckTag(GameType().GetCode());

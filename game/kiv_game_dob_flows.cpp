@@ -2,7 +2,6 @@
 // game file stands in kiv_game_dob_file.cpp.
 #include <memory>
 
-#include "foundation/files/file_type.h"
 #include "game/kiv_game_dob.h"
 #include "platform/text_numbers.h"
 #include "store/change/default_entries.h"
@@ -13,10 +12,6 @@ namespace kivstore {
 namespace {
 
 using OwnedGame = std::unique_ptr<SKivGameDob>;
-
-const SFileType& GameType() {
-  return FindFileType(kFileTypeGame);
-}
 
 // The words for the game's own codes; empty for any other.
 SString TextOf(int16_t code) {

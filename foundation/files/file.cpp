@@ -25,10 +25,6 @@ int32_t Cut(int64_t value) {
   return static_cast<int32_t>(std::min<int64_t>(value, INT32_MAX));
 }
 
-IFileServices& Files() {
-  return *Platform().files;
-}
-
 }  // namespace
 
 bool SFile::Open(int32_t newMode, const SFileSpec& spec, int32_t* error) {
@@ -36,7 +32,7 @@ bool SFile::Open(int32_t newMode, const SFileSpec& spec, int32_t* error) {
   SystemError failure = SystemError::kFileNotFound;
   if (spec.IsValid() && spec.Exists()) {
     const FileAccess access = newMode == kWrite ? FileAccess::kReadWrite : FileAccess::kRead;
-    handle = Files().Open(spec.GetPathText(), access, failure);
+    handle = Platform().files->Open(spec.GetPathText(), access, failure);
   }
   if (error != nullptr) {
     *error = ToOpenError(handle != nullptr ? SystemError::kNone : failure);
@@ -62,25 +58,25 @@ bool SFile::Close() {
   if (!isOpen) {
     return false;
   }
-  Files().Close(handle);
+  Platform().files->Close(handle);
   handle = nullptr;
   isOpen = false;
   return true;
 }
 
 bool SFile::IsStillThere() const {
-  return isOpen && Files().LeadsTo(path.GetText(), handle);
+  return isOpen && Platform().files->LeadsTo(path.GetText(), handle);
 }
 
 bool SFile::Note(bool succeeded) const {
-  if (!succeeded && Files().TransferError() != SystemError::kNone) {
-    NoteFileFailure(path, Files().TransferError());
+  if (!succeeded && Platform().files->TransferError() != SystemError::kNone) {
+    NoteFileFailure(path, Platform().files->TransferError());
   }
   return succeeded;
 }
 
 int32_t SFile::Read(int32_t count, void* buffer) {
-  const int32_t moved = isOpen && count > 0 ? Files().Read(handle, buffer, count) : 0;
+  const int32_t moved = isOpen && count > 0 ? Platform().files->Read(handle, buffer, count) : 0;
   if (isOpen && moved < count) {
     Note(false);
   }
@@ -88,7 +84,7 @@ int32_t SFile::Read(int32_t count, void* buffer) {
 }
 
 int32_t SFile::Write(int32_t count, const void* buffer) {
-  const int32_t moved = isOpen && count > 0 ? Files().Write(handle, buffer, count) : 0;
+  const int32_t moved = isOpen && count > 0 ? Platform().files->Write(handle, buffer, count) : 0;
   if (isOpen && moved < count) {
     Note(false);
   }
@@ -97,39 +93,40 @@ int32_t SFile::Write(int32_t count, const void* buffer) {
 
 bool SFile::Seek(int32_t origin, int32_t offset) {
   constexpr SeekOrigin kOrigins[] = {SeekOrigin::kStart, SeekOrigin::kEnd, SeekOrigin::kCurrent};
-  return isOpen && origin >= 0 && origin <= 2 && Files().Seek(handle, kOrigins[origin], offset);
+  return isOpen && origin >= 0 && origin <= 2 &&
+         Platform().files->Seek(handle, kOrigins[origin], offset);
 }
 
 int32_t SFile::Tell() const {
-  return isOpen ? Cut(Files().Tell(handle)) : 0;
+  return isOpen ? Cut(Platform().files->Tell(handle)) : 0;
 }
 
 int32_t SFile::Size() const {
-  return isOpen ? Cut(Files().Size(handle)) : 0;
+  return isOpen ? Cut(Platform().files->Size(handle)) : 0;
 }
 
 bool SFile::AtEnd() const {
-  return !isOpen || Files().Tell(handle) >= Files().Size(handle);
+  return !isOpen || Platform().files->Tell(handle) >= Platform().files->Size(handle);
 }
 
 bool SFile::SetSize(int32_t size) {
   if (!isOpen) {
     return false;
   }
-  const int64_t position = Files().Tell(handle);
-  if (!Files().Seek(handle, SeekOrigin::kStart, size)) {
+  const int64_t position = Platform().files->Tell(handle);
+  if (!Platform().files->Seek(handle, SeekOrigin::kStart, size)) {
     return false;
   }
-  const bool set = Note(Files().SetEnd(handle));
-  return Files().Seek(handle, SeekOrigin::kStart, position) && set;
+  const bool set = Note(Platform().files->SetEnd(handle));
+  return Platform().files->Seek(handle, SeekOrigin::kStart, position) && set;
 }
 
 bool SFile::Truncate() {
-  return isOpen && Note(Files().SetEnd(handle));
+  return isOpen && Note(Platform().files->SetEnd(handle));
 }
 
 bool SFile::Flush() {
-  return isOpen && Note(Files().Flush(handle));
+  return isOpen && Note(Platform().files->Flush(handle));
 }
 
 }  // namespace kivstore

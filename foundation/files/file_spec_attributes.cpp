@@ -4,10 +4,6 @@
 namespace kivstore {
 namespace {
 
-IFileServices& Files() {
-  return *Platform().files;
-}
-
 // A drive's root, without its backslash as the system wants it, or a share. A path with neither has
 // no root to ask, so the folder itself is asked, which tells the same.
 SString SpacePlace(const SFileSpec& spec) {
@@ -31,8 +27,8 @@ bool SFileSpec::GetFreeSpace(uint64_t* total, uint64_t* free, uint32_t* cluster)
   uint64_t totalBytes = 0;
   uint64_t freeBytes = 0;
   uint32_t clusterBytes = 1;
-  const bool told =
-      valid && Files().DiskSpace(SpacePlace(*this).GetText(), totalBytes, freeBytes, clusterBytes);
+  const bool told = valid && Platform().files->DiskSpace(SpacePlace(*this).GetText(), totalBytes,
+                                                         freeBytes, clusterBytes);
   if (total != nullptr) {
     *total = totalBytes;
   }
@@ -47,7 +43,7 @@ bool SFileSpec::GetFreeSpace(uint64_t* total, uint64_t* free, uint32_t* cluster)
 
 bool SFileSpec::FullAttributesOfFile(FileAttributes& attributes) const {
   SystemError error;
-  return IsExistingFile() && Files().FullAttributes(path.GetText(), attributes, error);
+  return IsExistingFile() && Platform().files->FullAttributes(path.GetText(), attributes, error);
 }
 
 bool SFileSpec::IsHidden() const {
@@ -91,7 +87,8 @@ bool SFileSpec::ChangeReadOnly(bool readOnly) {
 
 bool SFileSpec::PutAttributes(const FileAttributes& attributes) const {
   SystemError error;
-  return Files().SetAttributes(path.GetText(), attributes, error) || NoteFileFailure(path, error);
+  return Platform().files->SetAttributes(path.GetText(), attributes, error) ||
+         NoteFileFailure(path, error);
 }
 
 }  // namespace kivstore

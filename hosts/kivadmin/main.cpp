@@ -14,7 +14,7 @@ constexpr AddCommand kCommands[] = {
     AddDeletedCommands, AddImportCommand, AddExportCommand,  AddCheckCommand, AddOptionsCommands,
     AddProgressCommand, AddDumpCommand,   AddAboutCommand};
 
-int Run(int argc, char** argv) {
+int RunCommandLine(int argc, char** argv) {
   CommonOptions common;
   const kivhost::CommandLine app("kivadmin", "Lays out a store and runs it.",
                                  [] { return "kivadmin " KIVSTORE_VERSION; });
@@ -47,6 +47,6 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
   return kivhost::RunHost("kivadmin", [&] {
     kivhost::Console console(argc, argv);
-    return kivadmin::Run(console.GetCount(), console.GetArguments());
+    return kivadmin::RunCommandLine(console.GetCount(), console.GetArguments());
   });
 }
