@@ -119,6 +119,11 @@ bool SForwardingFileServices::MakeFolder(const char* path, uint32_t mode, System
   return inner.MakeFolder(path, mode, error);
 }
 
+bool SForwardingFileServices::MakeWhole(const char* making, const char* place, const NewFile* files,
+                                        int count, SystemError& error) {
+  return inner.MakeWhole(making, place, files, count, error);
+}
+
 bool SForwardingFileServices::CopyFileTo(const char* from, const char* to, SystemError& error) {
   return inner.CopyFileTo(from, to, error);
 }

@@ -20,8 +20,8 @@
 // A listing is reading the folder: FolderEntry brings the attributes from the entry itself, and no
 // operation here costs a call per entry.
 //
-// The last three operations make something. In the services that the library installs they are
-// inert: MakeFile and MakeFolder answer false, CopyFileTo true, and nothing is touched.
+// The last four operations make something. In the services that the library installs they are
+// inert: CopyFileTo answers true, the others false, and nothing is touched.
 #pragma once
 
 #include <cstdint>
@@ -85,6 +85,13 @@ class IFolderWalk {
   virtual bool Next(FolderEntry& entry) = 0;
   // After Next answered false: the folder could not be read to its end.
   virtual bool HasFailed() const = 0;
+};
+
+// A file to be made, with its bytes.
+struct NewFile {
+  const char* name;
+  const char* bytes;
+  int32_t count;
 };
 
 struct OpenFile;  // the platform's own
@@ -161,6 +168,11 @@ class IFileServices {
   // An empty file; one that is there already is kept and is a success.
   virtual bool MakeFile(const char* path, SystemError& error) = 0;
   virtual bool MakeFolder(const char* path, uint32_t mode, SystemError& error) = 0;
+  // A folder with these files in it, which appears with all of them: it is made as `making`, where
+  // nobody looks, and then moved to `place`. The caller knows that neither name is there in another
+  // letter case; kAlreadyExists for what is there as written. What fails leaves nothing.
+  virtual bool MakeWhole(const char* making, const char* place, const NewFile* files, int count,
+                         SystemError& error);
   // A file, or a folder with all it holds; the target must not exist.
   virtual bool CopyFileTo(const char* from, const char* to, SystemError& error) = 0;
 };
@@ -200,6 +212,8 @@ class SForwardingFileServices : public IFileServices {
   bool SetCurrentFolder(const char* path) override;
   bool MakeFile(const char* path, SystemError& error) override;
   bool MakeFolder(const char* path, uint32_t mode, SystemError& error) override;
+  bool MakeWhole(const char* making, const char* place, const NewFile* files, int count,
+                 SystemError& error) override;
   bool CopyFileTo(const char* from, const char* to, SystemError& error) override;
 
  protected:

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <string>
 
 #include "platform/base/never_destroyed.h"
 #include "platform/posix/descriptor.h"
@@ -210,10 +211,63 @@ int MakeFolderAt(const char* path, mode_t mode) {
   return 0;
 }
 
+int MakeFileIn(int folder, const NewFile& file) {
+  const Descriptor made(openat(folder, file.name, kMakeFlags, 0666));
+  if (!made.IsOpen()) {
+    return errno;
+  }
+  const int failure = WriteAll(made.Get(), file.bytes, static_cast<size_t>(file.count));
+  return failure != 0 || file.count == 0 || fsync(made.Get()) == 0 ? failure : errno;
+}
+
+int FillFolder(const GuardedFolder& place, const NewFile* files, int count) {
+  const Descriptor folder(
+      openat(place.Get(), place.Name(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  int failure = folder.IsOpen() ? 0 : errno;
+  for (int i = 0; i < count && failure == 0; ++i) {
+    failure = MakeFileIn(folder.Get(), files[i]);
+  }
+  return failure;
+}
+
+void RemoveFilled(const GuardedFolder& place, const NewFile* files, int count) {
+  for (int i = 0; i < count; ++i) {
+    const std::string file = std::string(place.Name()) + '/' + files[i].name;
+    unlinkat(place.Get(), file.c_str(), 0);
+  }
+  unlinkat(place.Get(), place.Name(), AT_REMOVEDIR);
+}
+
+// Nobody can hold a file of it, so that no lock is taken.
+int MakeWholeAt(const char* making, const char* path, const NewFile* files, int count) {
+  GuardedFolder folder, place;
+  int failure = folder.Open(making);
+  if (failure == 0) {
+    failure = place.Open(path);
+  }
+  if (failure == 0 && mkdirat(folder.Get(), folder.Name(), 0777) != 0) {
+    failure = errno;
+  }
+  if (failure != 0) {
+    return failure;
+  }
+  InheritMark(path, folder.Get(), folder.Name());
+  failure = FillFolder(folder, files, count);
+  if (failure == 0) {
+    failure = folder.MoveTo(place);
+  }
+  if (failure != 0) {
+    RemoveFilled(folder, files, count);
+  }
+  return failure;
+}
+
 class SCreatingFileServices : public SPosixFileServices {
  public:
   bool MakeFile(const char* path, SystemError& error) override;
   bool MakeFolder(const char* path, uint32_t mode, SystemError& error) override;
+  bool MakeWhole(const char* making, const char* place, const NewFile* files, int count,
+                 SystemError& error) override;
   bool CopyFileTo(const char* from, const char* to, SystemError& error) override;
   // A file that goes to another file system is copied and deleted.
   bool Move(const char* from, const char* to, SystemError& error) override;
@@ -244,6 +298,22 @@ bool SCreatingFileServices::MakeFolder(const char* path, uint32_t mode, SystemEr
     error = ToSystemError(MakeFolderAt(place.Text(), mode != 0 ? mode & 0777 : 0777));
   }
   return error == SystemError::kNone;
+}
+
+bool SCreatingFileServices::MakeWhole(const char* making, const char* place, const NewFile* files,
+                                      int count, SystemError& error) {
+  const PosixPath from(making), to(place);
+  error = from.Check();
+  if (error == SystemError::kNone) {
+    error = to.Check();
+  }
+  if (error == SystemError::kNone) {
+    error = ToSystemError(MakeWholeAt(from.Text(), to.Text(), files, count));
+  }
+  // On the way there a name may differ in letter case.
+  return error == SystemError::kFileNotFound
+             ? SPosixFileServices::MakeWhole(making, place, files, count, error)
+             : error == SystemError::kNone;
 }
 
 bool SCreatingFileServices::CopyFileTo(const char* from, const char* to, SystemError& error) {

@@ -183,6 +183,22 @@ int GuardedFolder::Look(struct stat& facts) const {
   return fstatat(base, name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : errno;
 }
 
+int GuardedFolder::MoveTo(const GuardedFolder& place) const {
+  const char* const to = place.name.c_str();
+  if (renameat2(base, name.c_str(), place.base, to, RENAME_NOREPLACE) == 0) {
+    return 0;
+  }
+  if (errno != EINVAL && errno != ENOSYS) {
+    return errno;
+  }
+  // A file system that knows no such flag.
+  struct stat facts;
+  if (place.Look(facts) == 0) {
+    return EEXIST;
+  }
+  return renameat(base, name.c_str(), place.base, to) == 0 ? 0 : errno;
+}
+
 ForeignLink LastForeignLink() {
   return {gLinkPath, gLinkOwner};
 }

@@ -42,6 +42,8 @@ class GuardedFolder {
   const char* Name() const { return name.c_str(); }
   // 0 or the system's error; a link is not followed.
   int Look(struct stat& facts) const;
+  // Gives this entry the other's place, which must be free. 0 or the system's error.
+  int MoveTo(const GuardedFolder& place) const;
 
  private:
   int base = -1;

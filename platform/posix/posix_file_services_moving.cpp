@@ -133,18 +133,6 @@ int Rename(const GuardedFolder& from, const GuardedFolder& to) {
   return renameat(from.Get(), from.Name(), to.Get(), to.Name()) == 0 ? 0 : errno;
 }
 
-int RenameToFree(const GuardedFolder& from, const GuardedFolder& to) {
-  if (renameat2(from.Get(), from.Name(), to.Get(), to.Name(), RENAME_NOREPLACE) == 0) {
-    return 0;
-  }
-  if (errno != EINVAL && errno != ENOSYS) {
-    return errno;
-  }
-  // A file system that knows no such flag.
-  struct stat facts;
-  return to.Look(facts) == 0 ? EEXIST : Rename(from, to);
-}
-
 }  // namespace
 
 bool SPosixFileServices::Delete(const char* path, SystemError& error) {
@@ -190,8 +178,7 @@ bool SPosixFileServices::Move(const char* from, const char* to, SystemError& err
     InheritMark(target.Text(), sourceFolder.Get(), sourceFolder.Name());
   }
   if (failure == 0) {
-    failure =
-        respelled ? Rename(sourceFolder, targetFolder) : RenameToFree(sourceFolder, targetFolder);
+    failure = respelled ? Rename(sourceFolder, targetFolder) : sourceFolder.MoveTo(targetFolder);
   }
   error = ToSystemError(failure);
   return failure == 0;

@@ -113,6 +113,11 @@ class FaultFileServices : public kivstore::SForwardingFileServices {
   bool MakeFolder(const char* path, uint32_t mode, SystemError& error) override {
     return !Strikes("MakeFolder", path, error) && inner.MakeFolder(path, mode, error);
   }
+  // By the operations above, each of which may be the one that fails.
+  bool MakeWhole(const char* making, const char* place, const kivstore::NewFile* files, int count,
+                 SystemError& error) override {
+    return IFileServices::MakeWhole(making, place, files, count, error);
+  }
   bool CopyFileTo(const char* from, const char* to, SystemError& error) override {
     return !Strikes("CopyFileTo", from, error) && inner.CopyFileTo(from, to, error);
   }

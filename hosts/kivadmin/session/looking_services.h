@@ -21,6 +21,9 @@ class LookingServices final : public kivstore::SForwardingFileServices {
   bool Move(const char*, const char*, Error& error) override { return Refuse(error); }
   bool MakeFile(const char*, Error& error) override { return Refuse(error); }
   bool MakeFolder(const char*, uint32_t, Error& error) override { return Refuse(error); }
+  bool MakeWhole(const char*, const char*, const kivstore::NewFile*, int, Error& error) override {
+    return Refuse(error);
+  }
   bool CopyFileTo(const char*, const char*, Error& error) override { return Refuse(error); }
 
  private:
