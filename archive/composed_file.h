@@ -25,11 +25,10 @@ class SComposedFile {
   // that no contents have stand behind them. A reader that finds bytes left over knows the file to
   // be torn, wherever the write was cut short. With keepMark they stay.
   bool WriteMarkedTo(SFile& file, bool keepMark = false);
-
- private:
   // The bytes; null if there was not memory enough for them.
   const uint8_t* TakeBytes(int32_t& length);
 
+ private:
   SStreamSrcMemory bytes{nullptr, 0};
   SBinaryStream stream{SBinaryStream::kWrite, &bytes, false};
 };

@@ -13,8 +13,6 @@
 namespace kivstore {
 namespace {
 
-constexpr const char* kReadyEnding = ".new";
-
 // What differs between the levels; the numbers are those of the string table.
 struct AddLevel {
   ListKind list;
@@ -61,18 +59,6 @@ bool FailOnFolder(SSite& site, const AddLevel& level, const SString& display,
                   display, list.GetPath());
   site.TellFailure(text);
   return false;
-}
-
-// Where a folder is made ready: beside the list, where no listing looks. What a death has left
-// there belongs to nobody.
-SFileSpec PlaceToMake(const SFileSpec& list, const SString& folder) {
-  SFileSpec place(list);
-  place.Up();
-  place.Down(folder + kReadyEnding);
-  if (place.IsExistingFolder()) {
-    place.Delete(true);
-  }
-  return place;
 }
 
 void MakeStudentsFolder(SFileSpec spec) {

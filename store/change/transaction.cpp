@@ -84,6 +84,16 @@ bool IsKnownMissing(const SFileSpec& spec) {
   return !spec.Exists() && SFileSpec::GetLastError() == kNotFound;
 }
 
+SFileSpec PlaceToMake(const SFileSpec& list, const SString& folder) {
+  SFileSpec place(list);
+  place.Up();
+  place.Down(folder + kReadyEnding);
+  if (place.IsExistingFolder()) {
+    place.Delete(true);
+  }
+  return place;
+}
+
 bool IsNameThere(SSite& site, const SFileSpec& list, SLoginNameObj& entry) {
   MendTornIndex(site, list);
   return IsListedThere(list, entry);

@@ -27,6 +27,11 @@ bool IsListStillThere(SSite& site, SLockFile& lock, const SFileSpec& folder, Lis
 // is neither gone nor to be made.
 bool IsKnownMissing(const SFileSpec& spec);
 
+// Where a folder is made ready: beside the list, where no listing looks. What a death has left
+// there belongs to nobody and goes.
+inline constexpr const char* kReadyEnding = ".new";
+SFileSpec PlaceToMake(const SFileSpec& list, const SString& folder);
+
 // IsListedThere, under the list's lock, for who is about to come into the list. The names of an
 // index that a death has torn say nothing: it is mended first, as by any listing.
 bool IsNameThere(SSite& site, const SFileSpec& list, SLoginNameObj& entry);

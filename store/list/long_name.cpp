@@ -1,7 +1,6 @@
 #include "store/list/long_name.h"
 
 #include "archive/binary_stream.h"
-#include "archive/composed_file.h"
 #include "archive/stream_file.h"
 #include "store/place/store_names.h"
 
@@ -18,9 +17,13 @@ bool WriteLongName(const SFileSpec& folder, const SString& first, const SString&
     return false;
   }
   SComposedFile contents;
+  ComposeLongName(contents, first, last);
+  return contents.WriteMarkedTo(target);
+}
+
+void ComposeLongName(SComposedFile& contents, const SString& first, const SString& last) {
   contents.Stream().WriteText(first);
   contents.Stream().WriteText(last);
-  return contents.WriteMarkedTo(target);
 }
 
 bool ReadLongName(const SFileSpec& file, SString& first, SString& last) {

@@ -9,6 +9,8 @@
 namespace kivstore {
 namespace {
 
+constexpr const char* kFallback = "Empty";
+
 // Plain letters and digits: an accented letter goes like any other sign.
 bool IsKept(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
@@ -49,6 +51,22 @@ void DownToCandidate(SFileSpec& spec, const SString& text, const SString& extens
   spec.Down(extension.IsEmpty() ? text : text + '.' + extension);
 }
 
+// Varies the end of the text until it is free or the name's own; the last variant where none is.
+SString FindFree(SString text, int width, const AskName& isTaken, const AskName& isOwn) {
+  int position = width - 1;
+  int digit = -1;
+  while (isTaken(text) && (position >= 0 || digit >= 0) && !isOwn(text)) {
+    if (text.GetLength() < width) {
+      text += '0';
+    } else {
+      NextVariant(text, position, digit);
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
 bool BelongsTo(SFileSpec folder, const SString& first, const SString& last) {
   SLoginNameObj owner;
   return folder.DownAssumed(CachedText<kTextLongNameFile>().GetText()) &&
@@ -56,37 +74,32 @@ bool BelongsTo(SFileSpec folder, const SString& first, const SString& last) {
          SameName(owner, first, last, false);
 }
 
-}  // namespace
-
 SString DeriveName(SFileSpec& spec, const SString& first, const SString& last, const char* fallback,
                    int width, bool& exists, const SString& extension) {
   exists = false;
-  SString text = ReducedName(first, last, fallback, width);
   if (!spec.IsExistingFolder()) {
     spec.Up();
   }
-  DownToCandidate(spec, text, extension);
-  int position = width - 1;
-  int digit = -1;
-  while (spec.Exists() && (position >= 0 || digit >= 0)) {
-    exists = !extension.IsEmpty() || BelongsTo(spec, first, last);
-    if (exists && extension.IsEmpty()) {
-      break;
-    }
-    if (text.GetLength() < width) {
-      text += '0';
-    } else {
-      NextVariant(text, position, digit);
-    }
-    spec.Up();
-    DownToCandidate(spec, text, extension);
-  }
-  spec.Up();
-  return text;
+  SFileSpec candidate;
+  const AskName isTaken = [&](const SString& text) {
+    candidate = spec;
+    DownToCandidate(candidate, text, extension);
+    return candidate.Exists();
+  };
+  const AskName isOwn = [&](const SString&) {
+    exists = !extension.IsEmpty() || BelongsTo(candidate, first, last);
+    return exists && extension.IsEmpty();
+  };
+  return FindFree(ReducedName(first, last, fallback, width), width, isTaken, isOwn);
 }
 
 SString DeriveFolderName(SFileSpec& spec, const SString& first, const SString& last, bool& exists) {
-  return DeriveName(spec, first, last, "Empty", kNameWidth, exists, SString());
+  return DeriveName(spec, first, last, kFallback, kNameWidth, exists, SString());
+}
+
+SString DeriveFolderName(const SString& first, const SString& last, const AskName& isTaken,
+                         const AskName& isOwn) {
+  return FindFree(ReducedName(first, last, kFallback, kNameWidth), kNameWidth, isTaken, isOwn);
 }
 
 SString DeriveFileName(SFileSpec& spec, const SString& name, bool& exists,

@@ -1,6 +1,8 @@
 // From people's names to folder names of at most eight characters.
 #pragma once
 
+#include <functional>
+
 #include "foundation/files/file_spec.h"
 #include "foundation/text/string.h"
 
@@ -16,6 +18,13 @@ inline constexpr int kNameWidth = 8;
 SString DeriveName(SFileSpec& spec, const SString& first, const SString& last, const char* fallback,
                    int width, bool& exists, const SString& extension);
 SString DeriveFolderName(SFileSpec& spec, const SString& first, const SString& last, bool& exists);
+// The same for who knows the names in the folder: `isTaken` tells of a name whether it is there,
+// `isOwn`, asked of one that is, whether it belongs to this very name and will do.
+using AskName = std::function<bool(const SString& name)>;
+SString DeriveFolderName(const SString& first, const SString& last, const AskName& isTaken,
+                         const AskName& isOwn);
+// Whether the folder's longname.kiv has this name.
+bool BelongsTo(SFileSpec folder, const SString& first, const SString& last);
 SString DeriveFileName(SFileSpec& spec, const SString& name, bool& exists,
                        const SString& extension);
 
