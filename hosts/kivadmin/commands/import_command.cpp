@@ -4,6 +4,7 @@
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
 #include "hosts/kivadmin/rosters/roster_csv.h"
+#include "hosts/kivadmin/rosters/roster_import.h"
 
 namespace kivadmin {
 namespace {

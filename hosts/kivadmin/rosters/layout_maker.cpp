@@ -78,6 +78,12 @@ void LayoutMaker::CompleteStudent(const SFileSpec& folder) const {
   MakeLock(folder, kOptionsLock);
 }
 
+std::vector<NewFile> LayoutMaker::FilesOfStudent() const {
+  return session.HasLocks()
+             ? std::vector<NewFile>{{kIndexLock, nullptr, 0}, {kOptionsLock, nullptr, 0}}
+             : std::vector<NewFile>{};
+}
+
 void LayoutMaker::CompleteEntry(const SFileSpec& list, const SString& folderName,
                                 Complete complete) const {
   const SFileSpec folder = IsSafeName(folderName) ? Below(list, folderName) : SFileSpec();

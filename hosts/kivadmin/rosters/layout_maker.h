@@ -5,6 +5,8 @@
 // A store is complete when libkivstore, which makes no file, can use all of it.
 #pragma once
 
+#include <vector>
+
 #include "hosts/kivadmin/session/session.h"
 
 namespace kivadmin {
@@ -23,6 +25,8 @@ class LayoutMaker {
   void CompleteTeacher(const kivstore::SFileSpec& folder) const;
   void CompleteClass(const kivstore::SFileSpec& folder) const;
   void CompleteStudent(const kivstore::SFileSpec& folder) const;
+  // The same, for a folder that is made with them.
+  std::vector<kivstore::NewFile> FilesOfStudent() const;
   // The entry `folderName` of the list, by its level.
   using Complete = void (LayoutMaker::*)(const kivstore::SFileSpec&) const;
   void CompleteEntry(const kivstore::SFileSpec& list, const kivstore::SString& folderName,

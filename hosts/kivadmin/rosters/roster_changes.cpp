@@ -1,5 +1,7 @@
 #include "hosts/kivadmin/rosters/roster_changes.h"
 
+#include <memory>
+
 #include "hosts/kivadmin/rosters/layout_maker.h"
 #include "store/change/adding.h"
 #include "store/place/display_name.h"
@@ -82,6 +84,43 @@ SLoginNameObj EnterClass(const Session& session, const Roster& classes, const SS
 
 SLoginNameObj EnterStudent(const Session& session, const Roster& students, const PersonName& name) {
   return Enter(session, students, name, kStudentLevel);
+}
+
+namespace {
+
+// What would come of them.
+void Foresee(const Session& session, const SLoginNameObj& classEntry,
+             std::vector<SNewcomer>& newcomers) {
+  Roster students = Students(session, classEntry);
+  for (SNewcomer& newcomer : newcomers) {
+    if (FindName(students, newcomer.first, newcomer.last) != nullptr) {
+      newcomer.outcome = SNewcomer::kThere;
+    } else if (students.IsFull()) {
+      newcomer.outcome = SNewcomer::kFull;
+    } else {
+      newcomer.outcome = SNewcomer::kAdded;
+      students.list.Add(std::make_unique<SLoginNameObj>(newcomer.first, newcomer.last, SString()));
+    }
+  }
+}
+
+}  // namespace
+
+void EnterStudents(const Session& session, const SLoginNameObj& classEntry,
+                   std::vector<SNewcomer>& newcomers, const std::function<void()>& advance) {
+  if (session.IsDryRun()) {
+    Foresee(session, classEntry, newcomers);
+    return;
+  }
+  const SFileSpec folder = StudentsFolder(session, classEntry);
+  const std::vector<NewFile> besides = LayoutMaker(session).FilesOfStudent();
+  for (size_t done = 0; done < newcomers.size();) {
+    session.Change("add students to class " + session.Show(classEntry),
+                   [&] { return AddStudentsAt(session.Site(), folder, newcomers, besides); });
+    for (; done < newcomers.size() && newcomers[done].outcome != SNewcomer::kWaiting; ++done) {
+      advance();
+    }
+  }
 }
 
 void RenameEntry(const Session& session, const Roster& roster, const SLoginNameObj& entry,

@@ -4,8 +4,10 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "hosts/kivadmin/rosters/rosters.h"
+#include "store/change/adding_many.h"
 
 namespace kivadmin {
 
@@ -25,6 +27,13 @@ kivstore::SLoginNameObj EnterClass(const Session& session, const Roster& classes
                                    const kivstore::SString& name);
 kivstore::SLoginNameObj EnterStudent(const Session& session, const Roster& students,
                                      const PersonName& name);
+
+// The students that come into one class of the selected teacher, each with what came of it; in a
+// dry run what would. `advance` is called for each. Throws where the list cannot be worked on or
+// somebody could not be added: whoever waits then is not.
+void EnterStudents(const Session& session, const kivstore::SLoginNameObj& classEntry,
+                   std::vector<kivstore::SNewcomer>& newcomers,
+                   const std::function<void()>& advance);
 
 // What the store answers to the operation itself.
 using Operation = std::function<bool()>;
