@@ -22,7 +22,7 @@ echo "building $preset"
 build "$preset"
 
 status=0
-ctest --preset "$preset" -j "$(nproc)" || status=$?
+ctest --preset "$preset" -j $(($(nproc) + 1)) || status=$?
 
 # The cases of each test program, from what all of them printed; a program that ended before it told
 # of its cases failed, and a test that is no such program is a case of its own.
