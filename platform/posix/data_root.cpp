@@ -54,7 +54,7 @@ DataRoot& KeptDataRoot() {
 
 void DataRoot::Keep(const char* path) {
   folder.Reset(-1);
-  hasMet = isShared = false;
+  hasMet = isShared = isSpelledRight = false;
   const PosixPath posix(path);
   length = 0;
   if (posix.Check() != SystemError::kNone || posix.View().size() + 2 > sizeof text) {

@@ -1,8 +1,9 @@
-// The folder that holds the store at work: what lies below it is reached from a handle of it.
+// The folder that holds the store at work. What lies below it is reached from a handle of it where a
+// link leads to it, and where entries are changed.
 //
 // It is kept for one command, so that a host that lives long does not go on with a folder that has
-// been renamed or taken off since. Keeping it costs nothing; the first use opens it (one call), and
-// letting go closes it (one).
+// been renamed or taken off since. Keeping it costs nothing; the first use of the handle opens it
+// (one call), and letting go closes it (one).
 #pragma once
 
 #include <sys/types.h>
@@ -24,8 +25,11 @@ class DataRoot {
   const char* WayTo(const char* path);
   // 0, or the system's error if it is not there.
   int Open();
+  bool IsOpen() const { return folder.IsOpen(); }
   int Get() const { return folder.Get(); }
   const char* Text() const { return text; }
+  // Something was found by the root's text as it stands.
+  bool isSpelledRight = false;
 
   // A look has met this file system at `path`, which is no link. Costs one call for each file
   // system that the process meets.

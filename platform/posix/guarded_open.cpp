@@ -132,11 +132,28 @@ class NameWalk {
   int links = 0;
 };
 
+// The system could not or would not tell whether a link is in the way.
+bool IsToBeWalked(int failure) {
+  return failure == ELOOP || failure == ENOSYS || failure == EPERM;
+}
+
 int OpenBelow(int root, const char* way, int flags, Descriptor& opened, mode_t mode) {
   const int failure = OpenThroughNoLink(root, way, flags, opened, mode);
-  const bool isToBeWalked = failure == ELOOP || failure == ENOSYS || failure == EPERM;
-  return isToBeWalked ? NameWalk(root, KeptDataRoot().Text(), way).Open(flags, opened, mode)
-                      : failure;
+  return IsToBeWalked(failure)
+             ? NameWalk(root, KeptDataRoot().Text(), way).Open(flags, opened, mode)
+             : failure;
+}
+
+// Most stores have no link above them either: then the root needs no handle. What is not found may
+// be so because the root is spelled in other letters, until something has been.
+bool OpensWithoutRoot(DataRoot& root, const char* path, int flags, Descriptor& opened, mode_t mode,
+                      int& failure) {
+  if (root.IsOpen()) {
+    return false;
+  }
+  failure = OpenThroughNoLink(AT_FDCWD, path, flags, opened, mode);
+  root.isSpelledRight |= opened.IsOpen();
+  return !IsToBeWalked(failure) && (failure != ENOENT || root.isSpelledRight);
 }
 
 }  // namespace
@@ -147,7 +164,11 @@ int OpenGuarded(const char* path, int flags, Descriptor& opened, mode_t mode) {
   if (way == nullptr) {
     return OpenAt(AT_FDCWD, path, flags | O_CLOEXEC, opened, mode);
   }
-  const int failure = root.Open();
+  int failure = 0;
+  if (OpensWithoutRoot(root, path, flags | O_CLOEXEC, opened, mode, failure)) {
+    return failure;
+  }
+  failure = root.Open();
   return failure != 0 ? failure : OpenBelow(root.Get(), way, flags | O_CLOEXEC, opened, mode);
 }
 

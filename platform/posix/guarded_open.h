@@ -6,9 +6,10 @@
 // is in the way. The links that its target goes through are held to the same. What lies outside the
 // root is opened as the system opens it.
 //
-// Where there is no link that is one call, like any opening: openat2 refuses to follow links, and
-// only when it refuses are the names walked one by one. A kernel that lacks openat2, or a sandbox
-// that forbids it, has them walked always, three calls for each name on the way.
+// Where there is no link that is one call, like any opening: openat2 refuses to follow links, on
+// the whole path or, if a link leads to the root, from a handle of it, and only when it refuses
+// there too are the names walked one by one. A kernel that lacks openat2, or a sandbox that forbids
+// it, has them walked always, three calls for each name on the way.
 #pragma once
 
 #include <sys/stat.h>
