@@ -17,8 +17,9 @@
 // something is there, and of such a link itself that it is one. A pipe, a socket or a device is no
 // file of a store: it is not opened.
 //
-// A listing is reading the folder: FolderEntry brings the attributes from the entry itself, and no
-// operation here costs a call per entry.
+// A listing is reading the folder: FolderEntry brings the attributes from the entry itself, at no
+// call per entry. The exception is a folder that bears a file server's mark (user.DOSATTRIB) on
+// POSIX: there each entry is asked for its own, or with AskFoldersOnly each folder.
 //
 // The last four operations make something. In the services that the library installs they are
 // inert: CopyFileTo answers true, the others false, and nothing is touched.
@@ -83,6 +84,8 @@ class IFolderWalk {
  public:
   virtual ~IFolderWalk() = default;
   virtual bool Next(FolderEntry& entry) = 0;
+  // Ahead of the first Next, by who does not care whether a file is hidden.
+  virtual void AskFoldersOnly() {}
   // After Next answered false: the folder could not be read to its end.
   virtual bool HasFailed() const = 0;
 };

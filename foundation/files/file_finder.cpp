@@ -59,6 +59,9 @@ bool SFileFinder::Start() {
     walk = Platform().files->Walk(spec.GetPathText(), search, error);
   }
   active = walk != nullptr;
+  if (active && (mask & kFiles) == 0) {
+    walk->AskFoldersOnly();
+  }
   failed = !active;
   return active || NoteFileFailure(spec.GetPath(), error);
 }

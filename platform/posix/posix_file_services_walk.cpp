@@ -24,6 +24,7 @@ class PosixFolderWalk : public IFolderWalk {
 
   int Open(const char* path);
   bool Next(FolderEntry& entry) override;
+  void AskFoldersOnly() override { asksFiles = false; }
   bool HasFailed() const override { return reader.HasFailed(); }
 
  private:
@@ -46,6 +47,7 @@ class PosixFolderWalk : public IFolderWalk {
   std::unique_ptr<char[]> markedFolder;  // the folder's path, if it bears a mark
   Mask mask;
   bool all;  // the mask excludes nothing
+  bool asksFiles = true;
 };
 
 int PosixFolderWalk::Open(const char* path) {
@@ -102,7 +104,8 @@ bool PosixFolderWalk::Next(FolderEntry& entry) {
   entry.attributes.link = type == DT_LNK;
   entry.attributes.folder = type == DT_DIR || (type == DT_LNK && LeadsToFolder(raw));
   entry.attributes.special = type != DT_DIR && type != DT_LNK && type != DT_REG;
-  entry.attributes.hidden = dot ? !raw.IsDots() : markedFolder != nullptr && BearsHiddenMark(raw);
+  const bool isToBeAsked = markedFolder != nullptr && (asksFiles || entry.attributes.folder);
+  entry.attributes.hidden = dot ? !raw.IsDots() : isToBeAsked && BearsHiddenMark(raw);
   return true;
 }
 
