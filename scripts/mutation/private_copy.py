@@ -16,6 +16,7 @@ BUILD_LIMIT = 1800            # seconds for all that a change makes necessary to
 # Tests that are scripts, with what they need built and what makes them ask the same every time.
 SCRIPTS = {"hosts": (("kivadmin", "kivreport", "hold_file"), ()),
            "examples": (("kivstore",), ()),
+           "planted_links": (("kivadmin", "kivreport"), ()),
            "callers": (("kivadmin", "kivreport", "kivstore"), ("--seed", "1"))}
 CAUGHT, SURVIVED, NOT_BUILT, SAME_CODE = "caught", "SURVIVED", "does not compile", "same code"
 

@@ -287,7 +287,8 @@ TEST_F(FileStreams, DeliverWhatAShortFileHasAndOpenAnEmptyOneOnlyToFail) {
     std::string dest(5, '-');
     EXPECT_FALSE(stream.Read(dest.data(), 5, swap));
     EXPECT_EQ(dest, swap ? std::string("\0\0cba", 5) : "abc--");
-    SStreamSrcFile empty(FileOf("", "empty"));
+    SStreamSrcFile last(FileOf("z", "last")), empty(FileOf("", "empty"));
+    EXPECT_TRUE(last.Open(kRead) && last.PeekByte() == 'z' && last.ReadByte() == 'z');
     EXPECT_TRUE(empty.Open(kRead));
     EXPECT_EQ(swap ? empty.PeekByte() : empty.ReadByte(), 0);
     EXPECT_TRUE(empty.HasError());

@@ -120,6 +120,9 @@ TEST_F(KillTable, OfManyWhoAreAddedAtOnceNobodyIsLost) {
         EXPECT_TRUE(temp.Exists(folder + "/index.lok"));
       }
     }
+    for (const ListedEntry& entry : image.entries) {
+      EXPECT_FALSE(entry.Path().ends_with(".new")) << "made in the list";
+    }
     EXPECT_TRUE(struck || outcomes == "1DanRoe 2DanRoe 1DanRoe0 2Bob ") << outcomes;
     EXPECT_TRUE(struck || answer);
   };
