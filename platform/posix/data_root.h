@@ -1,5 +1,5 @@
-// The folder that holds the store at work. What lies below it is reached from a handle of it where a
-// link leads to it, and where entries are changed.
+// The folder that holds the store at work. What lies below it is reached from a handle of it where
+// a link leads to it, and where entries are changed.
 //
 // It is kept for one command, so that a host that lives long does not go on with a folder that has
 // been renamed or taken off since. Keeping it costs nothing; the first use of the handle opens it
