@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "foundation/time/ticks.h"
 #include "hosts/kivadmin/rosters/layout_maker.h"
 #include "store/change/adding.h"
 #include "store/place/display_name.h"
@@ -88,6 +89,9 @@ SLoginNameObj EnterStudent(const Session& session, const Roster& students, const
 
 namespace {
 
+// Between two holds of a list, for whoever waits for it: their next try may be so far away.
+constexpr int32_t kForOthers = 1000;  // ticks
+
 // What would come of them.
 void Foresee(const Session& session, const SLoginNameObj& classEntry,
              std::vector<SNewcomer>& newcomers) {
@@ -119,6 +123,9 @@ void EnterStudents(const Session& session, const SLoginNameObj& classEntry,
                    [&] { return AddStudentsAt(session.Site(), folder, newcomers, besides); });
     for (; done < newcomers.size() && newcomers[done].outcome != SNewcomer::kWaiting; ++done) {
       advance();
+    }
+    if (done < newcomers.size()) {
+      WaitTicks(kForOthers);
     }
   }
 }
