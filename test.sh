@@ -11,6 +11,10 @@ preset=${1:-release}
 need_build_tools
 need_test_tools
 case $preset in
+  asan)
+    need clang++-14 clang-14 /usr/share/doc/libclang-rt-14-dev libclang-rt-14-dev
+    need_host_libraries
+    ;;
   linux32) need /usr/share/doc/g++-multilib g++-multilib ;;
   windows64)
     need_windows_tools

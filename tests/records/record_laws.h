@@ -52,7 +52,7 @@ class RecordLaws : public testing::TestWithParam<RecordSubject> {
     return field;
   }
   const TestClock clock;
-  const PrefFile pref;
+  const PrefFile pref{};
   Draw draw{1};
   const RecordFields table = Random(draw);
   const std::unique_ptr<SDob> record = Made(table);

@@ -204,8 +204,8 @@ TEST_F(Refusals, ALockHeldElsewhereKeepsOutThoseWhoNeedIt) {
       }
       Restore();
       Why();
-      const auto isRefused = [&] {
-        const Holder other(Spec(path));
+      const auto isRefused = [&, &held = path] {
+        const Holder other(Spec(held));
         return !transaction.run();
       };
       if (isRefused()) {

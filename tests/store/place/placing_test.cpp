@@ -63,7 +63,7 @@ class PlacingTest : public SiteFixture {
 
   const SFileSpec stale = Spec("Classes.zep");
   const SLoginNameObj hill = Entry("MsHill", "Ms Hill"), room = Entry("Room12", "Room 12");
-  const SLoginNameObj ann = Entry("AnnLee", "Ann", "Lee"), nobody;
+  const SLoginNameObj ann = Entry("AnnLee", "Ann", "Lee"), nobody{};
   FaultFileServices services{*Platform().files};
   const SPlatformOverride<IFileServices> installed{Platform().files, &services};
 };
