@@ -38,7 +38,9 @@ need_build_tools() {
 need_host_libraries() {
   need /usr/include/CLI/CLI.hpp libcli11-dev \
        /usr/include/nlohmann/json.hpp nlohmann-json3-dev \
-       /usr/include/csv.h libcsv-dev
+       /usr/include/csv.h libcsv-dev \
+       /usr/include/minizip/zip.h libminizip-dev \
+       /usr/include/utf8proc.h libutf8proc-dev
 }
 
 need_test_tools() {
@@ -64,34 +66,40 @@ build() {
   fi
 }
 
-# The compilers for Windows, Wine to run what they make, and the sources that the hosts need there.
+# The compilers for Windows, and what the hosts need there.
 need_windows_tools() {
   need x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix \
-       i686-w64-mingw32-g++-posix g++-mingw-w64-i686-posix
+       i686-w64-mingw32-g++-posix g++-mingw-w64-i686-posix \
+       /usr/share/doc/libz-mingw-w64-dev libz-mingw-w64-dev
   need_host_libraries
-  fetch_libcsv
+  fetch_sources
 }
 
-# libcsv has no package for Windows: its source, as Debian has it, goes to build/libcsv.
-fetch_libcsv() {
-  [ ! -f build/libcsv/libcsv.c ] || return 0
-  echo "fetching the source of libcsv"
-  rm -rf build/libcsv.apt build/libcsv
-  mkdir -p build/libcsv.apt/lists/partial build/libcsv
-  if ( cd build/libcsv.apt
-    # shellcheck disable=SC2016
+# C libraries that have no package for Windows: their sources, as Debian has them, go to build/sources.
+windows_sources="libcsv minizip utf8proc"
+fetch_sources() {
+  fetched=$PWD/build/sources
+  [ "$(cat "$fetched/complete" 2>/dev/null)" != "$windows_sources" ] || return 0
+  echo "fetching the sources of $windows_sources"
+  rm -rf "$fetched"
+  mkdir -p "$fetched/apt/lists/partial"
+  # shellcheck disable=SC2086,SC2016
+  if ( cd "$fetched/apt" || exit
     apt-get indextargets 'Created-By: Packages' 'Label: Debian' \
       --format 'deb-src $(REPO_URI) $(CODENAME) $(COMPONENT)' | sort -u >sources.list
     set -- -qq -o Dir::Etc::SourceList="$PWD/sources.list" -o Dir::Etc::SourceParts=/dev/null \
       -o Dir::State::Lists="$PWD/lists" -o APT::Sandbox::User=root
-    apt-get "$@" update && apt-get "$@" source --download-only libcsv
-  ) >build/libcsv.apt.log 2>&1 &&
-    tar xf build/libcsv.apt/libcsv_*.orig.tar.* -C build/libcsv --strip-components=1; then
+    apt-get "$@" update && apt-get "$@" source --download-only $windows_sources || exit
+    for name in $windows_sources; do
+      mkdir "$fetched/$name"
+      tar xf "$name"_*.orig.tar.* -C "$fetched/$name" --strip-components=1 || exit
+    done
+  ) >build/sources.log 2>&1; then
+    echo "$windows_sources" >"$fetched/complete"
     return 0
   fi
-  cat build/libcsv.apt.log >&2
-  rm -rf build/libcsv
-  echo "could not fetch the source of libcsv" >&2
+  cat build/sources.log >&2
+  echo "could not fetch the sources of $windows_sources" >&2
   return 1
 }
 

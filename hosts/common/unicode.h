@@ -1,0 +1,27 @@
+// What Unicode says of UTF-8 texts, by utf8proc.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kivhost {
+
+bool IsUtf8(std::string_view text);
+
+// Letters and their accents as one character each, where there is one (NFC). What is no UTF-8 stays
+// as it is, here and below.
+std::string Composed(std::string_view utf8);
+// For comparing: letter case does not count, nor whether an accent is a character of its own.
+std::string FoldCase(std::string_view utf8);
+// For searching: accents do not count either.
+std::string FoldAccents(std::string_view utf8);
+
+// A character that is seen nowhere or turns the direction of what stands beside it: no name has
+// one.
+bool HasHiddenCharacter(std::string_view utf8);
+
+// How many columns of a terminal it takes: two for a wide character, none for an accent of its own.
+size_t CountCells(std::string_view utf8);
+
+}  // namespace kivhost
