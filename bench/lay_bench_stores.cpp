@@ -1,9 +1,9 @@
 // Lays out the stores that counts.sh and far.sh count on.
 //
-//   lay_bench_stores ROOT                               ROOT/class-of-10, class-of-100,
-//   class-of-1000 lay_bench_stores ROOT TEACHERS CLASSES STUDENTS     a school at ROOT, of so many
-//   teachers with so
-//                                                       many classes of so many students each
+//   lay_bench_stores ROOT
+//     ROOT/class-of-10, ROOT/class-of-100 and ROOT/class-of-1000
+//   lay_bench_stores ROOT TEACHERS CLASSES STUDENTS
+//     a school at ROOT, of so many teachers with so many classes of so many students each
 #include <cstdio>
 #include <cstdlib>
 #include <string>

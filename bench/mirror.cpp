@@ -19,10 +19,11 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -66,22 +67,28 @@ int Answer(long result) {
   return result < 0 ? -errno : static_cast<int>(result);
 }
 
-// The signal's handler does no more than the system allows it to.
-void TellCounts(int) {
-  char text[512];
-  int length = 0;
+void TellCounts() {
+  std::ofstream file(gCounts);
   long all = 0;
   for (int i = 0; i < kLast; ++i) {
     const long asked = gAsked[i].exchange(0);
     all += asked;
-    length += std::snprintf(text + length, sizeof text - static_cast<size_t>(length), "%s %ld\n",
-                            kNames[i], asked);
+    file << kNames[i] << ' ' << asked << '\n';
   }
-  length +=
-      std::snprintf(text + length, sizeof text - static_cast<size_t>(length), "all %ld\n", all);
-  const int file = open(gCounts.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  (void)!write(file, text, static_cast<size_t>(length));
-  close(file);
+  file << "all " << all << '\n';
+}
+
+// A thread awaits the signal, which all others leave to it: no handler could write a file safely.
+void TellCountsWhenAsked() {
+  sigset_t asking;
+  sigemptyset(&asking);
+  sigaddset(&asking, SIGUSR1);
+  pthread_sigmask(SIG_BLOCK, &asking, nullptr);
+  std::thread([asking] {
+    for (int signal = 0; sigwait(&asking, &signal) == 0;) {
+      TellCounts();
+    }
+  }).detach();
 }
 
 void* Begin(fuse_conn_info*, fuse_config* config) {
@@ -235,7 +242,7 @@ int main(int argc, char** argv) {
   gWait = static_cast<useconds_t>(std::atoi(argv[3]));
   char* arguments[] = {argv[0], argv[4], const_cast<char*>("-f"), nullptr};
   gIsStrict = argc > 5 && std::strcmp(argv[5], "strict") == 0;
-  std::signal(SIGUSR1, TellCounts);
+  TellCountsWhenAsked();
   const fuse_operations operations = Operations();
   return fuse_main(3, arguments, &operations, nullptr);
 }

@@ -117,9 +117,7 @@ bool Hold::MakeFolder(const SNewcomer& newcomer) {
   std::vector<NewFile> files(besides.begin(), besides.end());
   files.push_back(
       {CachedText<kTextLongNameFile>().GetText(), reinterpret_cast<const char*>(bytes), length});
-  SFileSpec beside(list);
-  beside.Up();
-  const SString making = beside.GetPath() + newcomer.folderName + kReadyEnding;
+  const SString making = ReadyPath(list, newcomer.folderName);
   const SString place = list.GetPath() + newcomer.folderName;
   const auto make = [&](SystemError& error) {
     return Platform().files->MakeWhole(making.GetText(), place.GetText(), files.data(),
@@ -129,8 +127,9 @@ bool Hold::MakeFolder(const SNewcomer& newcomer) {
   if (bytes == nullptr || make(error)) {
     return bytes != nullptr;
   }
+  // A death has left one: only then is it looked for.
   if (error == SystemError::kAlreadyExists) {
-    PlaceToMake(list, newcomer.folderName);  // a death has left it
+    PlaceToMake(list, newcomer.folderName);
     if (make(error)) {
       return true;
     }

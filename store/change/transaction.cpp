@@ -84,10 +84,14 @@ bool IsKnownMissing(const SFileSpec& spec) {
   return !spec.Exists() && SFileSpec::GetLastError() == kNotFound;
 }
 
+SString ReadyPath(const SFileSpec& list, const SString& folder) {
+  SFileSpec beside(list);
+  beside.Up();
+  return beside.GetPath() + folder + ".new";
+}
+
 SFileSpec PlaceToMake(const SFileSpec& list, const SString& folder) {
-  SFileSpec place(list);
-  place.Up();
-  place.Down(folder + kReadyEnding);
+  SFileSpec place(ReadyPath(list, folder));
   if (place.IsExistingFolder()) {
     place.Delete(true);
   }

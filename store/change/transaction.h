@@ -28,8 +28,8 @@ bool IsListStillThere(SSite& site, SLockFile& lock, const SFileSpec& folder, Lis
 bool IsKnownMissing(const SFileSpec& spec);
 
 // Where a folder is made ready: beside the list, where no listing looks. What a death has left
-// there belongs to nobody and goes.
-inline constexpr const char* kReadyEnding = ".new";
+// there belongs to nobody; PlaceToMake clears it away.
+SString ReadyPath(const SFileSpec& list, const SString& folder);
 SFileSpec PlaceToMake(const SFileSpec& list, const SString& folder);
 
 // IsListedThere, under the list's lock, for who is about to come into the list. The names of an

@@ -237,7 +237,6 @@ TEST_P(Streams, KeepTheFirstErrorAndRefuseWhatDoesNotFit) {
 }
 
 // What one kind of stream does and no other.
-
 constexpr int32_t kRead = SStreamSource::kRead, kWrite = SStreamSource::kWrite;
 
 class FileStreams : public kivtest::FileTest {
