@@ -1,8 +1,110 @@
 #include "hosts/common/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include "hosts/common/charset.h"
+#include "hosts/common/host_error.h"
+#include "hosts/common/nearest.h"
 
 namespace kivhost {
+namespace {
+
+const char* RootVariable() {
+  const char* const root = std::getenv("KIVSTORE_ROOT");
+  return root != nullptr && *root != '\0' ? root : nullptr;
+}
+
+// The command that a line means: the words that name it, and where the rest begins.
+struct NamedCommand {
+  CLI::App* app;
+  std::string words;
+  size_t rest = 0;
+};
+
+std::vector<std::string> CommandsOf(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(command->get_name());
+  }
+  return names;
+}
+
+std::string Joined(const std::vector<std::string>& names) {
+  std::string text;
+  for (size_t i = 0; i < names.size(); ++i) {
+    text += (i == 0 ? "" : i + 1 == names.size() ? " or " : ", ") + names[i];
+  }
+  return text;
+}
+
+std::string DidYouMean(const std::string& nearest) {
+  return nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?";
+}
+
+std::string SeeHelp(const NamedCommand& command) {
+  const size_t blank = std::min(command.words.find(' '), command.words.size());
+  return "; " + command.words.substr(0, blank) + " help" + command.words.substr(blank) +
+         " tells more";
+}
+
+// Throws if a word stands where a command should.
+NamedCommand FindCommand(CLI::App* top, const std::vector<std::string>& arguments) {
+  NamedCommand command{top, top->get_name()};
+  for (; command.rest < arguments.size(); ++command.rest) {
+    const std::string& word = arguments[command.rest];
+    const std::vector<std::string> names = CommandsOf(*command.app);
+    if (names.empty() || word.starts_with("-")) {
+      break;
+    }
+    if (std::find(names.begin(), names.end(), word) == names.end()) {
+      const std::string near = Nearest(word, names);
+      throw HostError(kWrongUsage,
+                      "no command \"" + word + '"' +
+                          (near.empty() ? ": " + Joined(names) + " is wanted" + SeeHelp(command)
+                                        : DidYouMean(near)));
+    }
+    command.app = command.app->get_subcommand(word);
+    command.words += ' ' + word;
+  }
+  return command;
+}
+
+// Throws if something stands there like an option that is none.
+void NeedKnownOptions(const NamedCommand& command, const std::vector<std::string>& arguments) {
+  std::vector<std::string> known;
+  for (const CLI::Option* const option : command.app->get_options()) {
+    for (const std::string& name : option->get_lnames()) {
+      known.push_back("--" + name);
+    }
+  }
+  for (size_t i = command.rest; i < arguments.size() && arguments[i] != "--"; ++i) {
+    const std::string name = arguments[i].substr(0, arguments[i].find('='));
+    if (name.starts_with("--") && std::find(known.begin(), known.end(), name) == known.end()) {
+      const std::string near = Nearest(name, known);
+      throw HostError(kWrongUsage, "no option \"" + name + '"' +
+                                       (near.empty() ? SeeHelp(command) : DidYouMean(near)));
+    }
+  }
+}
+
+// In the form of the other messages.
+HostError WrongLine(const CLI::ParseError& error, const NamedCommand& command) {
+  const std::vector<std::string> commands = CommandsOf(*command.app);
+  if (!commands.empty()) {
+    return {kWrongUsage, "a command is wanted: " + Joined(commands) + SeeHelp(command)};
+  }
+  std::string message = error.what();
+  constexpr std::string_view kExtras = "The following argument";
+  if (message.starts_with(kExtras)) {
+    message = "too many arguments: " + message.substr(message.find(": ") + 2);
+  }
+  return {kWrongUsage, message + SeeHelp(command)};
+}
+
+}  // namespace
 
 const CommandOption& CommandOption::Require() const {
   option->required();
@@ -50,16 +152,37 @@ void Command::AddFlag(const char* name, bool& value, const char* help) const {
   app->add_flag(name, value, help);
 }
 
+CommandOption Command::AddRoot(const char* name, std::string& value, const char* help,
+                               bool mayBeNew) const {
+  CLI::Option* const option = app->add_option(name, value, help)->required();
+  if (RootVariable() != nullptr && !mayBeNew) {
+    option->check(CLI::Validator(
+        [](const std::string& path) {
+          std::error_code unknown;
+          return std::filesystem::exists(path, unknown) ? "" : path + ": no such folder";
+        },
+        ""));
+  }
+  return CommandOption(option);
+}
+
 void Command::AddNumbered(const char* name, const char* help, const Words& words, const char* shown,
                           std::function<void(int)> take) const {
   std::string names;
   for (const auto& [word, number] : words) {
     names += (names.empty() ? "" : "|") + word;
   }
-  CLI::Option* const option = app->add_option_function<int>(name, std::move(take), help);
-  option->transform(CLI::CheckedTransformer(words, CLI::ignore_case).description(""))
-      ->type_name(names)
-      ->default_str(shown);
+  const std::string longName = std::string(name).substr(std::string(name).rfind(',') + 1);
+  const auto choose = [words, take = std::move(take), longName, names](const std::string& chosen) {
+    for (const auto& [word, number] : words) {
+      if (EqualNoCase(word, chosen)) {
+        take(number);
+        return;
+      }
+    }
+    throw CLI::ValidationError(longName, '"' + chosen + "\" is none of " + names);
+  };
+  app->add_option_function<std::string>(name, choose, help)->type_name(names)->default_str(shown);
 }
 
 void Command::SetFooter(const char* text) const {
@@ -74,19 +197,45 @@ CommandLine::CommandLine(const char* program, const char* description,
                          std::function<std::string()> version)
     : Command(nullptr), owned(std::make_unique<CLI::App>(description, program)) {
   app = owned.get();
-  app->set_version_flag("--version", std::move(version));
+  app->set_version_flag("-V,--version", std::move(version));
   app->allow_windows_style_options(false);
 }
 
 CommandLine::~CommandLine() = default;
 
-CommandLine::Result CommandLine::Run(int argc, const char* const* argv) const {
-  try {
-    app->parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app->exit(error) == 0 ? Result::kShown : Result::kWrong;
+bool CommandLine::Run(int argc, const char* const* argv) const {
+  std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  if (!arguments.empty() && arguments[0] == "help") {
+    arguments.erase(arguments.begin());
+    arguments.emplace_back("--help");
   }
-  return Result::kRun;
+  const NamedCommand command = FindCommand(app, arguments);
+  NeedKnownOptions(command, arguments);
+  try {
+    return Parse(arguments);
+  } catch (const CLI::ParseError& error) {
+    const char* const root = RootVariable();
+    if (root == nullptr || !CommandsOf(*command.app).empty()) {
+      throw WrongLine(error, command);
+    }
+    arguments.insert(arguments.begin() + static_cast<std::ptrdiff_t>(command.rest), root);
+  }
+  try {
+    return Parse(arguments);
+  } catch (const CLI::ParseError& error) {
+    throw WrongLine(error, command);
+  }
+}
+
+bool CommandLine::Parse(std::vector<std::string> arguments) const {
+  std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
+  try {
+    app->parse(std::move(arguments));
+  } catch (const CLI::Success& shown) {
+    app->exit(shown);
+    return false;
+  }
+  return true;
 }
 
 }  // namespace kivhost

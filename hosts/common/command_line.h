@@ -2,6 +2,8 @@
 // behind it is CLI11, which stands in command_line.cpp alone: its headers cost every file that
 // includes them seconds.
 //
+// "help COMMAND" is "COMMAND --help". A root that is left out is taken from the environment.
+//
 // Commands and options belong to the CommandLine; the handles below are passed by value.
 #pragma once
 
@@ -48,6 +50,10 @@ class Command {
                           const char* help) const;
   CommandOption AddOption(const char* name, std::vector<std::string>& values,
                           const char* help) const;
+  // The root of a store, which may be left out where KIVSTORE_ROOT has it: whoever sets that gives
+  // as the first argument an existing folder, or none.
+  CommandOption AddRoot(const char* name, std::string& value, const char* help,
+                        bool mayBeNew = false) const;
   void AddFlag(const char* name, bool& value, const char* help) const;
   // One of the words, letter case ignored. `shown` is the word that the help shows as the default.
   template <class Value, class Target>
@@ -83,12 +89,14 @@ class CommandLine : public Command {
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
 
-  enum class Result { kRun, kShown, kWrong };
-  // Runs the command that the line names; prints the help or the version if it asks for that, and
-  // what is wrong with it otherwise. What a command throws comes through.
-  Result Run(int argc, const char* const* argv) const;
+  // Runs the command that the line names, or prints the help or the version if it asks for that;
+  // false then. Throws wrong usage, naming what is near, for a line that is none. What a command
+  // throws comes through.
+  bool Run(int argc, const char* const* argv) const;
 
  private:
+  bool Parse(std::vector<std::string> arguments) const;
+
   std::unique_ptr<CLI::App> owned;
 };
 

@@ -1,4 +1,5 @@
-// Files that a user names, read and written whole. Throws HostError with the path and the code.
+// Files that a user names, read and written whole: "-" is standard output. Throws HostError with
+// the path and the code.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +12,11 @@ namespace kivhost {
 // `kind` is what a larger file than `most` is not: "a file of a store".
 std::string ReadWholeFile(const std::string& path, size_t most, const char* kind,
                           ExitCode exitCode);
-void WriteWholeFile(const std::string& path, const std::string& bytes);
+// Throws wrong usage for what is no place to write to: a file that is there, unless it is to be
+// replaced, and whatever is a store's own.
+void NeedTarget(const std::string& path, bool replaces);
+// Beside the file and then into its place, so that one that is there stays until the new is whole.
+// A pipe or a device is written to as it is.
+void WriteWholeFile(const std::string& path, const std::string& bytes, bool replaces);
 
 }  // namespace kivhost

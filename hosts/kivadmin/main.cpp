@@ -29,14 +29,7 @@ int RunCommandLine(int argc, char** argv) {
   for (const AddCommand add : kCommands) {
     add(app, common);
   }
-  switch (app.Run(argc, argv)) {
-    case kivhost::CommandLine::Result::kRun:
-      break;
-    case kivhost::CommandLine::Result::kShown:
-      return kDone;
-    case kivhost::CommandLine::Result::kWrong:
-      return kWrongUsage;
-  }
+  app.Run(argc, argv);
   std::cout << std::flush;
   return std::cout ? kDone : kNoStore;
 }

@@ -14,7 +14,7 @@ enum class Mode { kAuto, kLocal, kNetwork };
 struct CommandLine {
   std::string root;
   Format format = Format::kTable;
-  std::string output;
+  std::string output = "-";
   bool roster = false;
   std::string teacher;
   std::string group;
@@ -25,9 +25,9 @@ struct CommandLine {
   bool quiet = false;
 };
 
-// Nothing if the program is to end at once, with `exitCode`. `version` is asked only for --version.
+// Nothing if the help or the version was asked for and shown. `version` is asked only for
+// --version. Throws wrong usage.
 std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
-                                            const std::function<std::string()>& version,
-                                            int& exitCode);
+                                            const std::function<std::string()>& version);
 
 }  // namespace kivreport

@@ -33,11 +33,7 @@ void WriteOut(const CommandLine& line, const Report& report) {
     text << "\xEF\xBB\xBF";
   }
   WriteReport(text, report, line.format);
-  if (!line.output.empty()) {
-    kivhost::WriteWholeFile(line.output, text.str());
-  } else if (!(std::cout << text.str() << std::flush)) {
-    throw HostError(kWrongUsage, "standard output could not be written");
-  }
+  kivhost::WriteWholeFile(line.output, text.str(), line.force);
 }
 
 // What could be read has been reported all the same.
@@ -65,6 +61,7 @@ kivhost::KindWanted WantedBy(const CommandLine& line) {
 }
 
 int Run(const CommandLine& line) {
+  kivhost::NeedTarget(line.output, line.force);
   const Request request{Selector(line.teacher), Selector(line.group), !line.roster, line.quiet};
   const kivhost::OpenStore store(line.root, WantedBy(line));
   const auto charset = kivhost::NeedCharset(kivhost::CharsetOf(store, line.charset));
@@ -83,10 +80,8 @@ int Run(const CommandLine& line) {
 
 int Main(int argc, char** argv) {
   kivhost::Console console(argc, argv);
-  int exitCode = kDone;
-  const auto line =
-      ParseCommandLine(console.GetCount(), console.GetArguments(), VersionText, exitCode);
-  return line ? Run(*line) : exitCode;
+  const auto line = ParseCommandLine(console.GetCount(), console.GetArguments(), VersionText);
+  return line ? Run(*line) : kDone;
 }
 
 }  // namespace

@@ -15,26 +15,29 @@ struct AddArguments {
 void AddTeacher(const CommonOptions& common, const AddArguments& arguments) {
   const Session session(common, Session::Access::kChange);
   RequireTeachers(session);
-  const auto added =
-      EnterTeacher(session, Teachers(session), session.NewName(arguments.name, "NAME"));
-  session.Say("added teacher " + session.Show(added));
+  const Roster teachers = Teachers(session);
+  const auto added = EnterTeacher(session, teachers, session.NewName(arguments.name, "NAME"));
+  session.Say("added teacher " + session.Show(added) + LikeText(session, teachers, added));
 }
 
 void AddClass(const CommonOptions& common, const AddArguments& arguments) {
   const Session session(common, Session::Access::kChange);
   ChooseTeacher(session, arguments.where.teacher);
-  const auto added = EnterClass(session, Classes(session), session.NewName(arguments.name, "NAME"));
-  session.Say("added class " + session.Show(added) + OfTeacher(session));
+  const Roster classes = Classes(session);
+  const auto added = EnterClass(session, classes, session.NewName(arguments.name, "NAME"));
+  session.Say("added class " + session.Show(added) + OfTeacher(session) +
+              LikeText(session, classes, added));
 }
 
 void AddStudent(const CommonOptions& common, const AddArguments& arguments) {
   const Session session(common, Session::Access::kChange);
   ChooseTeacher(session, arguments.where.teacher);
   const auto group = FindClass(session, arguments.where.group);
-  const auto added = EnterStudent(session, Students(session, group),
-                                  NewPerson(session, arguments.name, arguments.last));
+  const Roster students = Students(session, group);
+  const auto added =
+      EnterStudent(session, students, NewPerson(session, arguments.name, arguments.last));
   session.Say("added student " + session.Show(added) + " to class " + session.Show(group) +
-              OfTeacher(session));
+              OfTeacher(session) + LikeText(session, students, added));
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // `export`: the rosters in the form that import takes.
-#include <iostream>
-
 #include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
@@ -10,16 +8,13 @@ namespace kivadmin {
 namespace {
 
 struct ExportArguments {
-  std::string output;
+  std::string output = "-";
 };
 
 void Export(const CommonOptions& common, const ExportArguments& arguments) {
-  const std::string lines = ExportRosters(Session(common, Session::Access::kLook));
-  if (arguments.output.empty()) {
-    std::cout << lines;
-  } else {
-    kivhost::WriteWholeFile(arguments.output, lines);
-  }
+  kivhost::NeedTarget(arguments.output, common.force);
+  kivhost::WriteWholeFile(arguments.output, ExportRosters(Session(common, Session::Access::kLook)),
+                          common.force);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // `options export` and `options import`: a level's options as a text file for hands.
-#include <filesystem>
 #include <iostream>
 
+#include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/commands/options_commands.h"
 #include "hosts/kivadmin/options/options_import.h"
 #include "hosts/kivadmin/options/options_text_file.h"
@@ -15,10 +15,7 @@ struct TextFileArguments {
 };
 
 void Export(const CommonOptions& common, const TextFileArguments& arguments) {
-  std::error_code error;
-  if (!common.force && std::filesystem::exists(arguments.file, error)) {
-    throw HostError(kWrongUsage, arguments.file + ": is there already; --force replaces it");
-  }
+  kivhost::NeedTarget(arguments.file, common.force);
   const Session session(common, Session::Access::kLook);
   const ChosenPlace chosen(session, arguments.names);
   kivstore::STeacherOptionsDob options;

@@ -1,6 +1,9 @@
 #include "hosts/kivadmin/rosters/rosters.h"
 
+#include <algorithm>
+
 #include "hosts/common/failure_text.h"
+#include "hosts/common/unicode.h"
 #include "store/list/listing.h"
 #include "store/place/display_name.h"
 #include "store/place/placing.h"
@@ -68,6 +71,24 @@ SLoginNameObj& AtPlace(Roster& roster, long place, const std::string& name,
   return roster.list[static_cast<int32_t>(place - 1)];
 }
 
+bool EqualLetters(const std::string& a, const std::string& b) {
+  return kivhost::FoldCase(a) == kivhost::FoldCase(b);
+}
+
+// "there are: Mr Fox, Ms Hill"; of a long list the first.
+std::string WhoIsThere(const Session& session, const Roster& roster) {
+  constexpr int32_t kMost = 5;
+  const int32_t count = roster.list.GetSize();
+  if (count == 0) {
+    return "the list is empty";
+  }
+  std::string text = count == 1 ? "there is: " : "there are: ";
+  for (int32_t i = 0; i < std::min(count, kMost); ++i) {
+    text += (i > 0 ? ", " : "") + session.Show(DisplayName(*roster.list.At(i)));
+  }
+  return text + (count > kMost ? " and " + std::to_string(count - kMost) + " more" : "");
+}
+
 }  // namespace
 
 SFileSpec ClassesFolder(const Session& session) {
@@ -99,21 +120,27 @@ SLoginNameObj& Find(const Session& session, Roster& roster, const std::string& n
   if (const auto place = PlaceOf(name)) {
     return AtPlace(roster, *place, name, level);
   }
-  const SString display = session.ToStore(name, level);
-  SLoginNameObj* found = nullptr;
-  for (SLoginNameObj& entry : roster.list) {
-    if (!IsNamed(entry, display)) {
-      continue;
+  session.ToStore(name, level);
+  // The better way to be the same first: who is called so to the letter is meant, whoever else is.
+  using IsSame = bool (*)(const std::string& a, const std::string& b);
+  for (const IsSame isSame :
+       {IsSame([](const std::string&a, const std::string&b) { return a == b; }),
+        IsSame([](const std::string&a, const std::string&b) { return EqualLetters(a, b); })}) {
+    SLoginNameObj* found = nullptr;
+    for (SLoginNameObj& entry : roster.list) {
+      if (!isSame(session.Show(DisplayName(entry)), name)) {
+        continue;
+      }
+      if (found != nullptr) {
+        throw HostError(kRefused, "more than one " + level + " \"" + name + "\": say which by #N");
+      }
+      found = &entry;
     }
     if (found != nullptr) {
-      throw HostError(kRefused, "more than one " + level + " \"" + name + "\": say which by #N");
+      return *found;
     }
-    found = &entry;
   }
-  if (found == nullptr) {
-    throw HostError(kRefused, "no " + level + " \"" + name + '"');
-  }
-  return *found;
+  throw HostError(kRefused, "no " + level + " \"" + name + "\"; " + WhoIsThere(session, roster));
 }
 
 const SLoginNameObj* FindName(const Roster& roster, const SString& first, const SString& last) {
@@ -124,6 +151,17 @@ const SLoginNameObj* FindName(const Roster& roster, const SString& first, const 
     }
   }
   return nullptr;
+}
+
+std::string LikeText(const Session& session, const Roster& roster, const SLoginNameObj& entry) {
+  const std::string name = session.Show(DisplayName(entry));
+  for (const SLoginNameObj& other : roster.list) {
+    if (!IsNamed(other, DisplayName(entry)) &&
+        EqualLetters(session.Show(DisplayName(other)), name)) {
+      return "; there is " + session.Show(other) + " too";
+    }
+  }
+  return "";
 }
 
 void ChooseTeacher(const Session& session, const std::string& name) {

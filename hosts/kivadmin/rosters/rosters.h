@@ -27,13 +27,19 @@ Roster Teachers(const Session& session);
 Roster Classes(const Session& session);  // of the selected teacher
 Roster Students(const Session& session, const kivstore::SLoginNameObj& classEntry);
 
-// The entry that a NAME of the command line means: a display name, letter case ignored, or #N for
-// its place. `level` is "teacher", "class" or "student", for the error.
+// The entry that a NAME of the command line means: a display name, letter case ignored where nobody
+// has it to the letter, or #N for its place. `level` is "teacher", "class" or "student", for the
+// error.
 kivstore::SLoginNameObj& Find(const Session& session, Roster& roster, const std::string& name,
                               const std::string& level);
 // Null if the list has no such display name.
 const kivstore::SLoginNameObj* FindName(const Roster& roster, const kivstore::SString& first,
                                         const kivstore::SString& last);
+
+// "; there is "Jürgen" too" for "JÜRGEN": whom a person would take for the same, and the store does
+// not. Empty if there is nobody like that.
+std::string LikeText(const Session& session, const Roster& roster,
+                     const kivstore::SLoginNameObj& entry);
 
 // Selects the teacher for what follows. Without a name the only one there is; in a store without
 // teachers a name is wrong usage, and nobody is selected.

@@ -6,6 +6,7 @@
 #include "hosts/common/console.h"
 #include "hosts/common/failure_text.h"
 #include "hosts/common/store_conf.h"
+#include "hosts/common/unicode.h"
 #include "hosts/kivadmin/session/looking_services.h"
 #include "store/list/entry_lock.h"
 #include "store/place/display_name.h"
@@ -26,10 +27,6 @@ kivhost::KindWanted WantedBy(const CommonOptions& options) {
   }
   wanted.force = options.force;
   return wanted;
-}
-
-bool IsControl(char c) {
-  return static_cast<unsigned char>(c) < ' ' || c == 0x7F;
 }
 
 bool HasIndexLock(SFileSpec folder) {
@@ -65,8 +62,10 @@ SString Session::ToStore(const std::string& text, const std::string& what) const
 
 SString Session::NewName(const std::string& text, const std::string& what) const {
   constexpr size_t kLongest = 255;
-  if (std::any_of(text.begin(), text.end(), IsControl)) {
-    throw HostError(kWrongUsage, what + ": a control character in the name");
+  if (kivhost::HasHiddenCharacter(text)) {
+    throw HostError(kWrongUsage, what +
+                                     ": a control character, or one that turns the direction of "
+                                     "writing, in the name");
   }
   if (text.find_first_not_of(' ') == std::string::npos) {
     throw HostError(kWrongUsage, what + ": the name is empty");
@@ -157,6 +156,10 @@ void Session::NeedEntry(SLockFile& lock, const SFileSpec& folder,
 
 void Session::Say(const std::string& line) const {
   std::cout << (dryRun ? "dry run: " : "") << line << '\n';
+  TellShortfall();
+}
+
+void Session::TellShortfall() const {
   if (!shortfall.empty()) {
     throw HostError(kNoStore, "not all of it is written: " + shortfall +
                                   "; kivadmin check --repair mends the rest");

@@ -86,6 +86,8 @@ class Session {
 
   // The one line of what was done. Throws if something of it could not be written.
   void Say(const std::string& line) const;
+  // The last of it alone.
+  void TellShortfall() const;
 
  private:
   bool dryRun;

@@ -1,0 +1,30 @@
+#include "hosts/common/interruption.h"
+
+#include <csignal>
+
+namespace kivhost {
+namespace {
+
+volatile std::sig_atomic_t gIsAsked = 0;
+
+void Ask(int) {
+  gIsAsked = 1;
+  std::signal(SIGINT, SIG_DFL);
+}
+
+}  // namespace
+
+Interruption::Interruption() {
+  gIsAsked = 0;
+  std::signal(SIGINT, Ask);
+}
+
+Interruption::~Interruption() {
+  std::signal(SIGINT, SIG_DFL);
+}
+
+bool Interruption::IsAsked() const {
+  return gIsAsked != 0;
+}
+
+}  // namespace kivhost
