@@ -26,7 +26,7 @@ else()
   find_package(nlohmann_json REQUIRED)
   target_link_libraries(kivhost_libraries INTERFACE CLI11::CLI11 nlohmann_json::nlohmann_json)
   # Those that bring neither a CMake package nor, all of them, one for pkg-config.
-  foreach(name IN ITEMS csv:csv.h minizip:minizip/zip.h utf8proc:utf8proc.h)
+  foreach(name IN ITEMS csv:csv.h minizip:minizip/zip.h utf8proc:utf8proc.h z:zlib.h)
     string(REPLACE ":" ";" name ${name})
     list(GET name 1 header)
     list(GET name 0 name)

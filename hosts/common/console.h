@@ -26,6 +26,8 @@ class Console {
 };
 
 bool InputIsTerminal();
+// From then on standard input comes byte by byte as it is, on a system that makes texts of it.
+void TakeInputAsBytes();
 bool ErrorIsTerminal();
 
 // By the user's number; empty where users have none. The number itself if nobody has it.

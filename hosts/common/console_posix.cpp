@@ -28,6 +28,8 @@ bool InputIsTerminal() {
   return isatty(STDIN_FILENO) == 1;
 }
 
+void TakeInputAsBytes() {}
+
 bool ErrorIsTerminal() {
   return isatty(STDERR_FILENO) == 1;
 }

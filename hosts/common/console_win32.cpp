@@ -154,6 +154,10 @@ bool InputIsTerminal() {
   return IsTerminal(stdin);
 }
 
+void TakeInputAsBytes() {
+  _setmode(_fileno(stdin), _O_BINARY);
+}
+
 bool ErrorIsTerminal() {
   return IsTerminal(stderr);
 }

@@ -2,7 +2,8 @@
 #include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
-#include "hosts/kivadmin/rosters/roster_csv.h"
+#include "hosts/kivadmin/roster_files/roster_writer.h"
+#include "hosts/kivadmin/rosters/roster_lines.h"
 
 namespace kivadmin {
 namespace {
@@ -13,7 +14,8 @@ struct ExportArguments {
 
 void Export(const CommonOptions& common, const ExportArguments& arguments) {
   kivhost::NeedTarget(arguments.output, common.force);
-  kivhost::WriteWholeFile(arguments.output, ExportRosters(Session(common, Session::Access::kLook)),
+  kivhost::WriteWholeFile(arguments.output,
+                          RosterAsCsv(RosterLines(Session(common, Session::Access::kLook))),
                           common.force);
 }
 

@@ -1,9 +1,10 @@
-// `import`: the rosters of a CSV file.
+// `import`: the rosters of a file.
+#include <algorithm>
 #include <iostream>
+#include <tuple>
 
-#include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
-#include "hosts/kivadmin/rosters/roster_csv.h"
+#include "hosts/kivadmin/commands/roster_arguments.h"
 #include "hosts/kivadmin/rosters/roster_import.h"
 
 namespace kivadmin {
@@ -11,6 +12,7 @@ namespace {
 
 struct ImportArguments {
   std::string file;
+  RosterFormat format;
 };
 
 std::string Summary(const ImportCounts& counts, const std::string& file) {
@@ -20,17 +22,34 @@ std::string Summary(const ImportCounts& counts, const std::string& file) {
          std::to_string(counts.notTaken) + " not taken";
 }
 
+// In the order of the file.
+void TellRefused(RosterFile& roster) {
+  std::stable_sort(roster.refused.begin(), roster.refused.end(),
+                   [](const RefusedLine& a, const RefusedLine& b) {
+                     return std::tie(a.file, a.number) < std::tie(b.file, b.number);
+                   });
+  for (const RefusedLine& line : roster.refused) {
+    std::cerr << PlaceIn(roster, line.file, line.number) << ": " << line.why << '\n';
+  }
+}
+
 void Import(const CommonOptions& common, const ImportArguments& arguments) {
-  const std::vector<CsvLine> lines = ReadRosterFile(arguments.file);
+  RosterFile roster = ReadRosterFile(arguments.file, arguments.format);
   const Session session(common, Session::Access::kChange);
-  const ImportCounts counts =
-      ImportRosters(session, lines, [&](const CsvLine& line, const std::string& why) {
-        std::cerr << arguments.file << ':' << line.number << ": " << why << '\n';
+  FitToStore(roster, session.HasTeachers());
+  TellReading(roster);
+  const size_t rows = roster.lines.size() + roster.refused.size();
+  const size_t notRead = roster.refused.size();
+  ImportCounts counts =
+      ImportRosters(session, roster.lines, [&](const RosterLine& line, const std::string& why) {
+        roster.refused.push_back({line.number, line.file, why});
       });
-  session.Say(Summary(counts, arguments.file));
+  counts.notTaken += notRead;
+  TellRefused(roster);
+  session.Say(Summary(counts, roster.name));
   if (counts.notTaken > 0) {
-    throw HostError(kRefused, std::to_string(counts.notTaken) + " of " +
-                                  std::to_string(lines.size()) + " lines were not taken");
+    throw HostError(kRefused, std::to_string(counts.notTaken) + " of " + std::to_string(rows) +
+                                  " lines were not taken");
   }
 }
 
@@ -39,13 +58,15 @@ void Import(const CommonOptions& common, const ImportArguments& arguments) {
 void AddImportCommand(const Command& app, CommonOptions& common) {
   const Command import = app.AddCommand(
       "import",
-      "Add the teachers, classes and students of a CSV file, UTF-8, with the header\n"
-      "teacher,class,first_name,last_name. A line without a student adds the class, one without\n"
-      "a class the teacher. What is there already stays as it is; a line that cannot be taken is\n"
-      "reported with its number, and the rest is taken.");
+      "Add the teachers, classes and students of a roster: of a table whose heading tells "
+      "teacher,\n"
+      "class, first name, last name in one of nine languages, or of a OneRoster bundle. A row\n"
+      "without a student adds the class, one without a class the teacher. What is there already\n"
+      "stays as it is; a row that cannot be taken is reported with its line, and the rest is "
+      "taken.");
   ImportArguments& arguments = AddRun(import, common, Import);
   AddChangeArguments(import, common);
-  import.AddOption("FILE", arguments.file, "The CSV file").Require();
+  AddRosterArguments(import, arguments.file, arguments.format);
 }
 
 }  // namespace kivadmin

@@ -35,13 +35,15 @@ struct RosterFile {
   std::vector<RosterLine> lines;     // in the order of the file
   std::vector<RefusedLine> refused;  // the rows that are not among them
   std::vector<std::string> notes;    // what was ignored or decided, a sentence each
+  // The last row breaks off where the file does: more may have stood behind it.
+  bool isTorn = false;
 };
 
 // What a user tells about the file; whatever is empty is found out.
 struct RosterFormat {
   std::string charset;     // of the file
   std::string columns;     // "teacher=B,class=Kurs": letters, numbers from 1, or headings
-  bool hasHeading = true;  // false: the first row is one of the roster
+  bool noHeading = false;  // the first row is one of the roster
   std::string teacher;     // of rows and classes that have none
   std::string group;       // of students that have none
   // Of a OneRoster bundle:
@@ -55,7 +57,12 @@ struct RosterFormat {
 // with one line where the file is no roster: what is wrong, and where.
 RosterFile ReadRosterFile(const std::string& path, const RosterFormat& format);
 
-// "school.csv:12", "bundle.zip: enrollments.csv:12".
+// Makes the lines fit a store with or without teachers. With: classes of a bundle that have none
+// are left out, and a table without any teacher is wrong usage. Without: the teachers go. Either is
+// noted.
+void FitToStore(RosterFile& roster, bool hasTeachers);
+
+// "school.csv:12", "bundle.zip/enrollments.csv:12".
 std::string PlaceIn(const RosterFile& roster, const std::string& file, size_t number);
 
 }  // namespace kivadmin

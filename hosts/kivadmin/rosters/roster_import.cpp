@@ -5,7 +5,6 @@
 #include <memory>
 #include <new>
 #include <optional>
-#include <tuple>
 
 #include "hosts/common/progress_bar.h"
 #include "hosts/kivadmin/rosters/roster_changes.h"
@@ -17,20 +16,18 @@ using kivstore::SLoginNameObj;
 using kivstore::SNewcomer;
 using kivstore::SString;
 
-constexpr size_t kFields = 4;  // teacher, class, first name, last name
-
 // The students that lines bring for one class.
 struct Newcomers {
   std::vector<SNewcomer> students;
-  std::vector<const CsvLine*> lines;  // beside them
-  std::vector<bool> hasAddedAbove;    // whether the line has added the class or its teacher
+  std::vector<const RosterLine*> lines;  // beside them
+  std::vector<bool> hasAddedAbove;       // whether the line has added the class or its teacher
 };
 
 class Importer {
  public:
   explicit Importer(const Session& session) : session(session) {}
 
-  void TakeAll(const std::vector<CsvLine>& lines);
+  void TakeAll(const std::vector<RosterLine>& lines);
   // In the order of the lines.
   void TellRefusals(const Refused& refused);
   const ImportCounts& GetCounts() const { return counts; }
@@ -42,13 +39,13 @@ class Importer {
   };
 
   // The teacher and the class; the student waits. Throws where the line cannot be taken.
-  void TakeAbove(const CsvLine& line);
+  void TakeAbove(const RosterLine& line);
   Teacher& TakeTeacher(const std::string& name);
   const SLoginNameObj* TakeClass(Teacher& teacher, const std::string& name);
   void TakeStudents(const SLoginNameObj& group, Newcomers& newcomers,
                     const std::function<void()>& advance);
   void Count(const Newcomers& newcomers);
-  void Refuse(const CsvLine& line, const std::string& why) { refusals.emplace_back(&line, why); }
+  void Refuse(const RosterLine& line, const std::string& why) { refusals.emplace_back(&line, why); }
   size_t Added() const { return counts.teachers + counts.classes; }
   // The roster's own entry for one that has been added.
   static const SLoginNameObj* Note(Roster& roster, const SLoginNameObj& entry);
@@ -58,7 +55,7 @@ class Importer {
   std::map<const SLoginNameObj*, Teacher> known;  // by the entry; null in a store without teachers
   size_t waiting = 0;                             // students
   ImportCounts counts;
-  std::vector<std::pair<const CsvLine*, std::string>> refusals;
+  std::vector<std::pair<const RosterLine*, std::string>> refusals;
 };
 
 const SLoginNameObj* Importer::Note(Roster& roster, const SLoginNameObj& entry) {
@@ -69,8 +66,8 @@ const SLoginNameObj* Importer::Note(Roster& roster, const SLoginNameObj& entry) 
   return roster.list.At(place);
 }
 
-void Importer::TakeAll(const std::vector<CsvLine>& lines) {
-  for (const CsvLine& line : lines) {
+void Importer::TakeAll(const std::vector<RosterLine>& lines) {
+  for (const RosterLine& line : lines) {
     try {
       TakeAbove(line);
     } catch (const HostError& error) {
@@ -97,25 +94,18 @@ void Importer::TellRefusals(const Refused& refused) {
   }
 }
 
-void Importer::TakeAbove(const CsvLine& line) {
-  const std::vector<std::string>& fields = line.fields;
-  if (fields.size() != kFields) {
-    throw HostError(kRefused,
-                    std::to_string(fields.size()) + " fields and not " + std::to_string(kFields));
-  }
-  const auto& [teacherName, className, first, last] =
-      std::tie(fields[0], fields[1], fields[2], fields[3]);
+void Importer::TakeAbove(const RosterLine& line) {
   // Nothing of a line is added whose student could not be.
   std::optional<PersonName> person;
-  if (!first.empty() || !last.empty()) {
-    person = NewPerson(session, first, last);
+  if (!line.first.empty() || !line.last.empty()) {
+    person = NewPerson(session, line.first, line.last);
   }
-  if (!className.empty() || person) {
-    session.NewName(className, "class");
+  if (!line.group.empty() || person) {
+    session.NewName(line.group, "class");
   }
   const size_t before = Added();
-  Teacher& teacher = TakeTeacher(teacherName);
-  const SLoginNameObj* const group = className.empty() ? nullptr : TakeClass(teacher, className);
+  Teacher& teacher = TakeTeacher(line.teacher);
+  const SLoginNameObj* const group = line.group.empty() ? nullptr : TakeClass(teacher, line.group);
   if (!person) {
     counts.there += Added() == before;
     return;
@@ -198,7 +188,7 @@ void Importer::Count(const Newcomers& newcomers) {
 
 }  // namespace
 
-ImportCounts ImportRosters(const Session& session, const std::vector<CsvLine>& lines,
+ImportCounts ImportRosters(const Session& session, const std::vector<RosterLine>& lines,
                            const Refused& refused) {
   Importer importer(session);
   importer.TakeAll(lines);

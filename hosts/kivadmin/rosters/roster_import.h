@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/kivadmin/rosters/csv_reader.h"
+#include "hosts/kivadmin/roster_files/roster_file.h"
 #include "hosts/kivadmin/session/session.h"
 
 namespace kivadmin {
@@ -19,12 +19,12 @@ struct ImportCounts {
 };
 
 // What stopped a line, or at once several of one class, of which `line` is the first.
-using Refused = std::function<void(const CsvLine& line, const std::string& why)>;
+using Refused = std::function<void(const RosterLine& line, const std::string& why)>;
 
 // Adds what the lines have and the store has not: the teachers and classes first, as the lines
 // come, then class by class the students. What cannot be taken is told to `refused` in the order of
 // the lines, and the rest is taken.
-ImportCounts ImportRosters(const Session& session, const std::vector<CsvLine>& lines,
+ImportCounts ImportRosters(const Session& session, const std::vector<RosterLine>& lines,
                            const Refused& refused);
 
 }  // namespace kivadmin
