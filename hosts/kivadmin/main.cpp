@@ -9,10 +9,11 @@ namespace {
 
 using AddCommand = void (*)(const kivhost::Command& app, CommonOptions& common);
 
-constexpr AddCommand kCommands[] = {
-    AddInitCommand,     AddAddCommands,   AddRenameCommands, AddMoveCommands, AddDeleteCommands,
-    AddDeletedCommands, AddImportCommand, AddExportCommand,  AddCheckCommand, AddOptionsCommands,
-    AddProgressCommand, AddDumpCommand,   AddAboutCommand};
+constexpr AddCommand kCommands[] = {AddInitCommand,     AddAddCommands,    AddRenameCommands,
+                                    AddMoveCommands,    AddDeleteCommands, AddDeletedCommands,
+                                    AddImportCommand,   AddSyncCommand,    AddPromoteCommand,
+                                    AddExportCommand,   AddCheckCommand,   AddOptionsCommands,
+                                    AddProgressCommand, AddDumpCommand,    AddAboutCommand};
 
 int RunCommandLine(int argc, char** argv) {
   CommonOptions common;

@@ -52,6 +52,9 @@ and bytes as it does in a `> file` if a quotation keeps it, and a `*` stands for
     > diff A B                     prints the lines that differ in two files
     > hold PATH, > read PATH       has it open for writing, reading in another process
     > let go                       lets all of these go
+    > examples NAME                brings what lies in that folder of the examples
+    > session DOC HEADING          plays the commands of that section of a document, which shows a
+                                   terminal: errors as they come, no codes, and /srv for {above}
     > not under wine: WHY          leaves the transcript out there
     > only on x86: WHY             leaves it out on other processors
 """
@@ -290,6 +293,22 @@ class Play:
         other.play(other.steps)
         if other.faults():
             raise Wrong(f"{name}: {other.faults()}")
+
+    def do_examples(self, name):
+        shutil.copytree(HERE.parent.parent / "examples" / name, self.above, dirs_exist_ok=True)
+
+    def do_session(self, doc, heading):
+        text = (HERE.parent.parent / doc).read_text(encoding="utf-8")
+        section = re.search(rf"^## {re.escape(heading)}$(.*?)(?=^## |\Z)", text, re.M | re.S)[1]
+        blocks = re.findall(r"(?:^    .*\n)+", section, re.M)
+        steps, _ = parse("".join(line[4:] + "\n" for line in "".join(blocks).splitlines()))
+        for step in steps:
+            result = self.programs.run(step.words, self.above)
+            got = self.hide(result.stdout + result.stderr)
+            got = got.replace(b"{above}", b"/srv").replace(b"\r\n", b"\n")
+            step.settle(shown(got), self.captured)
+            if not step.is_met:
+                raise Wrong("\n".join([step.line, *step.got]))
 
     def do_let(self, name, path):
         self.names["{" + name + "}"] = self.expand(path)

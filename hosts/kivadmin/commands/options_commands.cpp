@@ -6,7 +6,9 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "hosts/common/nearest.h"
 #include "hosts/kivadmin/commands/commands.h"
+#include "hosts/kivadmin/options/option_meanings.h"
 #include "hosts/kivadmin/rosters/rosters.h"
 
 namespace kivadmin {
@@ -15,6 +17,11 @@ namespace {
 struct ShowArguments {
   EntryNames names;
   bool json = false;
+  bool all = false;
+};
+
+struct ExplainArguments {
+  std::string key;
 };
 
 struct SetArguments {
@@ -57,10 +64,50 @@ void PrintTable(const std::vector<DecidedOption>& decided) {
   }
 }
 
+bool IsDecided(const DecidedOption& one) {
+  return std::string_view(one.level) != "default";
+}
+
 void Show(const CommonOptions& common, const ShowArguments& arguments) {
   const Session session(common, Session::Access::kLook);
   const ChosenPlace chosen(session, arguments.names);
-  (arguments.json ? PrintJson : PrintTable)(LayerOptions(session, chosen.Get()));
+  std::vector<DecidedOption> options = LayerOptions(session, chosen.Get());
+  const size_t all = options.size();
+  if (!arguments.all && !arguments.json) {
+    std::erase_if(options, [](const DecidedOption& one) { return !IsDecided(one); });
+  }
+  if (arguments.json) {
+    PrintJson(options);
+  } else if (options.empty()) {
+    std::cout << "nothing is decided for " << chosen.Text(session) << "; --all tells the " << all
+              << " defaults\n";
+  } else {
+    PrintTable(options);
+  }
+}
+
+void PrintMeaning(const Option& option) {
+  std::cout << option.key << ": " << MeaningOf(option.key) << ".\n  " << TypeText(option)
+            << "; default " << ValueText(option.value) << '\n';
+}
+
+void Explain(const CommonOptions&, const ExplainArguments& arguments) {
+  kivstore::STeacherOptionsDob defaults;
+  std::vector<std::string> keys;
+  bool isKnown = false;
+  for (const Option& option : ListOptions(defaults)) {
+    keys.push_back(option.key);
+    if (arguments.key.empty() || kivhost::EqualNoCase(option.key, arguments.key)) {
+      PrintMeaning(option);
+      isKnown = true;
+    }
+  }
+  if (!isKnown) {
+    const std::string near = kivhost::Nearest(arguments.key, keys);
+    throw HostError(kWrongUsage, "no option \"" + arguments.key + '"' +
+                                     (near.empty() ? "; kivadmin options explain tells all"
+                                                   : "; did you mean \"" + near + "\"?"));
+  }
 }
 
 void Apply(kivstore::STeacherOptionsDob& options, const std::vector<std::string>& assignments) {
@@ -89,11 +136,20 @@ void Set(const CommonOptions& common, const SetArguments& arguments) {
 
 void AddShow(const Command& options, CommonOptions& common) {
   const Command command = options.AddCommand(
-      "show", "Each option in force: its value, the level that decided it, and when");
+      "show", "The options that somebody decided: value, the level that decided it, and when");
   ShowArguments& arguments = AddRun(command, common, Show);
   AddStoreArguments(command, common);
   AddLevelOptions(command, arguments.names);
   AddFormat(command, arguments.json, "table");
+  command.AddFlag("--all", arguments.all,
+                  "Also those that stand at their defaults, as JSON always does");
+}
+
+void AddExplain(const Command& options, CommonOptions& common) {
+  const Command command = options.AddCommand(
+      "explain", "What an option is for, what it takes, and its default; without KEY of all");
+  ExplainArguments& arguments = AddRun(command, common, Explain);
+  command.AddOption("KEY", arguments.key, "As `options show --all` lists them");
 }
 
 void AddSet(const Command& options, CommonOptions& common) {
@@ -147,6 +203,7 @@ void AddOptionsCommands(const Command& app, CommonOptions& common) {
   const Command options = app.AddCommand("options", "What the teacher decided");
   options.RequireCommand();
   AddShow(options, common);
+  AddExplain(options, common);
   AddSet(options, common);
   AddOptionsExport(options, common);
   AddOptionsImport(options, common);

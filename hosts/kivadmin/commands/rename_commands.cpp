@@ -25,11 +25,11 @@ void RenameTeacher(const CommonOptions& common, const RenameArguments& arguments
   Roster teachers = Teachers(session);
   const SLoginNameObj& teacher = Find(session, teachers, arguments.name, "teacher");
   const SString name = session.NewName(arguments.newName, "NEW");
-  RenameEntry(session, teachers, teacher, {name, SString()}, "teacher", [&] {
+  session.Say(RenameEntry(session, teachers, teacher, {name, SString()}, "teacher", [&] {
     LayoutMaker(session).CompleteEntry(teachers.folder, teacher.folderName,
                                        &LayoutMaker::CompleteTeacher);
     return kivstore::RenameTeacher(session.Site(), teacher, teachers.list, name);
-  });
+  }));
 }
 
 void RenameClass(const CommonOptions& common, const RenameArguments& arguments) {
@@ -38,11 +38,9 @@ void RenameClass(const CommonOptions& common, const RenameArguments& arguments) 
   Roster classes = Classes(session);
   const SLoginNameObj& group = Find(session, classes, arguments.name, "class");
   const SString name = session.NewName(arguments.newName, "NEW");
-  RenameEntry(session, classes, group, {name, SString()}, "class", [&] {
-    LayoutMaker(session).CompleteEntry(classes.folder, group.folderName,
-                                       &LayoutMaker::CompleteClass);
-    return kivstore::RenameClass(session.Site(), group, classes.list, name);
-  });
+  session.Say(RenameEntry(session, classes, group, {name, SString()}, "class", [&] {
+    return RenameClassOf(session, classes, group, classes.list, name);
+  }));
 }
 
 void RenameStudent(const CommonOptions& common, const RenameArguments& arguments) {
@@ -52,10 +50,10 @@ void RenameStudent(const CommonOptions& common, const RenameArguments& arguments
   Roster students = Students(session, group);
   const SLoginNameObj& student = Find(session, students, arguments.name, "student");
   const PersonName name = NewPerson(session, arguments.newName, arguments.newLast);
-  RenameEntry(session, students, student, name, "student", [&] {
+  session.Say(RenameEntry(session, students, student, name, "student", [&] {
     return kivstore::RenameStudent(session.Site(), group, student, students.list, name.first,
                                    name.last);
-  });
+  }));
 }
 
 RenameArguments& AddOne(const Command& command, CommonOptions& common, Run<RenameArguments> run) {

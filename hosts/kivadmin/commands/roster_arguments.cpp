@@ -1,7 +1,5 @@
 #include "hosts/kivadmin/commands/roster_arguments.h"
 
-#include <iostream>
-
 namespace kivadmin {
 
 void AddRosterArguments(const Command& command, std::string& file, RosterFormat& format) {
@@ -37,11 +35,12 @@ void AddRosterArguments(const Command& command, std::string& file, RosterFormat&
       {{"first", kFirst}, {"all", kAll}, {"none", kNone}}, "first");
 }
 
-void TellReading(const RosterFile& roster) {
-  std::cout << "read as: " << roster.readAs << '\n';
-  for (const std::string& note : roster.notes) {
-    std::cout << "note: " << note << '\n';
-  }
+void AddTwins(const Command& command, bool& keepsTwins) {
+  command.AddChoice<bool>(
+      "--twins", keepsTwins,
+      "Of rows with one name in one class: refuse the second, or keep both, told\n"
+      "apart by another character at the end",
+      {{"refuse", false}, {"keep", true}}, "refuse");
 }
 
 }  // namespace kivadmin

@@ -9,7 +9,7 @@ namespace kivadmin {
 // FILE, which is read by `format`, whose options these are.
 void AddRosterArguments(const Command& command, std::string& file, RosterFormat& format);
 
-// What was understood, and what was ignored or decided, on standard output.
-void TellReading(const RosterFile& roster);
+// --twins=keep.
+void AddTwins(const Command& command, bool& keepsTwins);
 
 }  // namespace kivadmin

@@ -2,6 +2,7 @@
 
 #include "hosts/common/charset.h"
 #include "hosts/common/host_error.h"
+#include "hosts/common/nearest.h"
 
 namespace kivadmin {
 namespace {
@@ -94,7 +95,9 @@ std::vector<Option> ListOptions(kivstore::STeacherOptionsDob& options) {
 void SetOption(kivstore::STeacherOptionsDob& options, const std::string& key,
                const std::string& value) {
   bool known = SetUnstamped(options, key, value);
+  std::vector<std::string> names{kAllMissionsCompleted};
   ForEachOption(options, [&](const std::string& name, auto& field) {
+    names.push_back(name);
     if (known || !kivhost::EqualNoCase(name, key)) {
       return;
     }
@@ -104,7 +107,9 @@ void SetOption(kivstore::STeacherOptionsDob& options, const std::string& key,
     options.SetDirty(true);
   });
   if (!known) {
-    throw HostError(kWrongUsage, key + ": there is no such option");
+    const std::string near = kivhost::Nearest(key, names);
+    throw HostError(kWrongUsage, key + ": there is no such option" +
+                                     (near.empty() ? "" : "; did you mean \"" + near + "\"?"));
   }
 }
 
@@ -116,6 +121,15 @@ std::string ValueText(const OptionValue& value) {
     return *flag ? "yes" : "no";
   }
   return std::to_string(std::get<int16_t>(value));
+}
+
+std::string TypeText(const Option& option) {
+  if (std::holds_alternative<bool>(option.value)) {
+    return "yes or no";
+  }
+  return std::holds_alternative<int16_t>(option.value)
+             ? RangeText(LimitsOf(option.key))
+             : "missions from 1 to 25, as in 1-4,7, or none";
 }
 
 // The course has 25 missions, and a mission's activity is out (0), the one it is built around (1)

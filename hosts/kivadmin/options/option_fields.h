@@ -59,6 +59,8 @@ std::string ValueText(const OptionValue& value);
 
 // What a number option takes.
 Limits LimitsOf(const std::string& key);
+// What an option takes, in words: "yes or no", "a number from 0 to 2".
+std::string TypeText(const Option& option);
 
 std::vector<int> MissionsIn(const MissionFlags& flags);
 MissionFlags FlagsOf(const std::vector<int>& missions);

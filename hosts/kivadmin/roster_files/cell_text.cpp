@@ -104,15 +104,6 @@ std::string InQuotes(const std::string& text) {
   return '"' + text + '"';
 }
 
-std::string Grouped(std::string counted) {
-  constexpr size_t kGroup = 3;
-  for (size_t at = std::min(counted.find(' '), counted.size()); at > kGroup;) {
-    at -= kGroup;
-    counted.insert(at, 1, ',');
-  }
-  return counted;
-}
-
 std::string Listed(const std::vector<std::string>& texts) {
   constexpr size_t kMost = 5;
   std::string list;

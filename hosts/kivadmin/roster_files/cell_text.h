@@ -32,8 +32,6 @@ FullName SplitName(std::string_view name, bool lastStandsFirst);
 bool LooksMisread(std::string_view name);
 
 std::string InQuotes(const std::string& text);
-// "2,016 rows" for "2016 rows".
-std::string Grouped(std::string counted);
 // "a, b, c and 4 more".
 std::string Listed(const std::vector<std::string>& texts);
 

@@ -259,7 +259,7 @@ void Joiner::Tell() {
   const auto students = std::count_if(roster.lines.begin(), roster.lines.end(),
                                       [](const RosterLine& line) { return !line.first.empty(); });
   roster.readAs += "; " + kivhost::Counted(inOrder.size(), "class", "classes") + ", " +
-                   Grouped(kivhost::Counted(static_cast<size_t>(students), "student"));
+                   kivhost::Counted(static_cast<size_t>(students), "student");
   if (bundle.gone > 0) {
     roster.notes.push_back(kivhost::Counted(bundle.gone, "row") +
                            " marked as deleted, inactive or disabled: left out");

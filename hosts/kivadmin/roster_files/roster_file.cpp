@@ -2,17 +2,15 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
 #include <map>
 #include <set>
 
-#include "hosts/common/console.h"
 #include "hosts/common/host_error.h"
 #include "hosts/common/unicode.h"
-#include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/roster_files/cell_text.h"
 #include "hosts/kivadmin/roster_files/file_text.h"
 #include "hosts/kivadmin/roster_files/one_roster_lines.h"
+#include "hosts/kivadmin/roster_files/plain_file.h"
 #include "hosts/kivadmin/roster_files/roster_table.h"
 
 namespace kivadmin {
@@ -24,34 +22,6 @@ using kivhost::kWrongUsage;
 using namespace std::string_view_literals;
 
 constexpr const char* kKind = "a roster";
-
-std::string ReadStandardInput() {
-  kivhost::TakeInputAsBytes();
-  std::string bytes;
-  char block[1 << 16];
-  while (std::cin.read(block, sizeof block), std::cin.gcount() > 0) {
-    bytes.append(block, static_cast<size_t>(std::cin.gcount()));
-    if (bytes.size() > kLongestRosterFile) {
-      throw HostError(kWrongUsage, std::string("standard input: too large for ") + kKind);
-    }
-  }
-  return bytes;
-}
-
-// Nothing is opened that could wait for somebody else, and nothing read that is too long.
-void NeedPlainFile(const std::string& path, const fs::file_status& status) {
-  if (status.type() == fs::file_type::not_found) {
-    throw HostError(kWrongUsage, path + ": no such file");
-  }
-  if (fs::status_known(status) && !fs::is_regular_file(status)) {
-    throw HostError(kWrongUsage, path + ": a pipe, a socket or a device, and no file");
-  }
-  std::error_code unknown;
-  const auto size = fs::file_size(path, unknown);
-  if (!unknown && size > kLongestRosterFile) {
-    throw HostError(kWrongUsage, path + ": too large for " + kKind);
-  }
-}
 
 bool IsZip(std::string_view bytes) {
   return bytes.starts_with("PK\3\4") || bytes.starts_with("PK\5\6");
@@ -90,8 +60,8 @@ void TakeBundle(RosterBundle bundle, const RosterFormat& format, RosterFile& ros
 
 void Read(const std::string& path, const RosterFormat& format, RosterFile& roster) {
   if (path == "-") {
-    roster.name = "standard input";
-    std::string bytes = ReadStandardInput();
+    roster.name = NameOfFile(path);
+    std::string bytes = ReadPlainFile(path, kKind);
     if (IsZip(bytes)) {
       throw HostError(kWrongUsage, roster.name + ": a zip; give it as a file");
     }
@@ -104,8 +74,7 @@ void Read(const std::string& path, const RosterFormat& format, RosterFile& roste
     TakeBundle(RosterBundle::OpenFolder(path), format, roster);
     return;
   }
-  NeedPlainFile(path, status);
-  std::string bytes = kivhost::ReadWholeFile(path, kLongestRosterFile, kKind, kWrongUsage);
+  std::string bytes = ReadPlainFile(path, kKind);
   if (IsZip(bytes)) {
     TakeBundle(RosterBundle::OpenZip(path), format, roster);
     return;

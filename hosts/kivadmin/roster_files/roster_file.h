@@ -37,6 +37,9 @@ struct RosterFile {
   std::vector<std::string> notes;    // what was ignored or decided, a sentence each
   // The last row breaks off where the file does: more may have stood behind it.
   bool isTorn = false;
+  // It has no end of line: nothing tells a whole last row from one that is cut within its last
+  // field.
+  bool endsOpen = false;
 };
 
 // What a user tells about the file; whatever is empty is found out.

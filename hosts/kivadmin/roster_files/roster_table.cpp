@@ -133,8 +133,8 @@ void TableReader::ReadAll() {
     }
     return true;
   });
-  const bool breaksOff = csv.text.back() != '\n' && csv.text.back() != '\r';
-  roster.isTorn = breaksOff && lastFields < columns.CountColumns();
+  roster.endsOpen = csv.text.back() != '\n' && csv.text.back() != '\r';
+  roster.isTorn = roster.endsOpen && lastFields < columns.CountColumns();
 }
 
 void TableReader::Take(const CsvRow& row) {
@@ -231,7 +231,7 @@ void TableReader::Tell() {
   roster.readAs =
       file.charset +
       (columns.CountColumns() > 1 ? ", separator " + NameOfSeparator(csv.separator) : "") +
-      ", columns " + columns.Text() + "; " + Grouped(kivhost::Counted(rows, "row"));
+      ", columns " + columns.Text() + "; " + kivhost::Counted(rows, "row");
   const auto note = [&](const char* what, const std::vector<std::string>& which) {
     if (!which.empty()) {
       roster.notes.push_back(what + Listed(which));

@@ -5,6 +5,8 @@
 #include "foundation/time/ticks.h"
 #include "hosts/kivadmin/rosters/layout_maker.h"
 #include "store/change/adding.h"
+#include "store/change/moving.h"
+#include "store/change/renaming.h"
 #include "store/place/display_name.h"
 
 namespace kivadmin {
@@ -56,8 +58,7 @@ constexpr Level kStudentLevel = {"student", &LayoutMaker::CompleteStudent,
 
 SLoginNameObj Enter(const Session& session, const Roster& roster, const PersonName& name,
                     const Level& level) {
-  RequireFree(session, roster, name, level.name);
-  RequireRoom(session, roster);
+  RequireFreeAndRoom(session, roster, name, level.name);
   SLoginNameObj entry(name.first, name.last, SString());
   session.Change(std::string("add ") + level.name + ' ' + session.Show(entry), [&] {
     SFileSpec spec(roster.folder);
@@ -130,22 +131,46 @@ void EnterStudents(const Session& session, const SLoginNameObj& classEntry,
   }
 }
 
-void RenameEntry(const Session& session, const Roster& roster, const SLoginNameObj& entry,
-                 const PersonName& newName, const std::string& level, const Operation& rename) {
+void RequireFreeAndRoom(const Session& session, const Roster& roster, const PersonName& name,
+                        const std::string& level) {
+  RequireFree(session, roster, name, level);
+  RequireRoom(session, roster);
+}
+
+std::string RenameEntry(const Session& session, const Roster& roster, const SLoginNameObj& entry,
+                        const PersonName& newName, const std::string& level,
+                        const Operation& rename) {
   RequireFree(session, roster, newName, level, &entry);
   const std::string what = level + ' ' + session.Show(entry);
   session.Change("rename " + what, rename);
-  session.Say("renamed " + what + " to " +
-              session.Show(SLoginNameObj(newName.first, newName.last, SString())));
+  return "renamed " + what + " to " +
+         session.Show(SLoginNameObj(newName.first, newName.last, SString()));
 }
 
-void MoveEntry(const Session& session, const Roster& destination, const SLoginNameObj& entry,
-               const std::string& level, const std::string& to, const Operation& move) {
-  RequireFree(session, destination, {entry.firstName, entry.lastName}, level);
-  RequireRoom(session, destination);
+std::string MoveEntry(const Session& session, const Roster& destination, const SLoginNameObj& entry,
+                      const std::string& level, const std::string& to, const Operation& move) {
+  RequireFreeAndRoom(session, destination, {entry.firstName, entry.lastName}, level);
   const std::string what = level + ' ' + session.Show(entry);
   session.Change("move " + what, move);
-  session.Say("moved " + what + " to " + to);
+  return "moved " + what + " to " + to;
+}
+
+bool RenameClassOf(const Session& session, const Roster& classes, const SLoginNameObj& group,
+                   SLoginList& list, const SString& name) {
+  LayoutMaker(session).CompleteEntry(classes.folder, group.folderName, &LayoutMaker::CompleteClass);
+  return RenameClass(session.Site(), group, list, name);
+}
+
+bool MoveStudentBetween(const Session& session, const ClassPlace& from, const ClassPlace& to,
+                        SLoginNameObj& student, SLoginList& list) {
+  const SLoginNameObj who(student);
+  SSite& site = session.Site();
+  if (from.teacher == nullptr || IsInFolder(*from.teacher, to.teacher->folderName)) {
+    site.SelectTeacher(from.teacher);
+    return MoveStudent(site, from.group, to.group, student, list, who.firstName, who.lastName);
+  }
+  return MoveStudentAcross(site, *from.teacher, *to.teacher, from.group, to.group, student, list,
+                           who.firstName, who.lastName);
 }
 
 }  // namespace kivadmin

@@ -1,5 +1,5 @@
-// Changes of a roster: each is tested first, so that a refusal is told in words, and told in one
-// line when it is done. In a dry run everything is tested and nothing changes.
+// Changes of a roster: each is tested first, so that a refusal is told in words. In a dry run
+// everything is tested and nothing changes.
 #pragma once
 
 #include <functional>
@@ -35,15 +35,34 @@ void EnterStudents(const Session& session, const kivstore::SLoginNameObj& classE
                    std::vector<kivstore::SNewcomer>& newcomers,
                    const std::function<void()>& advance);
 
+// Throws if somebody in the roster has the name, or nobody else finds room.
+void RequireFreeAndRoom(const Session& session, const Roster& roster, const PersonName& name,
+                        const std::string& level);
+
 // What the store answers to the operation itself.
 using Operation = std::function<bool()>;
 
 // The entry is one of the roster; the operation takes it out of it or changes it there. `level` is
-// "teacher", "class" or "student".
-void RenameEntry(const Session& session, const Roster& roster, const kivstore::SLoginNameObj& entry,
-                 const PersonName& newName, const std::string& level, const Operation& rename);
-void MoveEntry(const Session& session, const Roster& destination,
-               const kivstore::SLoginNameObj& entry, const std::string& level,
-               const std::string& to, const Operation& move);
+// "teacher", "class" or "student". Each answers the line of what was done.
+std::string RenameEntry(const Session& session, const Roster& roster,
+                        const kivstore::SLoginNameObj& entry, const PersonName& newName,
+                        const std::string& level, const Operation& rename);
+std::string MoveEntry(const Session& session, const Roster& destination,
+                      const kivstore::SLoginNameObj& entry, const std::string& level,
+                      const std::string& to, const Operation& move);
+
+// A class and whose it is; null in a store without teachers.
+struct ClassPlace {
+  const kivstore::SLoginNameObj* teacher;
+  const kivstore::SLoginNameObj& group;
+};
+
+// The store's own operations, in a dry run too. The entry is one of the list, as loaded, and leaves
+// it.
+bool RenameClassOf(const Session& session, const Roster& classes,
+                   const kivstore::SLoginNameObj& group, kivstore::SLoginList& list,
+                   const kivstore::SString& name);
+bool MoveStudentBetween(const Session& session, const ClassPlace& from, const ClassPlace& to,
+                        kivstore::SLoginNameObj& student, kivstore::SLoginList& list);
 
 }  // namespace kivadmin

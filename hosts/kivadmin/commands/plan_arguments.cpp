@@ -1,0 +1,124 @@
+#include "hosts/kivadmin/commands/plan_arguments.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "hosts/common/counted.h"
+#include "hosts/kivadmin/commands/confirmation.h"
+#include "hosts/kivadmin/plans/plan_deed.h"
+#include "hosts/kivadmin/plans/plan_text.h"
+
+namespace kivadmin {
+namespace {
+
+std::string Place(const PlanSource& source, const std::string& file, size_t line) {
+  return source.name + (file.empty() ? "" : '/' + file) +
+         (line > 0 ? ':' + std::to_string(line) : "") + ": ";
+}
+
+void TellRefused(const Plan& plan, const PlanSource& source) {
+  for (const PlanRefusal& one : plan.refused) {
+    std::cerr << Place(source, one.file, one.line) << one.why
+              << (one.lines > 1 ? " (" + std::to_string(one.lines) + " lines)" : "") << '\n';
+  }
+}
+
+// What failed for one reason is told once.
+void TellFailed(const Plan& plan, const PlanSource& source) {
+  const std::string* last = nullptr;
+  for (const PlanStep& step : plan.steps) {
+    if (step.outcome != PlanStep::kFailed) {
+      continue;
+    }
+    if (last == nullptr || *last != step.why) {
+      std::cerr << Place(source, step.file, step.line) << '"' << step.who << "\": " << step.why
+                << '\n';
+    }
+    last = &step.why;
+  }
+}
+
+size_t CountWaiting(const Plan& plan) {
+  return static_cast<size_t>(
+      std::count_if(plan.steps.begin(), plan.steps.end(),
+                    [](const PlanStep& step) { return step.outcome == PlanStep::kWaiting; }));
+}
+
+bool TakesAwayOrMoves(const Plan& plan) {
+  for (const PlanStep& step : plan.steps) {
+    if (step.kind != PlanStep::kAddTeacher && step.kind != PlanStep::kAddClass &&
+        step.kind != PlanStep::kAddStudent) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void ShowPlan(const Session& session, const Plan& plan, const PlanSource& source) {
+  if (!source.readAs.empty()) {
+    std::cout << "read as: " << source.readAs << '\n';
+  }
+  for (const std::string& note : plan.notes) {
+    std::cout << "note: " << note << '\n';
+  }
+  PrintPlan(std::cout, plan, session.IsDryRun());
+  std::cout << std::flush;
+}
+
+// Throws if not all of it is done.
+void NeedAll(const Plan& plan) {
+  if (const size_t waiting = CountWaiting(plan); waiting > 0) {
+    throw HostError(kRefused, "stopped; " + kivhost::Grouped(waiting) + " of " +
+                                  kivhost::Counted(plan.steps.size(), "step") +
+                                  " are not done; the same command goes on from there");
+  }
+  const size_t left = plan.NotTaken() + plan.CountFailed();
+  if (left > 0) {
+    throw HostError(kRefused, kivhost::Grouped(left) + " of " +
+                                  kivhost::Counted(std::max(left, plan.lines), "line") +
+                                  (left == 1 ? " was" : " were") + " not taken");
+  }
+}
+
+}  // namespace
+
+void AddPlanArguments(const Command& command, CommonOptions& common, PlanArguments& arguments) {
+  AddChangeArguments(command, common);
+  AddFormat(command, arguments.isJson, "table");
+  command.AddFlag("--yes", arguments.yes, "Do not ask");
+}
+
+void NeedName(const std::string& name) {
+  if (name.empty()) {
+    throw HostError(kWrongUsage, "NAME is wanted, or --from-file");
+  }
+}
+
+void NeedClass(const std::string& group) {
+  if (group.empty()) {
+    throw HostError(kWrongUsage, "--class is wanted, or --from-file");
+  }
+}
+
+void RunPlan(const Session& session, School& school, Plan& plan, const PlanSource& source,
+             const PlanArguments& arguments) {
+  if (!arguments.isJson) {
+    ShowPlan(session, plan, source);
+  }
+  TellRefused(plan, source);
+  source.isSafe();
+  if (!session.IsDryRun() && TakesAwayOrMoves(plan)) {
+    Confirm(ToDo(plan), arguments.yes);
+  }
+  CarryOut(session, school, plan);
+  TellFailed(plan, source);
+  if (arguments.isJson) {
+    std::cout << PlanJson(plan, source.readAs, session.IsDryRun());
+    session.TellShortfall();
+  } else {
+    session.Say(source.verb + ' ' + source.name + ": " + DoneText(plan));
+  }
+  NeedAll(plan);
+}
+
+}  // namespace kivadmin

@@ -1,0 +1,128 @@
+#!/usr/bin/env python3
+"""kivadmin at a terminal: it asks before it takes away or moves, notices what somebody else changes
+while it waits for the answer, and Ctrl-C ends it between two entries.
+
+    terminal_test.py BIN
+"""
+import os
+import pathlib
+import pty
+import re
+import select
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+KIVADMIN = pathlib.Path(sys.argv[1]).resolve() / "kivadmin"
+HEADING = "teacher,class,first_name,last_name\n"
+PATIENCE = 60  # seconds
+
+
+class Terminal:
+    """A command with a terminal of its own."""
+
+    def __init__(self, *words):
+        self.pid, self.side = pty.fork()
+        if self.pid == 0:
+            os.execv(KIVADMIN, ["kivadmin", *map(str, words)])
+        self.text = ""
+
+    def read(self, until=None):
+        """What it prints up to a text, or to its end."""
+        end = time.monotonic() + PATIENCE
+        while until is None or until not in self.text:
+            if not select.select([self.side], [], [], max(0, end - time.monotonic()))[0]:
+                sys.exit(f"it waits, having said: {self.text}")
+            try:
+                data = os.read(self.side, 4096)
+            except OSError:
+                break
+            if not data:
+                break
+            self.text += data.decode()
+        return self.text
+
+    def answer(self, text):
+        os.write(self.side, text.encode())
+
+    def end(self):
+        """What it has said, and its exit code."""
+        self.read()
+        return self.text, os.waitstatus_to_exitcode(os.waitpid(self.pid, 0)[1])
+
+
+def run(*words):
+    done = subprocess.run([KIVADMIN, *map(str, words)], capture_output=True, text=True, check=False,
+                          stdin=subprocess.DEVNULL)
+    if done.returncode:
+        sys.exit(f"{words}: {done.stdout}{done.stderr}")
+    return done.stdout
+
+
+def expect(what, is_so, told):
+    if not is_so:
+        sys.exit(f"{what}\n{told}")
+
+
+def roster(folder, name, rows):
+    path = folder / name
+    path.write_text(HEADING + "".join(f"Ms Hill,{row}\n" for row in rows))
+    return path
+
+
+def check_asking(folder):
+    store = folder / "asked"
+    run("init", store)
+    run("import", store, roster(folder, "first.csv", ["4a,Ann,Lee", "4a,Bo,Chan", "4b,Cy,Dee"]))
+    moved = roster(folder, "moved.csv", ["4b,Ann,Lee", "4b,Bo,Chan", "4b,Cy,Dee"])
+
+    shell = Terminal("sync", store, moved)
+    shell.read("[y/N]")
+    shell.answer("n\n")
+    text, code = shell.end()
+    expect("a no is a no", code == 1 and "nothing done" in text, text)
+    expect("and changes nothing", "4a,Ann,Lee" in run("export", store), text)
+
+    shell = Terminal("sync", store, moved)
+    shell.read("[y/N]")
+    run("delete", "student", store, "Ann Lee", "--class", "4a", "--yes")
+    run("add", "student", store, "Ann", "Lee", "--class", "4b")
+    shell.answer("y\n")
+    text, code = shell.end()
+    expect("who has gone meanwhile is told", code == 1 and '"Ann Lee": not there any more' in text, text)
+    expect("the others are moved", "1 student moved" in text, text)
+    told = run("export", store)
+    expect("nobody is there twice", told.count("Ann,Lee") == 1 and "4b,Bo,Chan" in told, told)
+    expect("and all is in order", "in order" in run("check", store), told)
+
+
+def check_ctrl_c(folder):
+    """In the middle of many: what is done stays whole, the rest is told, and goes on when asked."""
+    store, rows = folder / "stopped", [f"class {n % 40},First{n},Last{n}" for n in range(4000)]
+    many = roster(folder, "many.csv", rows)
+    run("init", store)
+    shell = Terminal("import", store, many)
+    shell.read("of 4041 entries")
+    os.kill(shell.pid, signal.SIGINT)
+    text, code = shell.end()
+    told = re.search(r"stopped; (\d+) of \d+ steps are not done",
+                     text.replace(",", ""))
+    expect("it ends and says how far it came", code == 1 and told, text[-500:])
+    kept = [row.split(",") for row in run("export", store).splitlines()[1:]]
+    there = 1 + len({row[1] for row in kept}) + sum(bool(row[2]) for row in kept)
+    expect("what is told is so", there == 4041 - int(told[1]), f"{there} there, {told[0]}")
+    run("import", store, many)
+    expect("the same command goes on", run("export", store).count("First") == 4000, "")
+    expect("and all is in order", "in order" in run("check", store), "")
+
+
+def main():
+    with tempfile.TemporaryDirectory(prefix="kivstore-test-") as folder:
+        check_asking(pathlib.Path(folder))
+        check_ctrl_c(pathlib.Path(folder))
+    print("[  PASSED  ] 2 tests.")
+
+
+main()
