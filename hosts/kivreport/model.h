@@ -18,8 +18,9 @@ struct Progress {
   int currentMission = 0;
   int previousMission = 0;
   int vocabLevel = 0;
-  int lessonsDone = 0;   // of the course's missions
-  std::string lastWork;  // "2026-11-20T10:15:00", local time as the store keeps it; empty: never
+  int lessonsDone = 0;  // of the course's missions
+  std::string lastWork =
+      {};  // "2026-11-20T10:15:00", local time as the store keeps it; empty: never
 };
 
 struct Student {
