@@ -1,5 +1,7 @@
 #include "app/class_reader.h"
 
+#include <algorithm>
+
 #include "app/file_outcome.h"
 #include "archive/file_version.h"
 #include "store/list/listing.h"
@@ -21,6 +23,18 @@ SFailure FailureOf(Outcome outcome, const SFileSpec& spec) {
     failure.path = spec.GetPath();
   }
   return failure;
+}
+
+// The fresh mark, which no writer leaves in a file, is no time.
+SDateTime NewestStamp(const STeacherOptionsDob* own, const SGameDob* game) {
+  SDateTime newest = SDateTime::None();
+  if (own != nullptr) {
+    newest = own->GetModified();
+  }
+  if (game != nullptr && game->GetOptions() != nullptr) {
+    newest = std::max(newest, game->GetOptions()->GetModified());
+  }
+  return newest.IsFresh() ? SDateTime::None() : newest;
 }
 
 }  // namespace
@@ -96,7 +110,10 @@ void SClassReader::ReadStudent(const SFileSpec& students, const SLoginNameObj& s
   gameFile.DownAssumed(app.AutoGameName().GetText());
   studentOptions.Copy(upperOptions);
   SGameDob game(&app);
-  const bool hasOptions = TakeOptions(studentOptions, optionsFile, true, failure);
+  const bool hasOptions = TakeOptions(ownOptions, optionsFile, false, failure);
+  if (hasOptions) {
+    studentOptions.Merge(ownOptions);
+  }
   const bool hasGame = TakeGame(game, gameFile, failure);
   SFileSpec place(folder);
   if (!failure && !hasOptions && !hasGame && !place.Refresh()) {
@@ -104,8 +121,9 @@ void SClassReader::ReadStudent(const SFileSpec& students, const SLoginNameObj& s
   }
   const SMissions missions =
       MissionsOf(studentOptions.GetGameOptions(), game.lessonDob.HasLearnedNewKeys());
-  visit({student, failure, missions, studentOptions.VocabLevel.value, studentOptions,
-         hasGame ? &game : nullptr});
+  const SGameDob* const ownGame = hasGame ? &game : nullptr;
+  visit({student, failure, missions, studentOptions.VocabLevel.value, studentOptions, ownGame,
+         NewestStamp(hasOptions ? &ownOptions : nullptr, ownGame)});
 }
 
 bool SClassReader::TakeOptions(STeacherOptionsDob& record, SFileSpec& spec, bool merge,

@@ -16,6 +16,7 @@
 
 #include "app/missions.h"
 #include "app/zep_app.h"
+#include "foundation/time/date_time.h"
 #include "game/game_dob.h"
 #include "records/tutor_options_dob.h"
 #include "store/list/entries.h"
@@ -30,6 +31,7 @@ struct SStudentReading {
   int16_t vocabLevel;
   const STeacherOptionsDob& options;  // in force for the student
   const SGameDob* game;               // null: none
+  SDateTime lastWork;                 // the newest stamp of the student's own options and game
 };
 
 class SClassReader {
@@ -61,7 +63,8 @@ class SClassReader {
   SSite& site;
   STeacherOptionsDob storeOptions;    // of the teacher below
   STeacherOptionsDob upperOptions;    // with the class's laid over them
-  STeacherOptionsDob studentOptions;  // with the student's
+  STeacherOptionsDob ownOptions;      // the student's alone
+  STeacherOptionsDob studentOptions;  // the student's over those above
   SFailure storeFailure;
   SString teacherRead;
   bool hasReadStore = false;

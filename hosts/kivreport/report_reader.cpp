@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <utility>
 #include <vector>
 
 #include "app/class_reader.h"
 #include "hosts/common/console.h"
 #include "hosts/common/failure_text.h"
+#include "hosts/common/iso_time.h"
 #include "hosts/common/progress_bar.h"
 #include "store/place/display_name.h"
 
@@ -26,12 +28,49 @@ std::optional<Unread> UnreadOf(const SFailure& failure) {
                 kivhost::ReasonText(failure)};
 }
 
+// A table out of a file may be shorter, and its counts anything.
+Keys KeysOf(const kivstore::SDErrorDob& counts) {
+  Keys keys;
+  for (int key = 0; key < kivstore::kKeyCount; ++key) {
+    keys.byKey[static_cast<size_t>(key)] = {std::max(counts.keyTypedTotal.At(key), 0),
+                                            std::max(counts.keyTypedWrong.At(key), 0)};
+  }
+  return keys;
+}
+
+Progress ProgressOf(const kivstore::SStudentReading& reading) {
+  Progress progress;
+  progress.currentMission = reading.missions.current;
+  progress.previousMission = reading.missions.previous;
+  progress.vocabLevel = reading.vocabLevel;
+  progress.lastWork = kivhost::IsoTime(reading.lastWork);
+  const auto* const course = reading.options.GetGameOptions();
+  for (int mission = 1; course != nullptr && mission <= kMissions; ++mission) {
+    progress.lessons[static_cast<size_t>(mission - 1)] =
+        course->IsDone(kivstore::kActivityLesson, mission);
+  }
+  progress.lessonsDone = static_cast<int>(progress.lessons.count());
+  if (reading.game != nullptr) {
+    progress.keys = KeysOf(reading.game->errorDob);
+  }
+  return progress;
+}
+
+// "Hill School" of ".../Hill School".
+std::string FolderName(const std::string& root) {
+  const std::filesystem::path path(root);
+  return (path.has_filename() ? path : path.parent_path()).filename().string();
+}
+
 class Reader {
  public:
   Reader(const kivhost::OpenStore& store, const Request& request, const kivhost::Charset& charset)
       : store(store), request(request), charset(charset), reader(store.App()) {}
 
   Report Run() {
+    report.root = store.Root();
+    report.school = FolderName(report.root);
+    report.when = kivhost::IsoTime(kivstore::SDateTime());
     report.network = store.HasTeachers();
     report.progress = request.progress;
     report.network ? ReadTeachers() : ReadClasses("", nullptr);
@@ -109,8 +148,7 @@ class Reader {
     return reader.ReadProgress(entry, [&](const kivstore::SStudentReading& reading) {
       Student student{Show(reading.student), {}, UnreadOf(reading.why)};
       if (!reading.why) {
-        student.progress = {reading.missions.current, reading.missions.previous,
-                            reading.vocabLevel};
+        student.progress = ProgressOf(reading);
       }
       students.emplace_back(reading.student, std::move(student));
     });

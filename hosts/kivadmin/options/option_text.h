@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/time/date_time.h"
+#include "hosts/common/iso_time.h"
 
 namespace kivadmin {
 
@@ -24,7 +24,6 @@ std::optional<std::vector<int>> ParseMissions(const std::string& text);
 // The same form, from missions in rising order.
 std::string MissionsText(const std::vector<int>& missions);
 
-// "2026-03-01T08:30:00", local time as the store keeps it; empty for no time.
-std::string IsoTime(kivstore::SDateTime time);
+using kivhost::IsoTime;
 
 }  // namespace kivadmin
