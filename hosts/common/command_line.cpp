@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
 
 #include "hosts/common/charset.h"
 #include "hosts/common/host_error.h"
@@ -90,6 +91,61 @@ void NeedKnownOptions(const NamedCommand& command, const std::vector<std::string
   }
 }
 
+// The option of that name; null if there is none.
+const CLI::Option* FindOption(const CLI::App& app, const std::string& name) {
+  for (const CLI::Option* const option : app.get_options()) {
+    if (option->check_name(name)) {
+      return option;
+    }
+  }
+  return nullptr;
+}
+
+bool TakesValue(const CLI::Option* option) {
+  return option != nullptr && option->get_type_size() > 0 && option->get_expected() > 0;
+}
+
+// "table|csv|json" as words; none if it is no list of choices.
+std::vector<std::string> ChoicesOf(const CLI::Option& option) {
+  std::istringstream names(option.get_type_name());
+  std::vector<std::string> choices;
+  for (std::string name; std::getline(names, name, '|');) {
+    choices.push_back(name);
+  }
+  const bool isChoice = choices.size() > 1 &&
+                        choices[0].find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
+  return isChoice ? choices : std::vector<std::string>();
+}
+
+// The argument that the word at its place is; null if there are not so many.
+const CLI::Option* ArgumentAt(const CLI::App& app, size_t place) {
+  for (const CLI::Option* const option : app.get_options()) {
+    if (option->get_positional() && place-- == 0) {
+      return option;
+    }
+  }
+  return nullptr;
+}
+
+// The options ahead of the last word with their values; the first word that is neither is the root.
+// Answers how many such words there are.
+size_t TakeValues(const NamedCommand& command, const std::vector<std::string>& typed,
+                  Completion& completion) {
+  size_t arguments = 0;
+  for (size_t i = command.rest; i + 1 < typed.size(); ++i) {
+    const CLI::Option* const option =
+        typed[i].starts_with("-") ? FindOption(*command.app, typed[i]) : nullptr;
+    if (!typed[i].starts_with("-")) {
+      ++arguments;
+      completion.root = completion.root.empty() ? typed[i] : completion.root;
+    } else if (TakesValue(option) && i + 2 < typed.size()) {
+      completion.values["--" + option->get_lnames().front()] = typed[i + 1];
+      ++i;
+    }
+  }
+  return arguments;
+}
+
 // In the form of the other messages.
 HostError WrongLine(const CLI::ParseError& error, const NamedCommand& command) {
   const std::vector<std::string> commands = CommandsOf(*command.app);
@@ -166,8 +222,8 @@ CommandOption Command::AddRoot(const char* name, std::string& value, const char*
   return CommandOption(option);
 }
 
-void Command::AddNumbered(const char* name, const char* help, const Words& words, const char* shown,
-                          std::function<void(int)> take) const {
+CommandOption Command::AddNumbered(const char* name, const char* help, const Words& words,
+                                   const char* shown, std::function<void(int)> take) const {
   std::string names;
   for (const auto& [word, number] : words) {
     names += (names.empty() ? "" : "|") + word;
@@ -182,7 +238,8 @@ void Command::AddNumbered(const char* name, const char* help, const Words& words
     }
     throw CLI::ValidationError(longName, '"' + chosen + "\" is none of " + names);
   };
-  app->add_option_function<std::string>(name, choose, help)->type_name(names)->default_str(shown);
+  CLI::Option* const option = app->add_option_function<std::string>(name, choose, help);
+  return CommandOption(option->type_name(names)->default_str(shown));
 }
 
 void Command::SetFooter(const char* text) const {
@@ -225,6 +282,40 @@ bool CommandLine::Run(int argc, const char* const* argv) const {
   } catch (const CLI::ParseError& error) {
     throw WrongLine(error, command);
   }
+}
+
+Completion CommandLine::Complete(const std::vector<std::string>& typed) const {
+  Completion completion;
+  if (typed.empty()) {
+    return completion;
+  }
+  const NamedCommand command = FindCommand(app, {typed.begin(), typed.end() - 1});
+  const size_t arguments = TakeValues(command, typed, completion);
+  if (completion.root.empty() && RootVariable() != nullptr) {
+    completion.root = RootVariable();
+  }
+  const CLI::Option* const before =
+      typed.size() > command.rest + 1 ? FindOption(*command.app, typed[typed.size() - 2]) : nullptr;
+  std::vector<std::string> words;
+  if (TakesValue(before) && typed[typed.size() - 2].starts_with("-")) {
+    completion.option = "--" + before->get_lnames().front();
+    words = ChoicesOf(*before);
+  } else if (typed.back().starts_with("-")) {
+    for (const CLI::Option* const option : command.app->get_options()) {
+      for (const std::string& name : option->get_lnames()) {
+        words.push_back("--" + name);
+      }
+    }
+  } else {
+    const CLI::Option* const argument = ArgumentAt(*command.app, arguments);
+    words = argument != nullptr ? ChoicesOf(*argument) : CommandsOf(*command.app);
+  }
+  for (std::string& word : words) {
+    if (word.starts_with(typed.back())) {
+      completion.words.push_back(std::move(word));
+    }
+  }
+  return completion;
 }
 
 bool CommandLine::Parse(std::vector<std::string> arguments) const {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,15 +58,15 @@ class Command {
   void AddFlag(const char* name, bool& value, const char* help) const;
   // One of the words, letter case ignored. `shown` is the word that the help shows as the default.
   template <class Value, class Target>
-  void AddChoice(const char* name, Target& target, const char* help,
-                 const std::vector<std::pair<std::string, Value>>& words,
-                 const char* shown = "") const {
+  CommandOption AddChoice(const char* name, Target& target, const char* help,
+                          const std::vector<std::pair<std::string, Value>>& words,
+                          const char* shown = "") const {
     Words numbers;
     for (const auto& [word, value] : words) {
       numbers.emplace_back(word, static_cast<int>(value));
     }
-    AddNumbered(name, help, numbers, shown,
-                [&target](int number) { target = static_cast<Value>(number); });
+    return AddNumbered(name, help, numbers, shown,
+                       [&target](int number) { target = static_cast<Value>(number); });
   }
 
   void SetFooter(const char* text) const;
@@ -74,11 +75,19 @@ class Command {
 
  private:
   using Words = std::vector<std::pair<std::string, int>>;
-  void AddNumbered(const char* name, const char* help, const Words& words, const char* shown,
-                   std::function<void(int)> take) const;
+  CommandOption AddNumbered(const char* name, const char* help, const Words& words,
+                            const char* shown, std::function<void(int)> take) const;
 
  protected:
   CLI::App* app;
+};
+
+// What may stand in place of the last word of a line that is being typed.
+struct Completion {
+  std::vector<std::string> words;
+  std::string option;  // whose value it is, "--class"; its choices, if it has any, are `words`
+  std::string root;    // of the store that the line is about; empty if it does not tell
+  std::map<std::string, std::string> values;  // of the options ahead of it
 };
 
 class CommandLine : public Command {
@@ -93,6 +102,9 @@ class CommandLine : public Command {
   // false then. Throws wrong usage, naming what is near, for a line that is none. What a command
   // throws comes through.
   bool Run(int argc, const char* const* argv) const;
+
+  // The words behind the program's name, the last of them as far as it is typed.
+  Completion Complete(const std::vector<std::string>& typed) const;
 
  private:
   bool Parse(std::vector<std::string> arguments) const;

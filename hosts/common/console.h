@@ -29,6 +29,7 @@ bool InputIsTerminal();
 // From then on standard input comes byte by byte as it is, on a system that makes texts of it.
 void TakeInputAsBytes();
 bool ErrorIsTerminal();
+bool OutputIsTerminal();
 
 // By the user's number; empty where users have none. The number itself if nobody has it.
 std::string NameOfUser(uint32_t number);

@@ -30,6 +30,10 @@ bool InputIsTerminal() {
 
 void TakeInputAsBytes() {}
 
+bool OutputIsTerminal() {
+  return isatty(STDOUT_FILENO) == 1;
+}
+
 bool ErrorIsTerminal() {
   return isatty(STDERR_FILENO) == 1;
 }

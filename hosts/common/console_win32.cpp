@@ -158,6 +158,10 @@ void TakeInputAsBytes() {
   _setmode(_fileno(stdin), _O_BINARY);
 }
 
+bool OutputIsTerminal() {
+  return IsTerminal(stdout);
+}
+
 bool ErrorIsTerminal() {
   return IsTerminal(stderr);
 }

@@ -1,5 +1,6 @@
 // kivadmin: lays out a store and runs it: entries, options, progress, order.
 #include <iostream>
+#include <string_view>
 
 #include "hosts/common/console.h"
 #include "hosts/kivadmin/commands/commands.h"
@@ -9,11 +10,11 @@ namespace {
 
 using AddCommand = void (*)(const kivhost::Command& app, CommonOptions& common);
 
-constexpr AddCommand kCommands[] = {AddInitCommand,     AddAddCommands,    AddRenameCommands,
-                                    AddMoveCommands,    AddDeleteCommands, AddDeletedCommands,
-                                    AddImportCommand,   AddSyncCommand,    AddPromoteCommand,
-                                    AddExportCommand,   AddCheckCommand,   AddOptionsCommands,
-                                    AddProgressCommand, AddDumpCommand,    AddAboutCommand};
+constexpr AddCommand kCommands[] = {
+    AddInitCommand,     AddAddCommands,     AddRenameCommands, AddMoveCommands,
+    AddDeleteCommands,  AddDeletedCommands, AddImportCommand,  AddSyncCommand,
+    AddPromoteCommand,  AddExportCommand,   AddCheckCommand,   AddOptionsCommands,
+    AddProgressCommand, AddDumpCommand,     AddAboutCommand,   AddCompletionCommand};
 
 int RunCommandLine(int argc, char** argv) {
   CommonOptions common;
@@ -30,7 +31,11 @@ int RunCommandLine(int argc, char** argv) {
   for (const AddCommand add : kCommands) {
     add(app, common);
   }
-  app.Run(argc, argv);
+  if (argc > 1 && std::string_view(argv[1]) == "__complete") {
+    PrintCompletions(app, {argv + 2, argv + argc});
+  } else {
+    app.Run(argc, argv);
+  }
   std::cout << std::flush;
   return std::cout ? kDone : kNoStore;
 }

@@ -82,6 +82,7 @@ def check_asking(folder):
     shell.read("[y/N]")
     shell.answer("n\n")
     text, code = shell.end()
+    expect("what moves is yellow", "\x1b[33m~ student Ann Lee" in text, text)
     expect("a no is a no", code == 1 and "nothing done" in text, text)
     expect("and changes nothing", "4a,Ann,Lee" in run("export", store), text)
 
@@ -118,11 +119,32 @@ def check_ctrl_c(folder):
     expect("and all is in order", "in order" in run("check", store), "")
 
 
+def check_completion(folder):
+    """What a shell is told of a line that is being typed, the store's names too."""
+    store = folder / "completed"
+    run("init", store)
+    run("add", "teacher", store, "Ms Hill")
+    run("add", "class", store, "Room 12", "--teacher", "Ms Hill")
+    for words, wanted in ((["ad"], "add"), (["add", "te"], "teacher"), (["completion", "z"], "zsh"),
+                          (["init", store, "--kind", "s"], "shared"),
+                          (["add", "class", store, "X", "--teac"], "--teacher"),
+                          (["add", "class", store, "X", "--teacher", "ms"], "Ms Hill"),
+                          (["delete", "student", store, "X", "--class", "Roo"], "Room 12")):
+        told = run("__complete", *words)
+        expect(f"{words} is completed", told == wanted + "\n", told)
+    line = ["kivadmin", "add", "class", str(store), "X", "--teacher", "M"]
+    script = f"""source <("$0" completion bash); kivadmin() {{ "$BIN" "$@"; }}; BIN=$0
+        COMP_WORDS=({' '.join(line)}); COMP_CWORD={len(line) - 1}; _kivadmin; echo "${{COMPREPLY[@]}}\""""
+    told = subprocess.run(["bash", "-c", script, KIVADMIN], capture_output=True, text=True, check=True)
+    expect("bash quotes a name", told.stdout == "Ms\\ Hill\n", told.stdout + told.stderr)
+
+
 def main():
     with tempfile.TemporaryDirectory(prefix="kivstore-test-") as folder:
         check_asking(pathlib.Path(folder))
         check_ctrl_c(pathlib.Path(folder))
-    print("[  PASSED  ] 2 tests.")
+        check_completion(pathlib.Path(folder))
+    print("[  PASSED  ] 3 tests.")
 
 
 main()

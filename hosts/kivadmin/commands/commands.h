@@ -2,6 +2,9 @@
 // the line is parsed, and throws HostError where it fails.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "hosts/common/command_line.h"
 #include "hosts/kivadmin/session/session.h"
 
@@ -24,5 +27,9 @@ void AddOptionsCommands(const kivhost::Command& app, CommonOptions& common);
 void AddProgressCommand(const kivhost::Command& app, CommonOptions& common);
 void AddDumpCommand(const kivhost::Command& app, CommonOptions& common);
 void AddAboutCommand(const kivhost::Command& app, CommonOptions& common);
+void AddCompletionCommand(const kivhost::Command& app, CommonOptions& common);
+
+// For a shell: what may stand in place of the last word, a line each.
+void PrintCompletions(const kivhost::CommandLine& app, std::vector<std::string> typed);
 
 }  // namespace kivadmin

@@ -54,14 +54,14 @@ bool TakesAwayOrMoves(const Plan& plan) {
   return false;
 }
 
-void ShowPlan(const Session& session, const Plan& plan, const PlanSource& source) {
+void ShowPlan(const Session& session, const Plan& plan, const PlanSource& source, bool isColored) {
   if (!source.readAs.empty()) {
     std::cout << "read as: " << source.readAs << '\n';
   }
   for (const std::string& note : plan.notes) {
     std::cout << "note: " << note << '\n';
   }
-  PrintPlan(std::cout, plan, session.IsDryRun());
+  PrintPlan(std::cout, plan, session.IsDryRun(), isColored);
   std::cout << std::flush;
 }
 
@@ -85,7 +85,8 @@ void NeedAll(const Plan& plan) {
 void AddPlanArguments(const Command& command, CommonOptions& common, PlanArguments& arguments) {
   AddChangeArguments(command, common);
   AddFormat(command, arguments.isJson, "table");
-  command.AddFlag("--yes", arguments.yes, "Do not ask");
+  kivhost::AddColorOption(command, arguments.color);
+  command.AddFlag("-y,--yes", arguments.yes, "Do not ask");
 }
 
 void NeedName(const std::string& name) {
@@ -103,7 +104,7 @@ void NeedClass(const std::string& group) {
 void RunPlan(const Session& session, School& school, Plan& plan, const PlanSource& source,
              const PlanArguments& arguments) {
   if (!arguments.isJson) {
-    ShowPlan(session, plan, source);
+    ShowPlan(session, plan, source, kivhost::HasColor(arguments.color));
   }
   TellRefused(plan, source);
   source.isSafe();

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "hosts/common/color.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/plans/plan.h"
 
@@ -12,9 +13,10 @@ namespace kivadmin {
 struct PlanArguments {
   bool isJson = false;
   bool yes = false;
+  kivhost::ColorWish color = kivhost::ColorWish::kAuto;
 };
 
-// --format, --yes and what every change takes.
+// --format, --color, --yes and what every change takes.
 void AddPlanArguments(const Command& command, CommonOptions& common, PlanArguments& arguments);
 
 // For commands that take a file in place of a name: throw wrong usage where neither is told.

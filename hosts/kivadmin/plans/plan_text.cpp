@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "hosts/common/color.h"
 #include "hosts/common/counted.h"
 
 namespace kivadmin {
@@ -18,13 +19,15 @@ struct Words {
   const char* deed;  // of JSON
   const char* level;
   const char* levels;
+  kivhost::Color color;
 };
 
+using enum kivhost::Color;
 constexpr Words kWords[PlanStep::kKinds] = {
-    {"~", "rename", "class", "classes"},    {"+", "add", "teacher", "teachers"},
-    {"+", "add", "class", "classes"},       {"~", "move", "class", "classes"},
-    {"~", "move", "student", "students"},   {"+", "add", "student", "students"},
-    {"-", "remove", "student", "students"}, {"-", "remove", "class", "classes"}};
+    {"~", "rename", "class", "classes", kYellow},  {"+", "add", "teacher", "teachers", kGreen},
+    {"+", "add", "class", "classes", kGreen},      {"~", "move", "class", "classes", kYellow},
+    {"~", "move", "student", "students", kYellow}, {"+", "add", "student", "students", kGreen},
+    {"-", "remove", "student", "students", kRed},  {"-", "remove", "class", "classes", kRed}};
 
 std::string InBrackets(const std::string& text) {
   return text.empty() ? "" : " (" + text + ')';
@@ -87,15 +90,18 @@ std::string Together(const Plan& plan, std::initializer_list<PlanStep::Kind> kin
 
 }  // namespace
 
-void PrintPlan(std::ostream& out, const Plan& plan, bool all) {
+void PrintPlan(std::ostream& out, const Plan& plan, bool all, bool isColored) {
+  const auto print = [&](const PlanStep& step, const std::string& line) {
+    out << (isColored ? kivhost::Colored(line, kWords[step.kind].color) : line) << '\n';
+  };
   const bool isShort = all || plan.steps.size() <= kLongPlan;
   for (size_t i = 0; i < plan.steps.size(); ++i) {
     const PlanStep& step = plan.steps[i];
     const size_t run = RunLength(plan.steps, i);
     if (isShort || step.kind != PlanStep::kAddStudent || run == 1) {
-      out << Line(step) << '\n';
+      print(step, Line(step));
     } else {
-      out << "+ " << Counted(run, "student") << InBrackets(step.at) << '\n';
+      print(step, "+ " + Counted(run, "student") + InBrackets(step.at));
       i += run - 1;
     }
   }

@@ -19,7 +19,7 @@ namespace kivadmin {
 
 // A line for each step; of a long plan those who are added to a class are counted in one, unless
 // `all` is asked for.
-void PrintPlan(std::ostream& out, const Plan& plan, bool all);
+void PrintPlan(std::ostream& out, const Plan& plan, bool all, bool isColored);
 
 // "add 1 teacher, 2 classes and 28 students, move 3 students, remove 1"; empty where nothing is to
 // be done.
