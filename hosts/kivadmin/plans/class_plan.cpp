@@ -211,9 +211,10 @@ std::string PromotionPlanner::FreeName(const SchoolTeacher& teacher, std::string
   return name;
 }
 
-// Each waits for another in a ring: one of them takes another name for the while.
+// Each waits for another, in a ring or for one: who is in the first one's way takes another name for
+// the while.
 void PromotionPlanner::LendName() {
-  SchoolClass& group = *ways[0].group;
+  SchoolClass& group = *InTheWay(ways[0]);
   plan.steps.push_back(
       RenameStep(session, school, group, FreeName(*group.teacher, group.name + '~')));
 }
