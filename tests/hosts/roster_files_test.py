@@ -206,6 +206,12 @@ TABLES = [
          error="noteacher.csv: tells no teacher, and the store has teachers; --teacher NAME gives all "
                "to one, --columns teacher=A tells a column"),
 
+    Case("linebreaks.csv", table('Class;"First\nname";Last name;Teacher;"a\x1Bb\nc"', "5a;Ann;Lee;H"),
+         columns('Class=class "First name"=first "Last name"=last Teacher=teacher', rows=1),
+         rows=["H,5a,Ann,Lee"], notes=['columns ignored: "a b c"']),
+    Case("oneline.csv", b"\xC3\xA9" * 500000,
+         error="oneline.csv: " + WANTED.format("é" * 50 + "...")),
+
     # Rows.
     Case("gaps.csv", table("", ";;;", HEADING + ";;", "", "  Ms Hill ;\t5a;Ann\u00A0;Lee;;;;", ";;;;;",
                            "Mr Groß;5b;Zoë", ROWS[2]),

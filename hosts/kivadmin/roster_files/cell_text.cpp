@@ -100,15 +100,31 @@ bool LooksMisread(std::string_view name) {
   });
 }
 
+std::string OneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; }, ' ');
+  return text;
+}
+
+std::string Shown(const std::string& text) {
+  constexpr size_t kLongest = 100;
+  size_t end = std::min(text.size(), kLongest);
+  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+    --end;
+  }
+  return OneLine(text.substr(0, end)) + (end < text.size() ? "..." : "");
+}
+
 std::string InQuotes(const std::string& text) {
-  return '"' + text + '"';
+  return '"' + Shown(text) + '"';
 }
 
 std::string Listed(const std::vector<std::string>& texts) {
   constexpr size_t kMost = 5;
   std::string list;
   for (size_t i = 0; i < std::min(texts.size(), kMost); ++i) {
-    list += (i == 0 ? "" : ", ") + texts[i];
+    list += (i == 0 ? "" : ", ") + Shown(texts[i]);
   }
   const size_t more = texts.size() - std::min(texts.size(), kMost);
   return more == 0 ? list : list + " and " + std::to_string(more) + " more";

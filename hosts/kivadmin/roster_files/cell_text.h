@@ -31,8 +31,12 @@ FullName SplitName(std::string_view name, bool lastStandsFirst);
 // Signs that no name has, but that letters of other character sets become in windows-1252.
 bool LooksMisread(std::string_view name);
 
+// A text of a file as messages show it: without line breaks and other controls, and what is longer
+// than a name cut.
+std::string OneLine(std::string text);
+std::string Shown(const std::string& text);
 std::string InQuotes(const std::string& text);
-// "a, b, c and 4 more".
+// "a, b, c and 4 more", shown.
 std::string Listed(const std::vector<std::string>& texts);
 
 }  // namespace kivadmin

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "hosts/common/charset.h"
+#include "hosts/kivadmin/roster_files/cell_text.h"
 
 namespace kivadmin {
 namespace {
@@ -53,7 +54,7 @@ class Reader {
             Value value) {
     if (!rows.emplace(row.cells[0], std::move(value)).second) {
       roster.refused.push_back(
-          {row.number, file, "sourcedId \"" + row.cells[0] + "\" is there already"});
+          {row.number, file, "sourcedId " + InQuotes(row.cells[0]) + " is there already"});
     }
   }
   // Counts it if it is.

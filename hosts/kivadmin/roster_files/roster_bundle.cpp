@@ -58,7 +58,7 @@ auto OfFile(Function function) {
   try {
     return function();
   } catch (const HostError& error) {
-    throw HostError(kWrongUsage, error.what());
+    throw HostError(kWrongUsage, OneLine(error.what()));
   }
 }
 
@@ -167,7 +167,7 @@ void RosterBundle::ReadManifest() {
   Read("manifest.csv", "", {{"propertyName", "what it says"}, {"value", "what it says"}}, "",
        unused, [&](const BundleRow& row) {
          if (row.cells[0] == "oneroster.version") {
-           version = row.cells[1];
+           version = Shown(row.cells[1]);
          } else if (row.cells[0].starts_with(kFileKey)) {
            modes[row.cells[0].substr(kFileKey.size()) + ".csv"] = row.cells[1];
          }

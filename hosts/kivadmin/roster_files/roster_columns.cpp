@@ -119,11 +119,9 @@ std::string LettersOf(size_t place) {
 }
 
 std::string NameOfColumn(const std::vector<std::string>& headings, size_t place) {
-  const std::string& heading = headings[place];
-  if (heading.empty()) {
-    return LettersOf(place);
-  }
-  return heading.find_first_of(" ,=;") == std::string::npos ? heading : '"' + heading + '"';
+  const std::string heading = Shown(headings[place]);
+  const bool isWord = heading.find_first_of(" ,=;") == std::string::npos;
+  return heading.empty() ? LettersOf(place) : isWord ? heading : InQuotes(heading);
 }
 
 constexpr const char* kRemedy = "--columns teacher=A,class=B,first=C,last=D tells which is which";
@@ -189,7 +187,7 @@ size_t RosterColumns::Find(const std::string& column, const std::string& file) c
   std::vector<std::string> all;
   for (size_t place = 0; place < headings.size(); ++place) {
     all.push_back(LettersOf(place) +
-                  (headings[place].empty() ? "" : " \"" + headings[place] + '"'));
+                  (headings[place].empty() ? "" : ' ' + InQuotes(headings[place])));
   }
   throw HostError(kWrongUsage,
                   file + ": no column " + column + " for --columns; there are " + Listed(all));
@@ -280,7 +278,7 @@ std::vector<std::string> RosterColumns::Ignored() const {
   for (size_t place = 0; place < headings.size(); ++place) {
     const auto isThere = [&](const auto& one) { return one.second == place; };
     if (!headings[place].empty() && std::none_of(places.begin(), places.end(), isThere)) {
-      ignored.push_back('"' + headings[place] + '"');
+      ignored.push_back(InQuotes(headings[place]));
     }
   }
   return ignored;

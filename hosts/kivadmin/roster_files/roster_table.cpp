@@ -220,7 +220,7 @@ void TableReader::NoteMisread(const RosterLine& line) {
   }
   for (const std::string* name : {&line.teacher, &line.group, &line.first, &line.last}) {
     if (LooksMisread(*name)) {
-      misread.push_back('"' + *name + "\" in line " + std::to_string(line.number));
+      misread.push_back(InQuotes(*name) + " in line " + std::to_string(line.number));
       return;
     }
   }
