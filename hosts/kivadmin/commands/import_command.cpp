@@ -27,7 +27,12 @@ void Import(const CommonOptions& common, const ImportArguments& arguments) {
 }  // namespace
 
 void AddImportCommand(const Command& app, CommonOptions& common) {
-  const Command import = app.AddCommand("import", "TO BE MERGED");
+  const Command import = app.AddCommand(
+      "import",
+      "Add the teachers, classes and students of a roster: a table whose heading tells teacher,\n"
+      "class, first name and last name in one of nine languages, or a OneRoster bundle. A row\n"
+      "without a student adds the class, one without a class the teacher. What is there already\n"
+      "stays as it is; a row that cannot be taken is told with its line, and the rest is taken.");
   ImportArguments& arguments = AddRun(import, common, Import);
   AddPlanArguments(import, common, arguments.plan);
   AddRosterArguments(import, arguments.file, arguments.format);
