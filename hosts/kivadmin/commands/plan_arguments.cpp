@@ -12,7 +12,7 @@ namespace kivadmin {
 namespace {
 
 std::string Place(const PlanSource& source, const std::string& file, size_t line) {
-  return source.name + (file.empty() ? "" : '/' + file) +
+  return "kivadmin: " + source.name + (file.empty() ? "" : '/' + file) +
          (line > 0 ? ':' + std::to_string(line) : "") + ": ";
 }
 
