@@ -13,113 +13,16 @@
 
 #include "hosts/common/charset.h"
 #include "hosts/common/console.h"
-#include "hosts/common/failure_text.h"
-#include "platform/file_services.h"
+#include "hosts/common/unicode.h"
+#include "hosts/common/whole_file.h"
+#include "hosts/common/zip_stream.h"
 
 namespace kivhost {
 namespace {
 
 namespace fs = std::filesystem;
 using kivstore::FileAccess;
-using kivstore::FileHandle;
-using kivstore::IFileServices;
-using kivstore::SeekOrigin;
 using kivstore::SystemError;
-
-// Not those of the store's command: a look at a store writes none of it, and may write a zip file.
-IFileServices& Files() {
-  return kivstore::CreatingFileServices();
-}
-
-HostError Trouble(const std::string& path, SystemError error) {
-  switch (error) {
-    case SystemError::kFileNotFound:
-      return {kWrongUsage, path + ": no such file"};
-    case SystemError::kPathNotFound:
-      return {kWrongUsage, path + ": its folder is not there"};
-    default:
-      break;
-  }
-  kivstore::SFailure failure;
-  failure.kind = FailureKindOf(error);
-  failure.system = error;
-  return {kNoStore, path + ": is " + WhatText(failure)};
-}
-
-// An open file, as minizip wants one to be.
-struct ZipStream {
-  ZipStream(const std::string& path, FileAccess access)
-      : file(Files().Open(ToLibraryPath(path).c_str(), access, error)) {
-    if (file == nullptr) {
-      throw Trouble(path, error);
-    }
-  }
-  ~ZipStream() { Files().Close(file); }
-  ZipStream(const ZipStream&) = delete;
-  ZipStream& operator=(const ZipStream&) = delete;
-
-  bool Note(bool isDone) {
-    if (!isDone && error == SystemError::kNone) {
-      error = Files().TransferError();
-    }
-    return isDone;
-  }
-
-  SystemError error = SystemError::kNone;  // the first
-  FileHandle file;
-};
-
-ZipStream& StreamOf(voidpf stream) {
-  return *static_cast<ZipStream*>(stream);
-}
-
-voidpf OpenStream(voidpf opaque, const void* /*name*/, int /*mode*/) {
-  return opaque;
-}
-
-// Whoever made the stream closes it.
-int CloseStream(voidpf /*opaque*/, voidpf /*stream*/) {
-  return 0;
-}
-
-int32_t AtOnce(uLong count) {
-  constexpr uLong kMost = std::numeric_limits<int32_t>::max();
-  return static_cast<int32_t>(std::min(count, kMost));
-}
-
-uLong ReadStream(voidpf /*opaque*/, voidpf stream, void* buffer, uLong count) {
-  ZipStream& zip = StreamOf(stream);
-  const int32_t moved = Files().Read(zip.file, buffer, AtOnce(count));
-  zip.Note(moved > 0 || count == 0 || Files().TransferError() == SystemError::kNone);
-  return static_cast<uLong>(std::max(moved, 0));
-}
-
-uLong WriteStream(voidpf /*opaque*/, voidpf stream, const void* buffer, uLong count) {
-  ZipStream& zip = StreamOf(stream);
-  const int32_t moved = Files().Write(zip.file, buffer, AtOnce(count));
-  zip.Note(moved == AtOnce(count));
-  return static_cast<uLong>(std::max(moved, 0));
-}
-
-ZPOS64_T TellStream(voidpf /*opaque*/, voidpf stream) {
-  return static_cast<ZPOS64_T>(Files().Tell(StreamOf(stream).file));
-}
-
-long SeekStream(voidpf /*opaque*/, voidpf stream, ZPOS64_T offset, int origin) {
-  const SeekOrigin from = origin == ZLIB_FILEFUNC_SEEK_CUR   ? SeekOrigin::kCurrent
-                          : origin == ZLIB_FILEFUNC_SEEK_END ? SeekOrigin::kEnd
-                                                             : SeekOrigin::kStart;
-  return Files().Seek(StreamOf(stream).file, from, static_cast<int64_t>(offset)) ? 0 : -1;
-}
-
-int HasStreamFailed(voidpf /*opaque*/, voidpf stream) {
-  return StreamOf(stream).error != SystemError::kNone ? 1 : 0;
-}
-
-zlib_filefunc64_def FunctionsOn(ZipStream& stream) {
-  return {OpenStream, ReadStream,  WriteStream,     TellStream,
-          SeekStream, CloseStream, HasStreamFailed, &stream};
-}
 
 // Marks of an entry.
 constexpr uLong kEncrypted = 1;
@@ -134,13 +37,13 @@ bool IsEncrypted(const unz_file_info64& info) {
   return (info.flag & kEncrypted) != 0;
 }
 
+// Before there was a mark for UTF-8 names were in the code page of the first PCs.
 std::string Utf8NameOf(const std::string& name, bool isMarked) {
-  const auto utf8 = Charset::Open("UTF-8");
-  if (utf8 == nullptr || utf8->FromUtf8(name)) {
+  if (IsUtf8(name)) {
     return name;
   }
-  const auto old = isMarked ? nullptr : Charset::Open("CP437");
-  return (old != nullptr ? old : utf8)->ToUtf8(name);
+  const auto charset = Charset::Open(isMarked ? "UTF-8" : "CP437");
+  return charset != nullptr ? charset->ToUtf8(name) : name;
 }
 
 bool IsStep(std::string_view part) {
@@ -181,15 +84,56 @@ void NeedPlainFile(const std::string& path) {
   }
 }
 
-bool BeginsLikeZip(ZipStream& stream) {
-  char bytes[2] = {};
-  return Files().Seek(stream.file, SeekOrigin::kStart, 0) &&
-         Files().Read(stream.file, bytes, 2) == 2 && bytes[0] == 'P' && bytes[1] == 'K';
+// Why minizip does not take it.
+std::string WhatIsWrongWith(ZipStream& stream) {
+  const std::string begin = stream.ReadAt(0, 4);
+  return begin == "PK\5\6"         ? ": is an empty zip file"
+         : begin.starts_with("PK") ? ": is torn: the end of the zip file is missing"
+                                   : ": is no zip file";
 }
 
 uint32_t CrcOf(std::string_view bytes, uint32_t before = 0) {
   const auto* const data = reinterpret_cast<const Bytef*>(bytes.data());
   return static_cast<uint32_t>(crc32_z(before, data, bytes.size()));
+}
+
+void AppendNumber(std::string& bytes, uint64_t value, int width) {
+  for (int i = 0; i < width; ++i) {
+    bytes += static_cast<char>(value >> (8 * i));
+  }
+}
+
+// The end of a zip file names in two bytes how many entries it has. For more a second form of it
+// stands ahead, with a locator behind, which minizip writes only where the file is beyond 4 GB.
+void WriteLargeEnd(ZipStream& stream, uint64_t count) {
+  constexpr int kEnd = 22;
+  const int64_t place = stream.Size() - kEnd;
+  const std::string end = stream.ReadAt(place, kEnd);
+  const auto number = [&](size_t at) {
+    uint64_t value = 0;
+    for (size_t i = 4; i > 0; --i) {
+      value = value << 8 | static_cast<unsigned char>(end[at + i - 1]);
+    }
+    return value;
+  };
+  constexpr uint64_t kElsewhere = 0xFFFFFFFF;
+  if (end.size() < kEnd || number(16) == kElsewhere) {
+    return;
+  }
+  std::string large = "PK\6\6";
+  AppendNumber(large, 44, 8);  // what follows
+  AppendNumber(large, 45, 2);  // the version of the format that made it, and that reads it
+  AppendNumber(large, 45, 2);
+  AppendNumber(large, 0, 8);  // of the disks
+  AppendNumber(large, count, 8);
+  AppendNumber(large, count, 8);
+  AppendNumber(large, number(12), 8);  // the size of the list, and its place
+  AppendNumber(large, number(16), 8);
+  large += "PK\6\7";
+  AppendNumber(large, 0, 4);
+  AppendNumber(large, static_cast<uint64_t>(place), 8);
+  AppendNumber(large, 1, 4);
+  stream.WriteAt(place, large + end);
 }
 
 // The format tells no time before its first year.
@@ -209,9 +153,19 @@ zip_fileinfo TimedInfo(std::time_t when) {
 
 }  // namespace
 
+uint32_t ChecksumOf(const std::vector<ZipEntry>& entries) {
+  uint32_t checksum = 0;
+  for (const ZipEntry& entry : entries) {
+    const std::string line =
+        entry.name + '\0' + std::to_string(entry.size) + ' ' + std::to_string(entry.crc) + '\n';
+    checksum = CrcOf(line, checksum);
+  }
+  return checksum;
+}
+
 struct ZipReader::State {
   explicit State(const std::string& path) : stream(path, FileAccess::kRead) {
-    zlib_filefunc64_def functions = FunctionsOn(stream);
+    zlib_filefunc64_def functions = stream.Functions();
     zip = unzOpen2_64(path.c_str(), &functions);
   }
   ~State() {
@@ -230,9 +184,7 @@ ZipReader::ZipReader(const std::string& path) : path(path) {
   NeedPlainFile(path);
   state = std::make_unique<State>(path);
   if (state->zip == nullptr) {
-    throw HostError(kWrongUsage, path + (BeginsLikeZip(state->stream)
-                                             ? ": is torn: the end of the zip file is missing"
-                                             : ": is no zip file"));
+    throw HostError(kWrongUsage, path + WhatIsWrongWith(state->stream));
   }
   List();
   CheckNames();
@@ -258,13 +210,16 @@ void ZipReader::List() {
 ZipEntry ZipReader::ReadListed() const {
   unz_file_info64 info;
   unz64_file_pos place;
-  std::string name(std::numeric_limits<uint16_t>::max(), '\0');
-  if (unzGetCurrentFileInfo64(state->zip, &info, name.data(), static_cast<uLong>(name.size()),
-                              nullptr, 0, nullptr, 0) != UNZ_OK ||
-      unzGetFilePos64(state->zip, &place) != UNZ_OK) {
+  std::string name;
+  const auto ask = [&] {
+    return unzGetCurrentFileInfo64(state->zip, &info, name.data(), static_cast<uLong>(name.size()),
+                                   nullptr, 0, nullptr, 0) == UNZ_OK;
+  };
+  const bool isSized = ask();
+  name.resize(isSized ? info.size_filename : 0);
+  if (!isSized || !ask() || unzGetFilePos64(state->zip, &place) != UNZ_OK) {
     throw HostError(kWrongUsage, path + ": is torn: not all that it holds is listed");
   }
-  name.resize(std::min<size_t>(info.size_filename, name.size()));
   return {Utf8NameOf(name, (info.flag & kNameIsUtf8) != 0), info.uncompressed_size,
           static_cast<uint32_t>(info.crc), place.pos_in_zip_directory, place.num_of_file};
 }
@@ -332,8 +287,8 @@ void ZipReader::Read(const ZipEntry& entry, const TakePiece& take) const {
     take(std::string_view(buffer, static_cast<size_t>(count)));
   }
   const int closed = unzCloseCurrentFile(state->zip);
-  if (state->stream.error != SystemError::kNone) {
-    throw Trouble(path, state->stream.error);
+  if (state->stream.GetError() != SystemError::kNone) {
+    throw ZipTrouble(path, state->stream.GetError());
   }
   if (count < 0 || size != entry.size || closed != UNZ_OK) {
     throw Refuse(entry, "is torn: its bytes do not fit its checksum");
@@ -342,7 +297,7 @@ void ZipReader::Read(const ZipEntry& entry, const TakePiece& take) const {
 
 struct ZipWriter::State {
   explicit State(const std::string& path) : stream(path, FileAccess::kReadWrite) {
-    zlib_filefunc64_def functions = FunctionsOn(stream);
+    zlib_filefunc64_def functions = stream.Functions();
     zip = zipOpen2_64(path.c_str(), APPEND_STATUS_CREATE, nullptr, &functions);
   }
   ~State() {
@@ -358,20 +313,21 @@ struct ZipWriter::State {
 };
 
 ZipWriter::ZipWriter(const std::string& path, bool mayReplace)
-    : path(path), making(path + ".part"), mayReplace(mayReplace) {
-  NeedPlainFile(path);
-  if (!mayReplace && fs::exists(fs::path(path))) {
-    throw IsThere(path);
+    : path(path), making(path + ".new"), mayReplace(mayReplace) {
+  if (path == "-") {
+    throw HostError(kWrongUsage, "-: a zip file is not written to standard output");
   }
+  NeedTarget(path, mayReplace);
+  NeedPlainFile(path);
   NeedPlainFile(making);
   const std::string place = ToLibraryPath(making);
   SystemError error;
   // A link that bears the name goes, not what it leads to.
-  if (!Files().Delete(place.c_str(), error) && error != SystemError::kFileNotFound) {
-    throw Trouble(making, error);
+  if (!ZipFiles().Delete(place.c_str(), error) && error != SystemError::kFileNotFound) {
+    throw ZipTrouble(error == SystemError::kPathNotFound ? path : making, error);
   }
-  if (!Files().MakeFile(place.c_str(), error)) {
-    throw Trouble(making, error);
+  if (!ZipFiles().MakeFile(place.c_str(), error)) {
+    throw ZipTrouble(path, error);
   }
   state = std::make_unique<State>(making);
   isMade = true;
@@ -382,13 +338,13 @@ ZipWriter::~ZipWriter() {
   state.reset();
   SystemError ignored;
   if (isMade) {
-    Files().Delete(ToLibraryPath(making).c_str(), ignored);
+    ZipFiles().Delete(ToLibraryPath(making).c_str(), ignored);
   }
 }
 
 void ZipWriter::NeedDone(int result) const {
-  if (state->stream.error != SystemError::kNone) {
-    throw Trouble(path, state->stream.error);
+  if (state->stream.GetError() != SystemError::kNone) {
+    throw ZipTrouble(path, state->stream.GetError());
   }
   if (result != ZIP_OK) {
     throw HostError(kNoStore, path + ": could not be written");
@@ -404,10 +360,14 @@ void ZipWriter::WriteEntry(std::string_view bytes) const {
   NeedDone(zipCloseFileInZip(state->zip));
 }
 
+bool ZipWriter::Takes(std::string_view name) {
+  return !LeadsOut(name) && name.size() <= std::numeric_limits<uint16_t>::max();
+}
+
 void ZipWriter::Add(const std::string& name, std::string_view bytes, std::time_t when) {
   const zip_fileinfo info = TimedInfo(when);
   const bool isEmpty = bytes.empty();
-  if (LeadsOut(name) || bytes.size() > std::numeric_limits<uint32_t>::max()) {
+  if (!Takes(name) || bytes.size() > std::numeric_limits<uint32_t>::max()) {
     throw HostError(kNoStore, path + ": no zip file can hold " + name);
   }
   NeedDone(zipOpenNewFileInZip4_64(state->zip, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
@@ -426,8 +386,12 @@ void ZipWriter::Finish() {
 }
 
 void ZipWriter::Close() {
+  constexpr size_t kMostOfOldForm = 0xFFFF;
   const int result = zipClose(std::exchange(state->zip, nullptr), nullptr);
-  state->stream.Note(Files().Flush(state->stream.file));
+  if (result == ZIP_OK && written.size() > kMostOfOldForm) {
+    WriteLargeEnd(state->stream, written.size());
+  }
+  state->stream.Flush();
   NeedDone(result);
   state.reset();
 }
@@ -452,8 +416,8 @@ void ZipWriter::Name() const {
   SystemError error = SystemError::kNone;
   if (mayReplace) {
     fs::rename(fs::path(making), fs::path(path), refused);
-  } else if (!Files().Move(ToLibraryPath(making).c_str(), ToLibraryPath(path).c_str(), error)) {
-    throw error == SystemError::kAlreadyExists ? IsThere(path) : Trouble(path, error);
+  } else if (!ZipFiles().Move(ToLibraryPath(making).c_str(), ToLibraryPath(path).c_str(), error)) {
+    throw error == SystemError::kAlreadyExists ? IsThere(path) : ZipTrouble(path, error);
   }
   if (refused) {
     throw HostError(kNoStore, path + ": " + refused.message());

@@ -31,6 +31,10 @@ struct ZipEntry {
   bool IsFolder() const { return name.ends_with('/'); }
 };
 
+// The CRC-32 of a list of entries, each as its name, a NUL, and "SIZE CRC" with a line feed: names
+// have no checksum of the format's own.
+uint32_t ChecksumOf(const std::vector<ZipEntry>& entries);
+
 class ZipReader {
  public:
   // Refuses what is no zip file or a torn one, and one with a name that leads out of the folder it
@@ -68,21 +72,24 @@ class ZipReader {
   std::vector<ZipEntry> entries;
 };
 
-// Writes beside `path`, as `path`.part, and gives it its name in Finish. Without Finish nothing
-// stays; what a killed program left as `path`.part the next one replaces. One at a time: another
+// Writes beside `path`, as `path`.new, and gives it its name in Finish. Without Finish nothing
+// stays; what a killed program left as `path`.new the next one replaces. One at a time: another
 // that writes the same file is told that it is in use.
 class ZipWriter {
  public:
-  // Throws if something has the name already and may not be replaced, or is no plain file.
+  // Throws if something has the name already and may not be replaced, if it is no plain file, and
+  // if it would lie in a store.
   ZipWriter(const std::string& path, bool mayReplace);
   ~ZipWriter();
   ZipWriter(const ZipWriter&) = delete;
   ZipWriter& operator=(const ZipWriter&) = delete;
 
+  // Whether an entry can have the name.
+  static bool Takes(std::string_view name);
   // A name that ends with a slash is that of a folder, which has no bytes. `when` is shown as the
   // entry's local time.
   void Add(const std::string& name, std::string_view bytes, std::time_t when);
-  size_t GetCount() const { return written.size(); }
+  const std::vector<ZipEntry>& GetEntries() const { return written; }
 
   // Writes the list of entries, brings all to the disk, reads every entry back and compares it with
   // what was added, and only then gives the file its name.
