@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "foundation/files/file.h"
 #include "hosts/common/console.h"
 #include "hosts/common/failure_text.h"
+#include "store/lock/lock_file.h"
 
 namespace kivhost {
 namespace {
@@ -23,6 +23,20 @@ bool Put(SFileSpec& spec, const std::string& text) {
 }
 
 }  // namespace
+
+bool OpenToRead(SFile& file, const SFileSpec& spec) {
+  constexpr int16_t kMostSteps = 32;
+  int32_t error = SFile::kSharingViolation;
+  for (int16_t step = 1; error == SFile::kSharingViolation && step < kMostSteps;) {
+    if (file.Open(SFile::kRead, spec, &error)) {
+      return true;
+    }
+    if (error == SFile::kSharingViolation) {
+      BackoffWait(step);
+    }
+  }
+  return false;
+}
 
 std::string ReadStoreText(const SFileSpec& spec, size_t most, const char* kind) {
   SFile file;

@@ -61,8 +61,15 @@ COMMANDS = [Command(line.split("|")[0].strip(), tuple(line.split("|")[1].split()
     options show        | kivadmin options show ROOT --teacher Ms~Hill --class Room~12 --student Ann~Lee
     options set         | kivadmin options set ROOT VocabLevel=2 --teacher Ms~Hill --class Room~12 --student Ann~Lee
     options set above   | kivadmin options set ROOT VocabLevel=2 --teacher Ms~Hill
+    list                | kivadmin list ROOT --teacher Ms~Hill
+    find                | kivadmin find ROOT ann
+    log                 | kivadmin log ROOT
     progress            | kivadmin progress ROOT --teacher Ms~Hill --class Room~12 --student Ann~Lee --mission 4
 """.strip().splitlines()]
+
+# What is in the way of these is told, and of the commands only those fail that read them.
+LOG = ("kivadmin.log", "kivadmin.lok")
+READ_LOG = ("log",)
 
 Outcome = collections.namedtuple("Outcome", "code text error")
 
@@ -174,7 +181,7 @@ class Trial:
             if not self.stands(place, stat.S_ISLNK):
                 return "the link was replaced"
             if self.tells(outcome, "a link that belongs to nobody: not followed"):
-                return None if outcome.code != 0 else "told of the link and ended with 0"
+                return self.ended_badly(outcome)
             if without_times(outcome) != without_times(self.plain()):
                 return f"did something else and did not tell of the link: {outcome}"
             return None
@@ -194,12 +201,20 @@ class Trial:
             if not self.stands(place, stat.S_ISFIFO):
                 return "the pipe was replaced"
             if self.tells(outcome, "a pipe, a socket or a device, and no file of a store"):
-                return None if outcome.code != 0 else "told of the pipe and ended with 0"
+                return self.ended_badly(outcome)
             if without_times(outcome) != without_times(self.plain()):
                 return f"did something else and did not tell of the pipe: {outcome}"
             return None
 
         return self.play(lambda place: place.plant_pipe(self.path, self.user), judge)
+
+    def ended_badly(self, outcome):
+        """None if it failed as it must, or did all but write the log."""
+        if self.path not in LOG or self.command.name in READ_LOG:
+            return None if outcome.code != 0 else "told what is in the way and ended with 0"
+        is_done = without_times(outcome)[:2] == without_times(self.plain())[:2]
+        is_found = self.command.name in ("check", "repair")
+        return None if is_done or is_found else f"does not go as with a log: {outcome}"
 
     def tells(self, outcome, what):
         """A finding has a colon behind the path."""

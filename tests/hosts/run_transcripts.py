@@ -43,7 +43,8 @@ and bytes as it does in a `> file` if a quotation keeps it, and a `*` stands for
     > empty PATH                   makes an empty file
     > splice PATH AT COUNT BYTES   puts these bytes in place of so many
     > edit PATH OLD NEW            puts NEW in place of every OLD, which must be there
-    > tree [PATH]                  prints the paths below {root} or another, with lengths but 0
+    > tree [PATH]                  prints the paths below {root} or another, with lengths but 0; this
+                                   and the next four pass over the log, which every change grows
     > remember                     keeps what is below {root}, names and bytes
     > restore                      puts it back
     > same                         all is as remembered, or nothing behind it is played
@@ -81,6 +82,7 @@ HERE = pathlib.Path(__file__).resolve().parent
 TRANSCRIPTS = HERE / "transcripts"
 GOLDEN = HERE.parent / "golden"
 LONGEST = 300  # seconds of one command
+LOG = ("kivadmin.log", "kivadmin.lok")
 
 
 def contents(path):
@@ -96,9 +98,9 @@ def contents(path):
 
 
 def snapshot(root):
-    """Every path below with its bytes; None for a folder."""
+    """Every path below but the log, with its bytes; None for a folder."""
     return {str(path.relative_to(root)): None if path.is_dir() else contents(path)
-            for path in sorted(root.rglob("*"))}
+            for path in sorted(root.rglob("*")) if path.name not in LOG}
 
 
 def differences(before, after):

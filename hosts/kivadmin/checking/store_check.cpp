@@ -11,6 +11,7 @@
 #include "hosts/common/empty_file.h"
 #include "hosts/common/failure_text.h"
 #include "hosts/kivadmin/checking/mount_facts.h"
+#include "hosts/kivadmin/session/action_log.h"
 #include "records/tutor_options_dob.h"
 #include "store/list/index_file.h"
 #include "store/list/long_name.h"
@@ -79,11 +80,12 @@ std::vector<Finding> StoreCheck::Run() {
 
 // In whatever the programs use below the data root; there may be more beside it.
 void StoreCheck::CheckForeignEntries() {
-  SFileSpec root = session.TopFolder();
-  root.Up();
+  const SFileSpec root = session.DataRoot();
   LookForForeign(session.TopFolder(), 0);
   LookForForeign(Below(root, "Deleted"), 0);
-  LookAtLink(Below(root, "kivstore.conf"));
+  for (const char* const name : {"kivstore.conf", kActionLog, kActionLogLock}) {
+    LookAtLink(Below(root, name));
+  }
 }
 
 void StoreCheck::LookForForeign(const SFileSpec& folder, int depth) {

@@ -19,6 +19,7 @@ void AddStoreArguments(const Command& command, CommonOptions& common) {
 void AddChangeArguments(const Command& command, CommonOptions& common) {
   AddStoreArguments(command, common);
   command.AddFlag("--dry-run", common.dryRun, "Say what would be done, and change nothing");
+  command.AddFlag("--no-log", common.noLog, "Do not write into kivadmin.log what was done");
 }
 
 void AddCharset(const Command& command, CommonOptions& common, const char* ofWhat) {

@@ -15,7 +15,7 @@ using kivhost::CommandOption;
 
 // ROOT, --kind and --charset: what every command on a store takes.
 void AddStoreArguments(const Command& command, CommonOptions& common);
-// And --dry-run.
+// And --dry-run and --no-log.
 void AddChangeArguments(const Command& command, CommonOptions& common);
 void AddCharset(const Command& command, CommonOptions& common, const char* ofWhat);
 

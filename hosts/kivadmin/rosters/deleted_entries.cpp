@@ -1,8 +1,6 @@
 #include "hosts/kivadmin/rosters/deleted_entries.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <sstream>
 
@@ -10,6 +8,7 @@
 #include "hosts/common/console.h"
 #include "hosts/common/progress_bar.h"
 #include "hosts/common/store_text.h"
+#include "hosts/kivadmin/session/who_and_when.h"
 #include "platform/platform.h"
 #include "store/change/setting_aside.h"
 #include "store/place/display_name.h"
@@ -22,21 +21,6 @@ using namespace kivstore;
 constexpr const char* kDeletedFolder = "Deleted";
 constexpr const char* kNoteFile = "deleted.txt";
 constexpr size_t kLongestNote = 1 << 16;
-
-std::string TimeText(const char* form, long daysAgo) {
-  const std::time_t then = std::time(nullptr) - daysAgo * 24 * 60 * 60;
-  char text[32];
-  return {text, std::strftime(text, sizeof text, form, std::localtime(&then))};
-}
-
-std::string UserName() {
-  for (const char* const variable : {"SUDO_USER", "USER", "USERNAME", "LOGNAME"}) {
-    if (const char* const name = std::getenv(variable); name != nullptr && *name != '\0') {
-      return name;
-    }
-  }
-  return "unknown";
-}
 
 SFileSpec DeletedFolder(const Session& session) {
   SFileSpec spec = session.TopFolder();

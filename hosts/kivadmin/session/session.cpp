@@ -7,6 +7,7 @@
 #include "hosts/common/failure_text.h"
 #include "hosts/common/store_conf.h"
 #include "hosts/common/unicode.h"
+#include "hosts/kivadmin/session/action_log.h"
 #include "hosts/kivadmin/session/looking_services.h"
 #include "store/list/entry_lock.h"
 #include "store/place/display_name.h"
@@ -37,18 +38,26 @@ bool HasIndexLock(SFileSpec folder) {
 
 Session::Session(const CommonOptions& options, Access access)
     : dryRun(options.dryRun),
+      keepsLog(!options.noLog),
+      notingServices(CreatingFileServices()),
       lookingServices(ServicesForLooking(dryRun || access == Access::kLook)),
-      services(lookingServices != nullptr ? *lookingServices : CreatingFileServices()),
-      store(options.root, WantedBy(options), access == Access::kLayOut) {
-  const std::string name = kivhost::CharsetOf(store, options.charset);
-  charset = kivhost::NeedCharset(name);
+      services(lookingServices != nullptr ? *lookingServices : notingServices),
+      store(options.root, WantedBy(options), access == Access::kLayOut),
+      charsetName(kivhost::CharsetOf(store, options.charset)),
+      charset(kivhost::NeedCharset(charsetName)) {
   if (options.charset && !IsLooking()) {
-    kivhost::SettleCharset(store, name);
+    kivhost::SettleCharset(store, charsetName);
   }
 }
 
 Session::~Session() {
   kivhost::TellUnshown("kivadmin", *charset);
+}
+
+SFileSpec Session::DataRoot() const {
+  SFileSpec root = TopFolder();
+  root.Up();
+  return root;
 }
 
 SString Session::ToStore(const std::string& text, const std::string& what) const {
@@ -156,6 +165,7 @@ void Session::NeedEntry(SLockFile& lock, const SFileSpec& folder,
 
 void Session::Say(const std::string& line) const {
   std::cout << (dryRun ? "dry run: " : "") << line << '\n';
+  Log(line);
   TellShortfall();
 }
 
@@ -163,6 +173,20 @@ void Session::TellShortfall() const {
   if (!shortfall.empty()) {
     throw HostError(kNoStore, "not all of it is written: " + shortfall +
                                   "; kivadmin check --repair mends the rest");
+  }
+}
+
+// Once it could not be written the rest of the command waits for it no more.
+void Session::Log(const std::string& line) const {
+  if (IsLooking() || !keepsLog || !notingServices.HasChanged()) {
+    return;
+  }
+  const std::string why = AppendAction(Site(), DataRoot(), line);
+  notingServices.Forget();
+  if (!why.empty()) {
+    keepsLog = false;
+    std::cout << std::flush;
+    std::cerr << "kivadmin: not in the log: " << why << '\n';
   }
 }
 

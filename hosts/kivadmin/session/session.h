@@ -15,6 +15,7 @@
 #include "hosts/common/host_error.h"
 #include "hosts/common/store_opening.h"
 #include "hosts/kivadmin/session/file_services_scope.h"
+#include "hosts/kivadmin/session/noting_services.h"
 #include "platform/file_services.h"
 #include "store/lock/lock_file.h"
 #include "store/place/login_name.h"
@@ -32,6 +33,7 @@ struct CommonOptions {
   bool force = false;                  // the kind also against the tree
   std::optional<std::string> charset;  // unset: what the store has settled
   bool dryRun = false;
+  bool noLog = false;  // what is done is not written into the log
 };
 
 class Session {
@@ -56,6 +58,8 @@ class Session {
   kivstore::SZEPApp& App() const { return store.App(); }
   // The list of teachers, or without teachers of classes.
   kivstore::SFileSpec TopFolder() const { return store.TopFolder(); }
+  kivstore::SFileSpec DataRoot() const;
+  const std::string& CharsetName() const { return charsetName; }
 
   // UTF-8 in, the store's bytes out. `what` names the argument in the error.
   kivstore::SString ToStore(const std::string& text, const std::string& what) const;
@@ -84,16 +88,23 @@ class Session {
   void NeedEntry(kivstore::SLockFile& lock, const kivstore::SFileSpec& folder,
                  const kivstore::SLoginNameObj& student) const;
 
-  // The one line of what was done. Throws if something of it could not be written.
+  // The one line of what was done, which goes into the log if anything has changed; a log that
+  // cannot be written is told and no failure. Throws if something of what was done could not be
+  // written.
   void Say(const std::string& line) const;
   // The last of it alone.
   void TellShortfall() const;
 
  private:
+  void Log(const std::string& line) const;
+
   bool dryRun;
+  mutable bool keepsLog;
+  mutable NotingServices notingServices;
   std::unique_ptr<kivstore::IFileServices> lookingServices;  // in place if nothing may change
   FileServicesScope services;
   kivhost::OpenStore store;
+  std::string charsetName;
   std::unique_ptr<kivhost::Charset> charset;
   mutable std::string shortfall;  // what could not be written, the first
 };
