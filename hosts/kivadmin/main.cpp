@@ -10,12 +10,12 @@ namespace {
 
 using AddCommand = void (*)(const kivhost::Command& app, CommonOptions& common);
 
-constexpr AddCommand kCommands[] = {AddInitCommand,   AddAddCommands,     AddRenameCommands,
-                                    AddMoveCommands,  AddDeleteCommands,  AddDeletedCommands,
-                                    AddImportCommand, AddSyncCommand,     AddPromoteCommand,
-                                    AddExportCommand, AddListCommands,    AddLogCommand,
-                                    AddCheckCommand,  AddOptionsCommands, AddProgressCommand,
-                                    AddDumpCommand,   AddAboutCommand,    AddCompletionCommand};
+constexpr AddCommand kCommands[] = {
+    AddInitCommand,    AddAddCommands,     AddRenameCommands,   AddMoveCommands,
+    AddDeleteCommands, AddDeletedCommands, AddImportCommand,    AddSyncCommand,
+    AddPromoteCommand, AddExportCommand,   AddListCommands,     AddLogCommand,
+    AddBackupCommands, AddCheckCommand,    AddOptionsCommands,  AddProgressCommand,
+    AddDumpCommand,    AddAboutCommand,    AddCompletionCommand};
 
 int RunCommandLine(int argc, char** argv) {
   CommonOptions common;

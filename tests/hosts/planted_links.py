@@ -64,12 +64,14 @@ COMMANDS = [Command(line.split("|")[0].strip(), tuple(line.split("|")[1].split()
     list                | kivadmin list ROOT --teacher Ms~Hill
     find                | kivadmin find ROOT ann
     log                 | kivadmin log ROOT
+    back up             | kivadmin backup ROOT NEWZIP
+    restore student     | kivadmin restore OLDZIP ROOT --teacher Ms~Hill --class Room~12 --student Ann~Lee --replace
     progress            | kivadmin progress ROOT --teacher Ms~Hill --class Room~12 --student Ann~Lee --mission 4
 """.strip().splitlines()]
 
 # What is in the way of these is told, and of the commands only those fail that read them.
 LOG = ("kivadmin.log", "kivadmin.lok")
-READ_LOG = ("log",)
+READ_LOG = ("log", "back up")
 
 Outcome = collections.namedtuple("Outcome", "code text error")
 
@@ -80,7 +82,8 @@ class Programs:
 
     def run(self, words, place, user=0):
         words = [word.replace("~", " ").replace("ROOT", str(place.root))
-                 .replace("ROSTER", str(place.roster)) for word in words]
+                 .replace("ROSTER", str(place.roster)).replace("OLDZIP", str(place.backup))
+                 .replace("NEWZIP", str(place.top / "new.zip")) for word in words]
         done = subprocess.run([str(self.folder / words[0]), *words[1:]], input=b"",
                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=LONGEST,
                               check=False, user=user, env={"USER": "hill", "PATH": os.environ["PATH"]})
@@ -97,12 +100,14 @@ class Place:
         self.root = self.top / "store"
         self.outside = self.top / "outside"
         self.roster = self.top / "roster.csv"
+        self.backup = self.top / "old.zip"
 
     def fill(self, model, user):
         shutil.copytree(model, self.root, symlinks=True)
+        shutil.copy(model.parent / self.backup.name, self.backup)
         self.outside.mkdir()
         self.roster.write_text(ROSTER)
-        for path in [self.top, self.roster, self.root, *self.root.rglob("*")]:
+        for path in [self.top, self.roster, self.backup, self.root, *self.root.rglob("*")]:
             os.lchown(path, user, user)
 
     def plant(self, path, owner):
@@ -137,7 +142,8 @@ def lay_out(programs, top):
     for words in ("kivadmin init ROOT --charset windows-1252", "kivadmin import ROOT ROSTER",
                   "kivadmin options set ROOT VocabLevel=1 --teacher Ms~Hill --class Room~12",
                   "kivadmin progress ROOT --teacher Ms~Hill --class Room~12 --student Ann~Lee --mission 3",
-                  "kivadmin delete student ROOT Bob --teacher Ms~Hill --class Room~12 --yes"):
+                  "kivadmin delete student ROOT Bob --teacher Ms~Hill --class Room~12 --yes",
+                  "kivadmin backup ROOT OLDZIP"):
         outcome = programs.run(words.split(), place)
         assert outcome.code == 0, outcome
     return place.root

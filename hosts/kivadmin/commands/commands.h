@@ -23,6 +23,7 @@ void AddSyncCommand(const kivhost::Command& app, CommonOptions& common);
 void AddPromoteCommand(const kivhost::Command& app, CommonOptions& common);
 void AddExportCommand(const kivhost::Command& app, CommonOptions& common);
 void AddListCommands(const kivhost::Command& app, CommonOptions& common);
+void AddBackupCommands(const kivhost::Command& app, CommonOptions& common);
 void AddLogCommand(const kivhost::Command& app, CommonOptions& common);
 void AddCheckCommand(const kivhost::Command& app, CommonOptions& common);
 void AddOptionsCommands(const kivhost::Command& app, CommonOptions& common);

@@ -56,6 +56,24 @@ std::string ListBelowTop(const Session& session, const SFileSpec& list) {
       list.GetPath().View().substr(std::min(top.size(), list.GetPath().View().size())));
 }
 
+DeletedEntry NoteFor(const Session& session, const EntryToDelete& what) {
+  DeletedEntry deleted;
+  deleted.level = what.level;
+  deleted.name = session.Show(DisplayName(what.entry));
+  deleted.of = what.of;
+  deleted.list = ListBelowTop(session, what.roster.folder);
+  deleted.when = WhenDeleted(0);
+  deleted.by = UserName();
+  return deleted;
+}
+
+// Also the folder of all that was deleted, if there is nothing else.
+void TakeAway(const Session& session, DeletedEntry& deleted) {
+  deleted.place.Delete(true);
+  std::error_code isInUse;
+  std::filesystem::remove(session.Show(DeletedFolder(session)), isInUse);
+}
+
 SFileSpec NoteOf(const DeletedEntry& deleted) {
   SFileSpec note(deleted.place);
   note.Down(kNoteFile);
@@ -200,14 +218,25 @@ std::string DeletedEntry::Text() const {
   return level + " \"" + name + '"' + (of.empty() ? "" : " of " + of);
 }
 
+DeletedEntry LayAmongDeleted(const Session& session, const EntryToDelete& what,
+                             const FillFolder& fill) {
+  DeletedEntry deleted = NoteFor(session, what);
+  deleted.place = NewPlace(session, what.entry.folderName);
+  deleted.folder = deleted.place;
+  deleted.folder.Down(what.entry.folderName);
+  try {
+    fill(deleted.folder);
+    WriteNote(deleted);
+  } catch (const HostError&) {
+    TakeAway(session, deleted);
+    throw;
+  }
+  deleted.folder.Refresh();
+  return deleted;
+}
+
 DeletedEntry SetAside(const Session& session, const EntryToDelete& what) {
-  DeletedEntry deleted;
-  deleted.level = what.level;
-  deleted.name = session.Show(DisplayName(what.entry));
-  deleted.of = what.of;
-  deleted.list = ListBelowTop(session, what.roster.folder);
-  deleted.when = WhenDeleted(0);
-  deleted.by = UserName();
+  DeletedEntry deleted = NoteFor(session, what);
   if (session.IsDryRun()) {
     return deleted;
   }
@@ -221,9 +250,7 @@ DeletedEntry SetAside(const Session& session, const EntryToDelete& what) {
                                 deleted.folder);
     });
   } catch (const HostError&) {
-    deleted.place.Delete(true);
-    std::error_code isInUse;
-    std::filesystem::remove(session.Show(DeletedFolder(session)), isInUse);
+    TakeAway(session, deleted);
     throw;
   }
   deleted.folder.Refresh();

@@ -13,6 +13,7 @@
 // subfolder that lacks either is what a death on the way has left: nothing that could come back.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,12 @@ struct DeletedEntry {
 // Now, or so many days ago, in the form of DeletedEntry::when, which sorts by time.
 std::string WhenDeleted(long daysAgo);
 
+// One that comes from elsewhere is laid among what was deleted, for PutBack to take it from there:
+// `fill` makes its folder, at the place it is given. It can come back only once all of it is there,
+// and what fails leaves nothing. Not in a dry run.
+using FillFolder = std::function<void(const kivstore::SFileSpec& folder)>;
+DeletedEntry LayAmongDeleted(const Session& session, const EntryToDelete& what,
+                             const FillFolder& fill);
 // Unless somebody uses it: then nothing is changed. Nothing in a dry run.
 DeletedEntry SetAside(const Session& session, const EntryToDelete& what);
 // Newest first.
