@@ -61,11 +61,11 @@ NamedCommand FindCommand(CLI::App* top, const std::vector<std::string>& argument
       break;
     }
     if (std::find(names.begin(), names.end(), word) == names.end()) {
-      const std::string near = Nearest(word, names);
+      const std::string closest = Nearest(word, names);
       throw HostError(kWrongUsage,
                       "no command \"" + word + '"' +
-                          (near.empty() ? ": " + Joined(names) + " is wanted" + SeeHelp(command)
-                                        : DidYouMean(near)));
+                          (closest.empty() ? ": " + Joined(names) + " is wanted" + SeeHelp(command)
+                                           : DidYouMean(closest)));
     }
     command.app = command.app->get_subcommand(word);
     command.words += ' ' + word;
@@ -84,9 +84,9 @@ void NeedKnownOptions(const NamedCommand& command, const std::vector<std::string
   for (size_t i = command.rest; i < arguments.size() && arguments[i] != "--"; ++i) {
     const std::string name = arguments[i].substr(0, arguments[i].find('='));
     if (name.starts_with("--") && std::find(known.begin(), known.end(), name) == known.end()) {
-      const std::string near = Nearest(name, known);
+      const std::string closest = Nearest(name, known);
       throw HostError(kWrongUsage, "no option \"" + name + '"' +
-                                       (near.empty() ? SeeHelp(command) : DidYouMean(near)));
+                                       (closest.empty() ? SeeHelp(command) : DidYouMean(closest)));
     }
   }
 }
@@ -275,7 +275,11 @@ bool CommandLine::Run(int argc, const char* const* argv) const {
     if (root == nullptr || !CommandsOf(*command.app).empty()) {
       throw WrongLine(error, command);
     }
-    arguments.insert(arguments.begin() + static_cast<std::ptrdiff_t>(command.rest), root);
+    const CLI::Option* const first = ArgumentAt(*command.app, 0);
+    const bool isFirst = first != nullptr && first->get_name().ends_with("ROOT");
+    arguments.insert(
+        isFirst ? arguments.begin() + static_cast<std::ptrdiff_t>(command.rest) : arguments.end(),
+        root);
   }
   try {
     return Parse(arguments);

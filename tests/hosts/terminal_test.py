@@ -53,9 +53,9 @@ class Terminal:
         return self.text, os.waitstatus_to_exitcode(os.waitpid(self.pid, 0)[1])
 
 
-def run(*words):
+def run(*words, root=""):
     done = subprocess.run([KIVADMIN, *map(str, words)], capture_output=True, text=True, check=False,
-                          stdin=subprocess.DEVNULL)
+                          stdin=subprocess.DEVNULL, env={**os.environ, "KIVSTORE_ROOT": str(root)})
     if done.returncode:
         sys.exit(f"{words}: {done.stdout}{done.stderr}")
     return done.stdout
@@ -139,12 +139,29 @@ def check_completion(folder):
     expect("bash quotes a name", told.stdout == "Ms\\ Hill\n", told.stdout + told.stderr)
 
 
+def check_root_variable(folder):
+    """A root that is left out is the one of KIVSTORE_ROOT; one that is given stands."""
+    store, other = folder / "meant", folder / "other"
+    run("init", root=store)
+    run("init", other, root=store)
+    run("add", "teacher", "Ms Hill", root=store)
+    run("add", "class", "--teacher", "Ms Hill", "5a", root=store)
+    run("add", "teacher", other, "Mr Fox", root=store)
+    run("backup", folder / "all.zip", root=store)
+    told = run("list", root=store)
+    expect("the variable's store has its own", "Ms Hill" in told and "Mr Fox" not in told, told)
+    expect("the other its own", "Mr Fox" in run("list", other, root=store), "")
+    run("restore", folder / "all.zip", root=folder / "again")
+    expect("a root may stand behind", "Ms Hill" in run("list", folder / "again"), "")
+
+
 def main():
     with tempfile.TemporaryDirectory(prefix="kivstore-test-") as folder:
         check_asking(pathlib.Path(folder))
         check_ctrl_c(pathlib.Path(folder))
         check_completion(pathlib.Path(folder))
-    print("[  PASSED  ] 3 tests.")
+        check_root_variable(pathlib.Path(folder))
+    print("[  PASSED  ] 4 tests.")
 
 
 main()

@@ -171,7 +171,7 @@ void AddBackupCommands(const Command& app, CommonOptions& common) {
       "into the class of that name, with options and games.");
   RestoreArguments& ofRestore = AddRun(restore, common, Restore);
   restore.AddOption("FILE", ofRestore.file, "The zip file that backup wrote").Require();
-  AddChangeArguments(restore, common);
+  AddChangeArguments(restore, common, true);
   const CommandOption group = AddClassOption(restore, ofRestore.who);
   AddStudentOption(restore, ofRestore.who).Needs(group);
   AddTeacherOption(restore, ofRestore.who);

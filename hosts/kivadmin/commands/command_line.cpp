@@ -2,8 +2,10 @@
 
 namespace kivadmin {
 
-void AddStoreArguments(const Command& command, CommonOptions& common) {
-  command.AddOption("ROOT", common.root, "The data root of the store").Require();
+void AddStoreArguments(const Command& command, CommonOptions& common, bool mayBeNew) {
+  command.AddRoot("ROOT", common.root,
+                  "The data root of the store; where it is left out, KIVSTORE_ROOT is it",
+                  mayBeNew);
   command.AddChoice<SiteKind>("--kind", common.kind, "The kind of site; without it the tree tells",
                               {{"local", SiteKind::kLocal},
                                {"shared", SiteKind::kShared},
@@ -16,9 +18,9 @@ void AddStoreArguments(const Command& command, CommonOptions& common) {
              "windows-1252");
 }
 
-void AddChangeArguments(const Command& command, CommonOptions& common) {
-  AddStoreArguments(command, common);
-  command.AddFlag("--dry-run", common.dryRun, "Say what would be done, and change nothing");
+void AddChangeArguments(const Command& command, CommonOptions& common, bool mayBeNew) {
+  AddStoreArguments(command, common, mayBeNew);
+  command.AddFlag("-n,--dry-run", common.dryRun, "Say what would be done, and change nothing");
   command.AddFlag("--no-log", common.noLog, "Do not write into kivadmin.log what was done");
 }
 

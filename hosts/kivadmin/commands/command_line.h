@@ -13,10 +13,11 @@ namespace kivadmin {
 using kivhost::Command;
 using kivhost::CommandOption;
 
-// ROOT, --kind and --charset: what every command on a store takes.
-void AddStoreArguments(const Command& command, CommonOptions& common);
+// ROOT, --kind and --charset: what every command on a store takes. `mayBeNew`: no folder has to be
+// there yet.
+void AddStoreArguments(const Command& command, CommonOptions& common, bool mayBeNew = false);
 // And --dry-run and --no-log.
-void AddChangeArguments(const Command& command, CommonOptions& common);
+void AddChangeArguments(const Command& command, CommonOptions& common, bool mayBeNew = false);
 void AddCharset(const Command& command, CommonOptions& common, const char* ofWhat);
 
 // Where an entry is, as options tell it.

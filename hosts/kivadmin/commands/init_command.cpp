@@ -37,7 +37,7 @@ void AddInitCommand(const Command& app, CommonOptions& common) {
       "store.\n"
       "A store that is there is completed. Without --kind a new store is one with teachers.");
   AddRun(init, common, Init);
-  AddChangeArguments(init, common);
+  AddChangeArguments(init, common, true);
 }
 
 }  // namespace kivadmin

@@ -103,10 +103,10 @@ void Explain(const CommonOptions&, const ExplainArguments& arguments) {
     }
   }
   if (!isKnown) {
-    const std::string near = kivhost::Nearest(arguments.key, keys);
+    const std::string closest = kivhost::Nearest(arguments.key, keys);
     throw HostError(kWrongUsage, "no option \"" + arguments.key + '"' +
-                                     (near.empty() ? "; kivadmin options explain tells all"
-                                                   : "; did you mean \"" + near + "\"?"));
+                                     (closest.empty() ? "; kivadmin options explain tells all"
+                                                      : "; did you mean \"" + closest + "\"?"));
   }
 }
 

@@ -107,9 +107,10 @@ void SetOption(kivstore::STeacherOptionsDob& options, const std::string& key,
     options.SetDirty(true);
   });
   if (!known) {
-    const std::string near = kivhost::Nearest(key, names);
-    throw HostError(kWrongUsage, key + ": there is no such option" +
-                                     (near.empty() ? "" : "; did you mean \"" + near + "\"?"));
+    const std::string closest = kivhost::Nearest(key, names);
+    throw HostError(kWrongUsage,
+                    key + ": there is no such option" +
+                        (closest.empty() ? "" : "; did you mean \"" + closest + "\"?"));
   }
 }
 
