@@ -2,8 +2,10 @@
 // standard streams, the form of a path. Inside, everything is UTF-8.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace kivhost {
@@ -30,6 +32,10 @@ bool InputIsTerminal();
 void TakeInputAsBytes();
 bool ErrorIsTerminal();
 bool OutputIsTerminal();
+// How many columns the terminal behind standard output has; nothing if there is none.
+std::optional<size_t> OutputColumns();
+// Whether it shows what is no ASCII, as the locale tells.
+bool ShowsUnicode();
 
 // By the user's number; empty where users have none. The number itself if nobody has it.
 std::string NameOfUser(uint32_t number);

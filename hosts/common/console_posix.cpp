@@ -1,4 +1,7 @@
+#include <langinfo.h>
+#include <locale.h>
 #include <pwd.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -36,6 +39,26 @@ bool OutputIsTerminal() {
 
 bool ErrorIsTerminal() {
   return isatty(STDERR_FILENO) == 1;
+}
+
+std::optional<size_t> OutputColumns() {
+  constexpr size_t kUsual = 80;
+  if (!OutputIsTerminal()) {
+    return std::nullopt;
+  }
+  winsize size{};
+  const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return isKnown ? size.ws_col : kUsual;
+}
+
+bool ShowsUnicode() {
+  const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+  if (locale == nullptr) {
+    return false;
+  }
+  const std::string codes = nl_langinfo_l(CODESET, locale);
+  freelocale(locale);
+  return codes == "UTF-8";
 }
 
 std::string NameOfUser(uint32_t number) {

@@ -166,6 +166,21 @@ bool ErrorIsTerminal() {
   return IsTerminal(stderr);
 }
 
+std::optional<size_t> OutputColumns() {
+  constexpr size_t kUsual = 80;
+  if (!OutputIsTerminal()) {
+    return std::nullopt;
+  }
+  CONSOLE_SCREEN_BUFFER_INFO shown;
+  const bool isKnown = GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &shown) != 0;
+  return isKnown ? static_cast<size_t>(shown.srWindow.Right - shown.srWindow.Left + 1) : kUsual;
+}
+
+// Characters go to it by 16 bits.
+bool ShowsUnicode() {
+  return true;
+}
+
 std::string NameOfUser(uint32_t /*number*/) {
   return {};
 }

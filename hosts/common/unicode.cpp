@@ -88,4 +88,34 @@ size_t CountCells(std::string_view utf8) {
   return cells;
 }
 
+std::string_view FirstCells(std::string_view utf8, size_t cells) {
+  size_t whole = 0, read = 0, used = 0;
+  utf8proc_int32_t last = 0, state = 0;
+  ForEachCharacter(utf8, [&](utf8proc_int32_t character) {
+    if (read > 0 && utf8proc_grapheme_break_stateful(last, character, &state)) {
+      whole = read;
+    }
+    used += static_cast<size_t>(utf8proc_charwidth(character));
+    last = character;
+    if (used > cells) {
+      return false;
+    }
+    utf8proc_uint8_t encoded[4];
+    read += static_cast<size_t>(utf8proc_encode_char(character, encoded));
+    return true;
+  });
+  return utf8.substr(0, used <= cells ? read : whole);
+}
+
+std::string WithoutHidden(std::string_view utf8) {
+  std::string text;
+  ForEachCharacter(utf8, [&](utf8proc_int32_t character) {
+    utf8proc_uint8_t encoded[4];
+    const auto length = static_cast<size_t>(utf8proc_encode_char(character, encoded));
+    text += IsHidden(character) ? "?" : std::string(encoded, encoded + length);
+    return true;
+  });
+  return text;
+}
+
 }  // namespace kivhost

@@ -23,5 +23,9 @@ bool HasHiddenCharacter(std::string_view utf8);
 
 // How many columns of a terminal it takes: two for a wide character, none for an accent of its own.
 size_t CountCells(std::string_view utf8);
+// As much of it from the start as these columns hold, in whole characters as a reader sees them.
+std::string_view FirstCells(std::string_view utf8, size_t cells);
+// With a question mark for each hidden character.
+std::string WithoutHidden(std::string_view utf8);
 
 }  // namespace kivhost

@@ -42,15 +42,6 @@ bool IsOfStore(const fs::path& path) {
                                 std::generic_category().message(number != 0 ? number : EIO));
 }
 
-void WriteTo(const fs::path& path, const std::string& shown, const std::string& bytes) {
-  errno = 0;
-  std::ofstream file(path, std::ios::binary);
-  file << bytes << std::flush;
-  if (!file) {
-    ThrowUnwritten(shown, errno);
-  }
-}
-
 }  // namespace
 
 // A folder opens on some systems, and answers no byte.
@@ -92,38 +83,76 @@ void NeedTarget(const std::string& path, bool replaces) {
   }
 }
 
-void WriteWholeFile(const std::string& path, const std::string& bytes, bool replaces) {
+WholeFile::WholeFile(const std::string& path, bool replaces) : path(path), out(&std::cout) {
   if (path == "-") {
-    errno = 0;
-    if (!(std::cout << bytes << std::flush)) {
-      ThrowUnwritten("standard output", errno);
-    }
     return;
   }
   NeedTarget(path, replaces);
   std::error_code error;
-  const fs::path target(path);
-  if (fs::is_other(fs::status(target, error))) {
-    WriteTo(target, path, bytes);
+  const fs::path named(path);
+  if (fs::is_other(fs::status(named, error))) {
+    beside = named;
+  } else {
+    // Through a link to where it leads.
+    const fs::path canonical = fs::weakly_canonical(named, error);
+    target = error ? named : canonical;
+    beside = target;
+    beside += ".new";
+  }
+  errno = 0;
+  file.open(beside, std::ios::binary);
+  out = &file;
+  if (!file) {
+    const int number = errno;
+    beside.clear();
+    ThrowUnwritten(path, number);
+  }
+}
+
+WholeFile::~WholeFile() {
+  if (!target.empty() && !beside.empty()) {
+    file.close();
+    std::error_code ignored;
+    fs::remove(beside, ignored);
+  }
+}
+
+void WholeFile::Write(std::string_view bytes) {
+  errno = 0;
+  if (!(*out << bytes)) {
+    ThrowUnwritten(out == &file ? path : "standard output", errno);
+  }
+}
+
+void WholeFile::Flush() {
+  errno = 0;
+  if (!out->flush()) {
+    ThrowUnwritten(out == &file ? path : "standard output", errno);
+  }
+}
+
+void WholeFile::Finish() {
+  Flush();
+  if (target.empty()) {
     return;
   }
-  // Through a link to where it leads.
-  const fs::path canonical = fs::weakly_canonical(target, error);
-  const fs::path real = error ? target : canonical;
-  fs::path beside = real;
-  beside += ".new";
-  std::error_code ignored;
-  try {
-    WriteTo(beside, path, bytes);
-  } catch (const HostError&) {
-    fs::remove(beside, ignored);
-    throw;
+  errno = 0;
+  file.close();
+  if (!file) {
+    ThrowUnwritten(path, errno);
   }
-  fs::rename(beside, real, error);
+  std::error_code error;
+  fs::rename(beside, target, error);
   if (error) {
-    fs::remove(beside, ignored);
     throw HostError(kNoStore, path + ": could not be written: " + error.message());
   }
+  beside.clear();
+}
+
+void WriteWholeFile(const std::string& path, const std::string& bytes, bool replaces) {
+  WholeFile file(path, replaces);
+  file.Write(bytes);
+  file.Finish();
 }
 
 }  // namespace kivhost
