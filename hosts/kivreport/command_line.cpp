@@ -1,8 +1,100 @@
 #include "hosts/kivreport/command_line.h"
 
+#include <charconv>
+
 #include "hosts/common/command_line.h"
+#include "hosts/common/host_error.h"
 
 namespace kivreport {
+namespace {
+
+using kivhost::HostError;
+using kivhost::kWrongUsage;
+
+constexpr int kMostMissions = 32767;
+constexpr int kMostDays = 36500;
+constexpr int kMostColumns = 10000;
+
+std::optional<int> NumberOf(const char* option, const std::optional<std::string>& text, int lowest,
+                            int highest) {
+  if (!text) {
+    return std::nullopt;
+  }
+  int number = 0;
+  const char* const end = text->data() + text->size();
+  const auto [stop, error] = std::from_chars(text->data(), end, number);
+  if (error != std::errc() || stop != end || number < lowest || number > highest) {
+    throw HostError(kWrongUsage, std::string(option) + ": \"" + *text + "\" is no number from " +
+                                     std::to_string(lowest) + " to " + std::to_string(highest));
+  }
+  return number;
+}
+
+// What stands in the line as texts.
+struct Numbers {
+  std::optional<std::string> lowestMission, highestMission, idleDays, width;
+};
+
+void TakeNumbers(CommandLine& line, const Numbers& numbers) {
+  line.lowestMission = NumberOf("--min-mission", numbers.lowestMission, 1, kMostMissions);
+  line.highestMission = NumberOf("--max-mission", numbers.highestMission, 1, kMostMissions);
+  line.idleDays = NumberOf("--idle-days", numbers.idleDays, 1, kMostDays);
+  line.width = NumberOf("--width", numbers.width, 0, kMostColumns);
+}
+
+void Refuse(bool isWrong, const std::string& why) {
+  if (isWrong) {
+    throw HostError(kWrongUsage, why);
+  }
+}
+
+// Options that contradict each other are no line.
+void NeedSense(const CommandLine& line) {
+  const bool missions = line.lowestMission || line.highestMission;
+  const std::string noMissions = ": --roster tells names only";
+  Refuse(line.roster && missions, "--min-mission, --max-mission" + noMissions);
+  Refuse(line.roster && line.sort == Sort::kMission, "--sort mission" + noMissions);
+  Refuse(line.roster && !line.history.empty(), "--history" + noMissions);
+  Refuse(line.roster && line.idleDays, "--idle-days" + noMissions);
+  Refuse(missions && line.lowestMission.value_or(1) > line.highestMission.value_or(kMostMissions),
+         "--min-mission is above --max-mission");
+  const bool hasRows = line.format == Format::kCsv || line.format == Format::kNdjson;
+  Refuse(hasRows && !line.history.empty(), "--history: a row a student has no place for it");
+  Refuse(line.width && line.format != Format::kTable, "--width: only a table has one");
+  Refuse(line.raw && line.format != Format::kCsv, "--raw: only CSV is changed for spreadsheets");
+}
+
+void AddContents(const kivhost::CommandLine& app, CommandLine& line, Numbers& numbers) {
+  app.AddFlag("--roster", line.roster, "Names and counts only, each list read once");
+  app.AddOption("-t,--teacher", line.teacher, "Only this teacher: a name, or #N for its place")
+      .Takes("NAME|#N");
+  app.AddOption("-c,--class", line.group, "Only this class: a name, or #N for its place")
+      .Takes("NAME|#N");
+  app.AddOption("-s,--student", line.student,
+                "Only this student, with all that is known: missions, hands, the weakest keys")
+      .Takes("NAME|#N");
+  app.AddOption("--min-mission", numbers.lowestMission, "Only who is at this mission or above")
+      .Takes("N");
+  app.AddOption("--max-mission", numbers.highestMission, "Only who is at this mission or below")
+      .Takes("N");
+  app.AddOption("--idle-days", numbers.idleDays,
+                "Mark who has not worked for so many days; a terminal shows it anyway [14]")
+      .Takes("N");
+  app.AddChoice<Sort>("--sort", line.sort, "The order of a class's students",
+                      {{"store", Sort::kStore}, {"name", Sort::kName}, {"mission", Sort::kMission}},
+                      "store");
+  static const std::string columns = "These columns in this order, of " + ColumnNames();
+  app.AddOption("--columns", line.columns, columns.c_str()).Takes("NAME,...");
+  app.AddOption("--since", line.since,
+                "Compare with a report in JSON that was kept: who moved on, is new, has left")
+      .Takes("OLD.json");
+  app.AddOption("--history", line.history,
+                "Each class's median, and each student's missions, over the reports in JSON that a "
+                "folder keeps")
+      .Takes("FOLDER");
+}
+
+}  // namespace
 
 std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
                                             const std::function<std::string()>& version) {
@@ -11,16 +103,16 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
       "kivreport", "Prints the rosters of a store and how far each student has come.", version);
   app.AddRoot("DATA_ROOT", line.root, "The data root of the store");
   app.AddChoice<Format>("-f,--format", line.format, "The form of the report",
-                        {{"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}},
+                        {{"table", Format::kTable},
+                         {"csv", Format::kCsv},
+                         {"json", Format::kJson},
+                         {"ndjson", Format::kNdjson}},
                         "table");
   app.AddOption("-o,--output", line.output,
                 "Write to this file, which is there only when it is whole; - is standard output")
       .Takes("FILE");
-  app.AddFlag("--roster", line.roster, "Names and counts only, each list read once");
-  app.AddOption("-t,--teacher", line.teacher, "Only this teacher: a name, or #N for its place")
-      .Takes("NAME|#N");
-  app.AddOption("-c,--class", line.group, "Only this class: a name, or #N for its place")
-      .Takes("NAME|#N");
+  Numbers numbers;
+  AddContents(app, line, numbers);
   app.AddChoice<Mode>("--mode", line.mode, "The kind of store; auto looks at its folders",
                       {{"auto", Mode::kAuto}, {"local", Mode::kLocal}, {"network", Mode::kNetwork}},
                       "auto");
@@ -31,6 +123,13 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
                 "windows-1252")
       .Takes("NAME");
   app.AddFlag("--bom", line.byteOrderMark, "Begin with a byte order mark, for spreadsheets");
+  app.AddFlag("--raw", line.raw,
+              "CSV: no apostrophe before a name that a spreadsheet would take for a formula, one "
+              "that begins with = + - @ or a tab");
+  app.AddOption("--width", numbers.width,
+                "Fit the table to so many columns, 0 for as many as it takes; else to the "
+                "terminal's")
+      .Takes("N");
   app.AddFlag("--quiet", line.quiet, "No progress bar");
   app.SetFooter(
       "Exit codes:\n"
@@ -38,7 +137,12 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
       "  1  the store has nothing of what was asked for\n"
       "  2  wrong usage\n"
       "  3  no store there, or it cannot be read, or not all of it");
-  return app.Run(argc, argv) ? std::optional(line) : std::nullopt;
+  if (!app.Run(argc, argv)) {
+    return std::nullopt;
+  }
+  TakeNumbers(line, numbers);
+  NeedSense(line);
+  return line;
 }
 
 }  // namespace kivreport

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "hosts/kivreport/report_writer.h"
+#include "hosts/kivreport/selection.h"
 
 namespace kivreport {
 
@@ -18,6 +19,16 @@ struct CommandLine {
   bool roster = false;
   std::string teacher;
   std::string group;
+  std::string student;
+  std::string columns;
+  Sort sort = Sort::kStore;
+  std::optional<int> lowestMission;
+  std::optional<int> highestMission;
+  std::optional<int> idleDays;
+  std::string since;
+  std::string history;
+  std::optional<int> width;
+  bool raw = false;
   Mode mode = Mode::kAuto;
   bool force = false;
   std::optional<std::string> charset;

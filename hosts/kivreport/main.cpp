@@ -2,12 +2,15 @@
 // the file services that make nothing.
 #include <iostream>
 #include <sstream>
+#include <utility>
 
 #include "hosts/common/console.h"
 #include "hosts/common/host_error.h"
 #include "hosts/common/store_conf.h"
 #include "hosts/common/whole_file.h"
 #include "hosts/kivreport/command_line.h"
+#include "hosts/kivreport/comparison.h"
+#include "hosts/kivreport/kept_report.h"
 #include "hosts/kivreport/report_reader.h"
 #include "hosts/kivreport/report_writer.h"
 #include "kivstore/general_proc.h"
@@ -25,15 +28,6 @@ std::string VersionText() {
   GeneralProc(&params);
   return std::string("kivreport " KIVSTORE_VERSION ", product ") + params.productId +
          ", generation " + std::to_string(params.productGeneration);
-}
-
-void WriteOut(const CommandLine& line, const Report& report) {
-  std::ostringstream text;
-  if (line.byteOrderMark) {
-    text << "\xEF\xBB\xBF";
-  }
-  WriteReport(text, report, line.format);
-  kivhost::WriteWholeFile(line.output, text.str(), line.force);
 }
 
 // What could be read has been reported all the same.
@@ -60,21 +54,161 @@ kivhost::KindWanted WantedBy(const CommandLine& line) {
   return wanted;
 }
 
+Selection SelectionOf(const CommandLine& line) {
+  return {Selector(line.teacher), Selector(line.group), Selector(line.student),
+          line.lowestMission,     line.highestMission,  line.sort};
+}
+
+// What a report that is kept will say of itself.
+std::vector<std::pair<std::string, std::string>> PartOf(const CommandLine& line) {
+  const auto number = [](const std::optional<int>& value) {
+    return value ? std::to_string(*value) : std::string();
+  };
+  std::vector<std::pair<std::string, std::string>> part{
+      {"teacher", line.teacher},
+      {"class", line.group},
+      {"student", line.student},
+      {"min_mission", number(line.lowestMission)},
+      {"max_mission", number(line.highestMission)}};
+  std::erase_if(part, [](const auto& option) { return option.second.empty(); });
+  return part;
+}
+
+std::optional<size_t> WidthOf(const CommandLine& line) {
+  if (line.width) {
+    return *line.width > 0 ? std::optional(static_cast<size_t>(*line.width)) : std::nullopt;
+  }
+  return line.output == "-" ? kivhost::OutputColumns() : std::nullopt;
+}
+
+Form FormOf(const CommandLine& line) {
+  Form form;
+  form.format = line.format;
+  if (!line.columns.empty()) {
+    form.columns = ParseColumns(line.columns);
+    NeedKnown(*form.columns, !line.roster, !line.since.empty());
+  }
+  form.raw = line.raw;
+  const bool isTable = line.format == Format::kTable;
+  form.sheets = !line.student.empty() && !line.roster && !(isTable && form.columns);
+  form.width = WidthOf(line);
+  form.showsUnicode = kivhost::ShowsUnicode();
+  form.marksStanding = line.idleDays.has_value();
+  return form;
+}
+
+// What one run needs.
+struct Task {
+  const CommandLine& line;
+  const kivhost::OpenStore& store;
+  const kivhost::Charset& charset;
+  const Request request;
+  const Selection selection;
+  const Form form;
+  const std::optional<KeptReport>& before;
+};
+
+std::string Opening(const CommandLine& line) {
+  return line.byteOrderMark ? "\xEF\xBB\xBF" : "";
+}
+
+// Whether the rows can be written as they are read. Who has left is known only at the end, and so
+// is which class of a roster has nobody who was asked for.
+bool CanStream(const Task& task) {
+  return RowFormOf(task.form.format) != nullptr && !task.before &&
+         (task.request.progress || !task.selection.LimitsStudents());
+}
+
+Report StreamReport(const Task& task, Sought& sought) {
+  const RowForm& rows = *RowFormOf(task.form.format);
+  kivhost::WholeFile file(task.line.output, task.line.force);
+  std::ostringstream text;
+  text << Opening(task.line);
+  bool hasHead = false;
+  const auto writeHead = [&](const Report& report) {
+    if (!std::exchange(hasHead, true)) {
+      rows.writeHead(text, report, task.form);
+    }
+  };
+  const auto writeClass = [&](const Report& report, const Teacher& teacher, Class* group) {
+    writeHead(report);
+    if (group != nullptr) {
+      Arrange(*group, task.selection, sought);
+    }
+    rows.writeClass(text, report, teacher, group, task.form);
+    file.Write(std::exchange(text, {}).str());
+  };
+  Report report = VisitReport(task.store, task.request, task.charset, sought, writeClass);
+  writeHead(report);
+  file.Write(text.str());
+  file.Finish();
+  return report;
+}
+
+// A folder may hold anything; what is no report of another day is told.
+void AddKeptReports(Report& report, const std::string& folder) {
+  std::vector<std::string> passed;
+  AddHistory(report, folder, passed);
+  for (const std::string& reason : passed) {
+    std::cerr << "kivreport: passed over: " << reason << '\n';
+  }
+}
+
+Report ReadWhole(const Task& task, Sought& sought) {
+  Report report = ReadReport(task.store, task.request, task.charset, sought);
+  if (task.before) {
+    CompareWith(report, *task.before, task.line.since, task.selection);
+  }
+  if (!task.line.history.empty()) {
+    AddKeptReports(report, task.line.history);
+  }
+  Arrange(report, task.selection, sought);
+  return report;
+}
+
+void WriteOut(const Task& task, const Report& report) {
+  std::ostringstream text;
+  text << Opening(task.line);
+  WriteReport(text, report, task.form);
+  kivhost::WriteWholeFile(task.line.output, text.str(), task.line.force);
+}
+
+bool FoundNothing(const Task& task, const Report& report, const Sought& sought) {
+  const bool hasLeft = report.since && !report.since->left.empty();
+  return sought.FoundNothing(task.selection) && ListUnread(report).empty() && !hasLeft;
+}
+
+void WriteReportOf(const Task& task) {
+  Sought sought;
+  const bool streams = CanStream(task);
+  const Report report = streams ? StreamReport(task, sought) : ReadWhole(task, sought);
+  const bool isNothing = FoundNothing(task, report, sought);
+  // An empty table tells nothing that the message does not tell better; what a program reads stays
+  // what it can read.
+  if (!streams && !(isNothing && task.form.format == Format::kTable)) {
+    WriteOut(task, report);
+  }
+  kivhost::TellUnshown("kivreport", task.charset);
+  if (isNothing) {
+    throw HostError(kRefused, task.store.Root() + ": " + NothingText(task.selection, sought));
+  }
+  RequireAll(report);
+}
+
 int Run(const CommandLine& line) {
   kivhost::NeedTarget(line.output, line.force);
-  const Request request{Selector(line.teacher), Selector(line.group), !line.roster, line.quiet};
+  const Selection selection = SelectionOf(line);
+  const Form form = FormOf(line);
+  const std::optional<KeptReport> before =
+      line.since.empty() ? std::nullopt : std::optional(ReadKeptReport(line.since));
   const kivhost::OpenStore store(line.root, WantedBy(line));
   const auto charset = kivhost::NeedCharset(kivhost::CharsetOf(store, line.charset));
   if (!store.HasTeachers() && !line.teacher.empty()) {
     throw HostError(kWrongUsage, "--teacher: " + store.Root() + " is a store without teachers");
   }
-  const Report report = ReadReport(store, request, *charset);
-  if (report.CountClasses() == 0 && ListUnread(report).empty()) {
-    throw HostError(kRefused, store.Root() + ": the store has nothing of what was asked for");
-  }
-  WriteOut(line, report);
-  kivhost::TellUnshown("kivreport", *charset);
-  RequireAll(report);
+  const Request request{selection.teacher,          selection.group, !line.roster, line.quiet,
+                        line.idleDays.value_or(14), PartOf(line)};
+  WriteReportOf({line, store, *charset, request, selection, form, before});
   return kDone;
 }
 

@@ -92,6 +92,26 @@ Standing StandingOf(const Report& report, const Student& student) {
   return idle && *idle >= report.idleDays ? Standing::kIdle : Standing::kWorking;
 }
 
+std::optional<double> Median(std::vector<int> missions) {
+  if (missions.empty()) {
+    return std::nullopt;
+  }
+  std::sort(missions.begin(), missions.end());
+  const size_t half = missions.size() / 2;
+  const size_t other = missions.size() % 2 == 0 ? half - 1 : half;
+  return (missions[half] + missions[other]) / 2.0;
+}
+
+std::optional<double> MedianMission(const Class& group) {
+  std::vector<int> missions;
+  for (const Student& student : group.students) {
+    if (student.progress) {
+      missions.push_back(student.progress->currentMission);
+    }
+  }
+  return Median(std::move(missions));
+}
+
 size_t Report::CountStudents() const {
   size_t count = 0;
   for (const Teacher& teacher : teachers) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "records/key_index.h"
@@ -54,10 +55,32 @@ struct Progress {
   std::optional<Keys> keys;        // nothing without a saved game
 };
 
+// What has become of a student since an older report.
+struct Change {
+  enum Kind { kStayed, kNew, kOtherClass, kUnsure, kLeft };
+  Kind kind = kStayed;
+  std::optional<int> missions;  // moved on by so many, back if below 0; nothing: not known
+  std::string note;             // where from, or what is not sure
+};
+
+// How a class and a student went on over reports that were kept, the present one the last of them.
+// One that lacks the class or the student gives no point.
+struct MedianPoint {
+  size_t at = 0;      // which of Report::times
+  double median = 0;  // of the current missions
+  size_t students = 0;
+};
+struct MissionPoint {
+  size_t at = 0;
+  int mission = 0;
+};
+
 struct Student {
   std::string name;
   std::optional<Progress> progress;  // nothing if it was not asked for or could not be read
   std::optional<Unread> unread;
+  std::optional<Change> change = {};       // of a report that is compared
+  std::vector<MissionPoint> history = {};  // of one that tells of kept ones
 };
 
 // What a teacher wants to be told of at a glance.
@@ -68,6 +91,7 @@ struct Class {
   std::string name;
   std::vector<Student> students;
   std::optional<Unread> unread;
+  std::vector<MedianPoint> history = {};
 
   bool IsKnown() const { return !unread || !students.empty(); }
 };
@@ -81,15 +105,33 @@ struct Teacher {
   bool IsKnown() const { return !unread || !classes.empty(); }
 };
 
+// A student of the older report who is not in this one.
+struct Departed {
+  std::string teacher;
+  std::string group;
+  std::string name;
+  std::optional<int> mission;  // at that time
+  std::string note;            // what is not sure
+};
+
+// The older report that this one is compared with.
+struct Since {
+  std::string when;  // as Report::when, or its file's name if it does not tell
+  std::vector<Departed> left;
+};
+
 struct Report {
-  std::string school;     // what to call it: the name of the root's folder
-  std::string root;       // the data root, as the host shows a path
-  std::string when;       // it was read, in the form of Progress::lastWork
-  int idleDays = 14;      // who has not worked for so many days is marked
-  bool network = false;   // a teacher level
+  std::string school;  // what to call it: the name of the root's folder
+  std::string root;    // the data root, as the host shows a path
+  std::string when;    // it was read, in the form of Progress::lastWork
+  int idleDays = 14;   // who has not worked for so many days is marked
+  std::vector<std::pair<std::string, std::string>> part;  // what it was limited to: "class", a name
+  bool network = false;                                   // a teacher level
   bool progress = false;  // missions and levels, or names and counts only
   std::vector<Teacher> teachers;
   std::optional<Unread> unread;
+  std::optional<Since> since;
+  std::vector<std::string> times;  // of the points of history, ascending; empty: none was asked for
 
   bool IsKnown() const { return !unread || !teachers.empty(); }
   size_t CountStudents() const;
@@ -101,6 +143,10 @@ std::optional<int> DaysIdle(const Report& report, const Student& student);
 // Not begun is who has no work in the store and stands at the first mission. Working is also who
 // is not known.
 Standing StandingOf(const Report& report, const Student& student);
+
+// Of the students whose mission is known; nothing if there is none.
+std::optional<double> MedianMission(const Class& group);
+std::optional<double> Median(std::vector<int> missions);
 
 // What could not be read, where it is in the store; names that lead to it, as far as there are any.
 struct UnreadPlace {

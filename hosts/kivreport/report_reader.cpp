@@ -1,7 +1,6 @@
 #include "hosts/kivreport/report_reader.h"
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <utility>
 #include <vector>
@@ -64,22 +63,35 @@ std::string FolderName(const std::string& root) {
 
 class Reader {
  public:
-  Reader(const kivhost::OpenStore& store, const Request& request, const kivhost::Charset& charset)
-      : store(store), request(request), charset(charset), reader(store.App()) {}
+  Reader(const kivhost::OpenStore& store, const Request& request, const kivhost::Charset& charset,
+         Sought& sought, const ClassVisitor& visit)
+      : store(store),
+        request(request),
+        charset(charset),
+        sought(sought),
+        visit(visit),
+        reader(store.App()) {}
 
   Report Run() {
     report.root = store.Root();
     report.school = FolderName(report.root);
     report.when = kivhost::IsoTime(kivstore::SDateTime());
+    report.idleDays = request.idleDays;
+    report.part = request.part;
     report.network = store.HasTeachers();
     report.progress = request.progress;
+    sought.hasTeachers = report.network;
     report.network ? ReadTeachers() : ReadClasses("", nullptr);
     kivhost::ProgressBar bar("classes", report.CountClasses(), request.quiet);
     for (size_t i = 0; i < chosen.size(); ++i) {
       store.Site().SelectTeacher(chosen[i].teacher ? &*chosen[i].teacher : nullptr);
       for (size_t j = 0; j < chosen[i].classes.size(); ++j) {
         ReadClass(report.teachers[i].classes[j], chosen[i].classes[j]);
+        HandOut(report.teachers[i], &report.teachers[i].classes[j]);
         bar.Advance();
+      }
+      if (chosen[i].classes.empty()) {
+        HandOut(report.teachers[i], nullptr);
       }
     }
     return std::move(report);
@@ -104,7 +116,9 @@ class Reader {
     kivstore::SortByFolder(teachers);
     for (int32_t i = 0; i < teachers.GetSize(); ++i) {
       const std::string name = Show(teachers[i]);
-      if (request.teacher.Takes(name, i + 1)) {
+      sought.teachers.push_back(name);
+      if (request.teacher.Takes(name, static_cast<size_t>(i) + 1)) {
+        ++sought.teachersTaken;
         ReadClasses(name, &teachers[i]);
       }
     }
@@ -123,7 +137,9 @@ class Reader {
     }
     for (int32_t i = 0; i < classes.GetSize(); ++i) {
       const std::string className = Show(classes[i]);
-      if (request.group.Takes(className, i + 1)) {
+      sought.classes.push_back(className);
+      if (request.group.Takes(className, static_cast<size_t>(i) + 1)) {
+        ++sought.classesTaken;
         entry.classes.push_back({className, {}, {}});
         own.classes.push_back(classes[i]);
       }
@@ -141,6 +157,16 @@ class Reader {
     });
     for (auto& student : students) {
       group.students.push_back(std::move(student.second));
+    }
+  }
+
+  void HandOut(const Teacher& teacher, Class* group) {
+    if (visit) {
+      visit(report, teacher, group);
+      if (group != nullptr) {
+        std::erase_if(group->students, [](const Student& student) { return !student.unread; });
+        group->students.shrink_to_fit();
+      }
     }
   }
 
@@ -166,6 +192,8 @@ class Reader {
   const kivhost::OpenStore& store;
   const Request& request;
   const kivhost::Charset& charset;
+  Sought& sought;
+  const ClassVisitor& visit;
   kivstore::SClassReader reader;
   Report report;
   std::vector<ChosenTeacher> chosen;  // one for each teacher of the report
@@ -173,29 +201,14 @@ class Reader {
 
 }  // namespace
 
-Selector::Selector(const std::string& text) {
-  if (text.empty() || text[0] != '#') {
-    name = text;
-    return;
-  }
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data() + 1, end, place);
-  if (error != std::errc() || stop != end || place < 1) {
-    throw kivhost::HostError(kivhost::kWrongUsage,
-                             text + ": a place in a list is # and a number from 1, as in #2");
-  }
-}
-
-bool Selector::Takes(const std::string& candidate, int number) const {
-  if (place > 0) {
-    return number == place;
-  }
-  return name.empty() || kivhost::EqualNoCase(candidate, name);
-}
-
 Report ReadReport(const kivhost::OpenStore& store, const Request& request,
-                  const kivhost::Charset& charset) {
-  return Reader(store, request, charset).Run();
+                  const kivhost::Charset& charset, Sought& sought) {
+  return Reader(store, request, charset, sought, {}).Run();
+}
+
+Report VisitReport(const kivhost::OpenStore& store, const Request& request,
+                   const kivhost::Charset& charset, Sought& sought, const ClassVisitor& visit) {
+  return Reader(store, request, charset, sought, visit).Run();
 }
 
 }  // namespace kivreport

@@ -1,159 +1,169 @@
 #include <algorithm>
-#include <array>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "hosts/common/charset.h"
+#include "hosts/common/unicode.h"
+#include "hosts/kivreport/cells.h"
 #include "hosts/kivreport/report_writer.h"
+#include "hosts/kivreport/table_foot.h"
 
 namespace kivreport {
 namespace {
 
-constexpr size_t kColumns = 6;
-constexpr size_t kFirstNumber = 3;
-using Row = std::array<std::string, kColumns>;
-
 // A row, or where something could not be read the names that lead there and a note, which runs over
 // the columns behind them.
 struct Line {
-  Row row;
-  size_t noteAt = kColumns;
-
-  bool IsNote() const { return noteAt < kColumns; }
+  std::vector<std::string> cells;
+  bool isNote = false;
 };
 
-// A name out of a file may hold anything; a terminal is shown no control characters.
-std::string Printable(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(),
-      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
-  return text;
+Columns TableColumns(const Report& report, const Form& form) {
+  if (form.columns) {
+    return *form.columns;
+  }
+  std::vector<const char*> names{kClassColumn, kStudentColumn};
+  if (report.network) {
+    names.insert(names.begin(), kTeacherColumn);
+  }
+  if (report.progress) {
+    names.insert(names.end(), {"current_mission", "previous_mission", "vocab_level"});
+  }
+  if (report.since) {
+    names.insert(names.end(), {"change", "missions_moved", "change_note"});
+  }
+  if (form.marksStanding && report.progress) {
+    names.insert(names.end(), {"last_work", "standing"});
+  }
+  return ColumnsOf(names);
 }
 
 class TableLines {
  public:
-  explicit TableLines(const Report& report) {
-    lines.push_back({{"Teacher", "Class", "Student", "Current mission", "Previous mission",
-                      "Vocabulary level"}});
-    const size_t top = report.network ? 0 : 1;
-    AddNote(Row(), top, "", report.unread, report.IsKnown());
+  TableLines(const Report& report, const Columns& columns) : report(report), columns(columns) {
+    Line head;
+    for (const Column* const column : columns) {
+      head.cells.emplace_back(column->head);
+    }
+    lines.push_back(std::move(head));
+    AddNote(report.network ? kTeacherColumn : kClassColumn, {}, "", report.unread,
+            report.IsKnown());
     for (const Teacher& teacher : report.teachers) {
-      AddTeacher(teacher, top);
+      AddTeacher(teacher);
     }
   }
 
   std::vector<Line> Take() { return std::move(lines); }
 
  private:
-  void AddTeacher(const Teacher& teacher, size_t top) {
-    const Row row{Printable(teacher.name)};
-    AddNote(row, top, teacher.name, teacher.unread, teacher.IsKnown());
+  // Names that lead to what a line tells of.
+  struct Place {
+    std::string teacher;
+    std::string group;
+  };
+
+  void AddTeacher(const Teacher& teacher) {
+    AddNote(report.network ? kTeacherColumn : kClassColumn, {}, teacher.name, teacher.unread,
+            teacher.IsKnown());
     if (teacher.classes.empty() && !teacher.unread) {
-      lines.push_back({{row[0], "(no classes)"}});
+      AddRemark({teacher.name, "(no classes)"}, "");
     }
     for (const Class& group : teacher.classes) {
-      AddClass(row, group);
+      AddClass({teacher.name, group.name}, group);
     }
   }
 
-  void AddClass(Row row, const Class& group) {
-    AddNote(row, 1, group.name, group.unread, group.IsKnown());
-    row[1] = Printable(group.name);
+  void AddClass(const Place& place, const Class& group) {
+    AddNote(kClassColumn, {place.teacher, ""}, group.name, group.unread, group.IsKnown());
     if (group.students.empty() && !group.unread) {
-      lines.push_back({{row[0], row[1], "(no students)"}});
+      AddRemark(place, "(no students)");
     }
     for (const Student& student : group.students) {
-      AddStudent(row, student);
+      if (student.unread) {
+        AddNote(kStudentColumn, place, student.name, student.unread, false);
+      } else {
+        AddRow(place, student);
+      }
     }
   }
 
-  void AddStudent(Row row, const Student& student) {
-    if (student.unread) {
-      AddNote(row, 2, student.name, student.unread, false);
+  void AddRow(const Place& place, const Student& student) {
+    Line line;
+    for (const Column* const column : columns) {
+      line.cells.push_back(
+          Printable(TextOf(column->value({report, place.teacher, place.group, student}))));
+    }
+    lines.push_back(std::move(line));
+  }
+
+  void AddRemark(const Place& place, const std::string& student) {
+    AddRow(place, {student, {}, {}, {}});
+  }
+
+  // "Room 12: not read, locked by someone else", in the column of the entry or the first.
+  void AddNote(const std::string& columnName, const Place& place, const std::string& name,
+               const std::optional<Unread>& unread, bool isPart) {
+    if (!unread) {
       return;
     }
-    row[2] = Printable(student.name);
-    if (student.progress) {
-      row[3] = std::to_string(student.progress->currentMission);
-      row[4] = std::to_string(student.progress->previousMission);
-      row[5] = std::to_string(student.progress->vocabLevel);
+    Line line;
+    line.isNote = true;
+    const auto at = std::find_if(columns.begin(), columns.end(),
+                                 [&](const Column* column) { return column->name == columnName; });
+    const auto end = at == columns.end() ? columns.begin() : at;
+    for (auto column = columns.begin(); column != end; ++column) {
+      line.cells.push_back(
+          Printable(TextOf((*column)->value({report, place.teacher, place.group, Student()}))));
     }
-    lines.push_back({row});
+    line.cells.push_back((name.empty() ? "the store" : Printable(name)) +
+                         (isPart ? ": not all read, " : ": not read, ") + unread->what);
+    lines.push_back(std::move(line));
   }
 
-  // "Room 12: not read, locked by someone else"
-  void AddNote(Row row, size_t at, const std::string& name, const std::optional<Unread>& unread,
-               bool isPart) {
-    if (unread) {
-      row[at] = (name.empty() ? "the store" : Printable(name)) +
-                (isPart ? ": not all read, " : ": not read, ") + unread->what;
-      lines.push_back({row, at});
-    }
-  }
-
+  const Report& report;
+  const Columns& columns;
   std::vector<Line> lines;
 };
 
-std::array<size_t, kColumns> MeasureColumns(const std::vector<Line>& lines) {
-  std::array<size_t, kColumns> widths{};
+std::vector<size_t> MeasureColumns(const std::vector<Line>& lines, size_t count) {
+  std::vector<size_t> widths(count);
   for (const Line& line : lines) {
-    for (size_t i = 0; i < line.noteAt; ++i) {
-      widths[i] = std::max(widths[i], kivhost::CountCharacters(line.row[i]));
+    for (size_t i = 0; i + (line.isNote ? 1 : 0) < line.cells.size(); ++i) {
+      widths[i] = std::max(widths[i], kivhost::CountCells(line.cells[i]));
     }
   }
   return widths;
 }
 
-void Plural(std::ostream& out, size_t count, const char* one, const char* many) {
-  out << count << ' ' << (count == 1 ? one : many);
-}
-
-void WriteCounts(std::ostream& out, const Report& report) {
-  if (report.network) {
-    Plural(out, report.teachers.size(), "teacher", "teachers");
-    out << ", ";
+std::string TextOfLine(const Line& line, const Columns& columns,
+                       const std::vector<size_t>& widths) {
+  std::string text;
+  for (size_t i = 0; i < line.cells.size(); ++i) {
+    const bool isNote = line.isNote && i + 1 == line.cells.size();
+    text += i > 0 ? "  " : "";
+    text += isNote                 ? line.cells[i]
+            : columns[i]->isNumber ? PadLeft(line.cells[i], widths[i])
+                                   : PadRight(line.cells[i], widths[i]);
   }
-  Plural(out, report.CountClasses(), "class", "classes");
-  out << ", ";
-  Plural(out, report.CountStudents(), "student", "students");
-  out << '\n';
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text;
 }
 
 }  // namespace
 
-void WriteTable(std::ostream& out, const Report& report) {
-  const std::vector<Line> lines = TableLines(report).Take();
-  const auto widths = MeasureColumns(lines);
-  const size_t first = report.network ? 0 : 1;
-  const size_t last = report.progress ? kColumns : kFirstNumber;
-
-  const auto write = [&](const Line& line) {
-    std::string text;
-    for (size_t i = first; i < last; ++i) {
-      const size_t width = kivhost::CountCharacters(line.row[i]);
-      const std::string gap(line.IsNote() && i >= line.noteAt ? 0 : widths[i] - width, ' ');
-      text += i < kFirstNumber ? line.row[i] + gap : gap + line.row[i];
-      if (i + 1 < last) {
-        text += "  ";
-      }
-    }
-    text.erase(text.find_last_not_of(' ') + 1);
-    out << text << '\n';
-  };
-
-  write(lines.front());
+void WriteTable(std::ostream& out, const Report& report, const Form& form) {
+  const Columns columns = TableColumns(report, form);
+  const std::vector<Line> lines = TableLines(report, columns).Take();
+  const auto widths = MeasureColumns(lines, columns.size());
   Line rule;
-  for (size_t i = first; i < last; ++i) {
-    rule.row[i] = std::string(widths[i], '-');
+  for (const size_t width : widths) {
+    rule.cells.emplace_back(width, '-');
   }
-  write(rule);
-  std::for_each(lines.begin() + 1, lines.end(), write);
-  out << '\n';
-  WriteCounts(out, report);
-  for (const std::string& reason : ReasonsOf(report)) {
-    out << "incomplete: " << Printable(reason) << '\n';
-  }
+  out << TextOfLine(lines.front(), columns, widths) << '\n'
+      << TextOfLine(rule, columns, widths) << '\n';
+  std::for_each(lines.begin() + 1, lines.end(),
+                [&](const Line& line) { out << TextOfLine(line, columns, widths) << '\n'; });
+  WriteFoot(out, report, form);
 }
 
 }  // namespace kivreport

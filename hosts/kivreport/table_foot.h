@@ -1,0 +1,16 @@
+// What stands below a table: how many there are, who is not there any more, the medians of kept
+// reports, and what could not be read.
+#pragma once
+
+#include <ostream>
+
+#include "hosts/kivreport/report_writer.h"
+
+namespace kivreport {
+
+void WriteFoot(std::ostream& out, const Report& report, const Form& form);
+
+// "Ms Hill, Room 12".
+std::string PlaceName(const std::string& teacher, const std::string& group);
+
+}  // namespace kivreport
