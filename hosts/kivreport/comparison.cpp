@@ -191,15 +191,14 @@ void SortByTime(Report& report) {
 
 }  // namespace
 
-void CompareWith(Report& report, const KeptReport& before, const std::string& name,
+void CompareWith(Report& report, const KeptReport& before, const std::string& file,
                  const Selection& selection) {
   const Matching matching(report, before);
   auto match = matching.GetMatches().begin();
   ForEachStudent(report, [&](const Teacher&, const Class&, Student& student) {
     student.change = ChangeOf(student, *match++, before);
   });
-  report.since = Since{before.when.empty() ? name : before.when,
-                       DepartedOf(matching, Scope(report, selection))};
+  report.since = Since{before.when, file, DepartedOf(matching, Scope(report, selection))};
 }
 
 void AddHistory(Report& report, const std::string& folder, std::vector<std::string>& passed) {

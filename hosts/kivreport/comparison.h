@@ -12,9 +12,8 @@
 namespace kivreport {
 
 // Tells of each student of the report what has become of him, and who is not there any more of
-// those that the selectors take. `name` is what the older report is called if it does not tell its
-// time.
-void CompareWith(Report& report, const KeptReport& before, const std::string& name,
+// those that the selectors take. `file` is where the older report comes from.
+void CompareWith(Report& report, const KeptReport& before, const std::string& file,
                  const Selection& selection);
 
 // The history of a folder of kept reports. What is none of them is passed over, and said in

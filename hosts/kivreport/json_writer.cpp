@@ -116,7 +116,9 @@ class Writer {
                       {"mission", Known(student.mission.has_value(), student.mission.value_or(0))},
                       {"note", Known(!student.note.empty(), student.note)}});
     }
-    return {{"written_at", since.when}, {"left", std::move(left)}};
+    return {{"written_at", Known(!since.when.empty(), since.when)},
+            {"report", since.file},
+            {"left", std::move(left)}};
   }
 
   Json HistoryJson() const {

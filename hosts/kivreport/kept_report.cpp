@@ -51,8 +51,10 @@ void AddClasses(KeptReport& report, const json& holder, const std::string& teach
   for (const json& group : ListAt(holder, "classes")) {
     const auto name = ValueAt<std::string>(group, "name", "");
     for (const json& student : ListAt(group, "students")) {
-      report.students.push_back(
-          {teacher, name, ValueAt<std::string>(student, "name", ""), MissionOf(student)});
+      const auto own = ValueAt<std::string>(student, "name", "");
+      if (!own.empty()) {
+        report.students.push_back({teacher, name, own, MissionOf(student)});
+      }
     }
   }
 }

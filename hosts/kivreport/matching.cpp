@@ -9,9 +9,21 @@ std::string KeyOf(const std::string& teacher, const std::string& group, const st
   return teacher + '\0' + group + '\0' + name;
 }
 
+// Whether everybody of the store is in it; of whom nothing but the name is known is there too.
+bool IsWhole(const Report& report) {
+  const auto limits = [](const auto& option) {
+    return option.first == "teacher" || option.first == "class";
+  };
+  const auto places = ListUnread(report);
+  return std::none_of(report.part.begin(), report.part.end(), limits) &&
+         std::none_of(places.begin(), places.end(),
+                      [](const UnreadPlace& place) { return place.student.empty(); });
+}
+
 }  // namespace
 
-Matching::Matching(const Report& report, const KeptReport& before) : before(before) {
+Matching::Matching(const Report& report, const KeptReport& before)
+    : before(before), areWhole(IsWhole(report) && before.isComplete && !before.isPart) {
   Index places, names;
   size_t now = 0;
   for (const Teacher& teacher : report.teachers) {
@@ -55,7 +67,7 @@ void Matching::MatchName(const Same& same) {
       std::none_of(same.now.begin(), same.now.end(), isNew)) {
     return;
   }
-  if (same.now.size() == 1 && same.then.size() == 1) {
+  if (areWhole && same.now.size() == 1 && same.then.size() == 1) {
     isFound[same.then[0]] = true;
     matches[same.now[0]] = {Match::kOtherPlace, &before.students[same.then[0]]};
     return;

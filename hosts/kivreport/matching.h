@@ -41,6 +41,7 @@ class Matching {
   void MatchName(const Same& same);
 
   const KeptReport& before;
+  const bool areWhole;  // both tell of everybody, so that a name that is there once is somebody
   std::vector<Match> matches;
   std::vector<bool> isFound;      // of the kept report's
   std::vector<bool> isUncertain;  // not found, but somebody of the name is new elsewhere

@@ -116,8 +116,11 @@ struct Departed {
 
 // The older report that this one is compared with.
 struct Since {
-  std::string when;  // as Report::when, or its file's name if it does not tell
+  std::string when;  // as Report::when, or a date alone; empty if it does not tell
+  std::string file;
   std::vector<Departed> left;
+
+  const std::string& Name() const { return when.empty() ? file : when; }
 };
 
 struct Report {

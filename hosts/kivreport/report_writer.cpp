@@ -55,9 +55,14 @@ Columns ColumnsFor(const Report& report, const Form& form) {
     Add(columns, {"lessons", "keys"});
   }
   if (report.since) {
-    Add(columns, {"change", "missions_moved", "change_note"});
+    Add(columns, ChangeColumns(report));
   }
   return columns;
+}
+
+std::vector<const char*> ChangeColumns(const Report& report) {
+  return report.progress ? std::vector<const char*>{"change", "missions_moved", "change_note"}
+                         : std::vector<const char*>{"change", "change_note"};
 }
 
 Student AsStudent(const Departed& departed) {

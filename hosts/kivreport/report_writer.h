@@ -43,7 +43,7 @@ void WriteSheets(std::ostream& out, const Report& report, const Form& form);
 // missions. "complete" is true, or false with
 // "unread":[{"teacher":...,"class":...,"student":...,"path":...,"reason":...}]. Behind it
 // "school", "root", "written_at", "part" if it was limited to one, and of a comparison
-// "since":{"written_at":...,"left":[{"teacher":...,"class":...,"name":...,"mission":...,
+// "since":{"written_at":...,"report":...,"left":[{"teacher":...,"class":...,"name":...,"mission":...,
 // "note":...}]}, of kept reports "history":[{"teacher":...,"class":...,
 // "points":[{"written_at":...,"median":...,"students":...}],
 // "students":[{"name":...,"points":[{"written_at":...,"mission":...}]}]}].
@@ -74,6 +74,9 @@ const RowForm* RowFormOf(Format format);
 
 // What a row has unless columns were chosen, for CSV and JSON.
 Columns ColumnsFor(const Report& report, const Form& form);
+
+// Of a report that is compared; with names only nobody moves.
+std::vector<const char*> ChangeColumns(const Report& report);
 
 // Who is not there any more, as a row.
 Student AsStudent(const Departed& departed);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -51,7 +52,12 @@ std::string MissingFrom(const char* kind, const Selector& wanted, const Names& n
 }
 
 std::string MissingStudent(const Selector& wanted, const Names& names) {
-  const std::string near = kivhost::Nearest(wanted.Text(), names);
+  Names folded;
+  std::transform(names.begin(), names.end(), std::back_inserter(folded), kivhost::FoldCase);
+  const auto found = std::find(folded.begin(), folded.end(),
+                               kivhost::Nearest(kivhost::FoldCase(wanted.Text()), folded));
+  const std::string near =
+      found != folded.end() ? names[static_cast<size_t>(found - folded.begin())] : "";
   return Named("student", wanted) + (near.empty()
                                          ? " among " + kivhost::Counted(names.size(), "student")
                                          : "; did you mean \"" + Printable(near) + "\"?");

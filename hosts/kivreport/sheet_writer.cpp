@@ -76,7 +76,9 @@ std::string WorkText(const Report& report, const Student& student) {
 void WriteChange(std::ostream& out, const Since& since, const Change& change) {
   constexpr const char* kWords[] = {"", "new", "from another class", "not sure", "left"};
   out << "  Since then    ";
-  if (change.missions) {
+  if (change.missions == 0) {
+    out << "at the same mission";
+  } else if (change.missions) {
     out << (*change.missions < 0 ? "back" : "on") << " by "
         << kivhost::Counted(static_cast<size_t>(std::abs(*change.missions)), "mission");
   } else {
@@ -85,8 +87,8 @@ void WriteChange(std::ostream& out, const Since& since, const Change& change) {
   if (change.kind != Change::kStayed && change.kind != Change::kNew) {
     out << ", " << kWords[change.kind];
   }
-  out << (change.note.empty() ? "" : ": " + Printable(change.note)) << " (" << Printable(since.when)
-      << ")\n";
+  out << (change.note.empty() ? "" : ": " + Printable(change.note)) << " ("
+      << Printable(since.Name()) << ")\n";
 }
 
 void WriteSheet(std::ostream& out, const Row& row, bool unicode) {

@@ -45,7 +45,7 @@ void WriteStandings(std::ostream& out, const Report& report) {
 }
 
 void WriteLeft(std::ostream& out, const Since& since) {
-  out << "\nLeft since " << Printable(since.when) << ": "
+  out << "\nLeft since " << Printable(since.Name()) << ": "
       << (since.left.empty() ? "nobody" : std::to_string(since.left.size())) << '\n';
   for (const Departed& student : since.left) {
     out << "  " << Printable(student.name) << " of "
@@ -64,13 +64,23 @@ std::string MedianText(double median) {
   return text;
 }
 
-void WriteMedians(std::ostream& out, const Report& report, const Class& group, bool unicode) {
+std::string DateOf(const std::string& time) {
   constexpr size_t kDate = 10;  // of "2026-11-20T10:15:00"
-  for (const MedianPoint& point : group.history) {
+  return time.substr(0, kDate);
+}
+
+// The last of each day.
+void WriteMedians(std::ostream& out, const Report& report, const Class& group, bool unicode) {
+  for (size_t i = 0; i < group.history.size(); ++i) {
+    const MedianPoint& point = group.history[i];
+    const std::string date = DateOf(report.times[point.at]);
+    if (i + 1 < group.history.size() && DateOf(report.times[group.history[i + 1].at]) == date) {
+      continue;
+    }
     const int rounded = static_cast<int>(std::lround(point.median));
-    out << "    " << report.times[point.at].substr(0, kDate) << "  "
-        << (unicode ? Bar(rounded, kMissions) + "  " : "") << PadLeft(MedianText(point.median), 4)
-        << "  " << Counted(point.students, "student") << '\n';
+    out << "    " << date << "  " << (unicode ? Bar(rounded, kMissions) + "  " : "")
+        << PadLeft(MedianText(point.median), 4) << "  " << Counted(point.students, "student")
+        << '\n';
   }
 }
 

@@ -30,7 +30,8 @@ Columns TableColumns(const Report& report, const Form& form) {
     names.insert(names.end(), {"current_mission", "previous_mission", "vocab_level"});
   }
   if (report.since) {
-    names.insert(names.end(), {"change", "missions_moved", "change_note"});
+    const auto more = ChangeColumns(report);
+    names.insert(names.end(), more.begin(), more.end());
   }
   if (form.marksStanding && report.progress) {
     names.insert(names.end(), {"last_work", "standing"});
@@ -96,8 +97,13 @@ class TableLines {
     lines.push_back(std::move(line));
   }
 
+  // Where the columns do not tell it, there is no line.
   void AddRemark(const Place& place, const std::string& student) {
-    AddRow(place, {student, {}, {}, {}});
+    AddRow(place, {student, {}, {}});
+    const auto& cells = lines.back().cells;
+    if (std::all_of(cells.begin(), cells.end(), [](const auto& cell) { return cell.empty(); })) {
+      lines.pop_back();
+    }
   }
 
   // "Room 12: not read, locked by someone else", in the column of the entry or the first.

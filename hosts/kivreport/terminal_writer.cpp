@@ -27,15 +27,21 @@ bool IsNamed(const Column* column, const std::string& name) {
   return column->name == name;
 }
 
-// The class stands above its students.
+// The class stands above its students. Of a comparison the missions are told by how they moved.
 Columns ShownColumns(const Report& report, const Form& form) {
   std::vector<const char*> names{kStudentColumn};
   if (report.progress) {
-    names.insert(names.end(), {"current_mission", "previous_mission", "vocab_level", "lessons_done",
-                               "last_work", "standing"});
+    names.emplace_back("current_mission");
+    if (!report.since) {
+      names.insert(names.end(), {"previous_mission", "vocab_level", "lessons_done"});
+    }
+    names.insert(names.end(), {"last_work", "standing"});
+  }
+  if (report.since && report.progress) {
+    names.emplace_back("missions_moved");
   }
   if (report.since) {
-    names.insert(names.end(), {"missions_moved", "change"});
+    names.emplace_back("change");
   }
   Columns columns = form.columns ? *form.columns : ColumnsOf(names);
   std::erase_if(columns, [](const Column* column) {
