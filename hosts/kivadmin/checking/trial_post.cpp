@@ -11,7 +11,7 @@ using namespace kivstore;
 
 constexpr uint32_t kLongestWait = 60000;  // milliseconds
 constexpr uint32_t kStep = 10;
-constexpr int32_t kLongest = 4096;
+constexpr int32_t kLongestPost = 4096;
 
 SFileSpec In(SFileSpec folder, const std::string& name) {
   folder.Down(name.c_str());
@@ -76,8 +76,8 @@ std::optional<std::string> TrialPost::Take(const std::string& name) const {
   for (SFileSpec entry; finder.Next(entry);) {
     SFile file;
     if (entry.GetFileName() == name.c_str() && file.Open(SFile::kRead, entry)) {
-      std::string text(kLongest, '\0');
-      text.resize(static_cast<size_t>(file.Read(kLongest, text.data())));
+      std::string text(kLongestPost, '\0');
+      text.resize(static_cast<size_t>(file.Read(kLongestPost, text.data())));
       return text;
     }
   }
