@@ -44,7 +44,8 @@ need_host_libraries() {
 }
 
 need_test_tools() {
-  need /usr/src/googletest/CMakeLists.txt googletest nm binutils python3 python3 strace strace
+  need /usr/src/googletest/CMakeLists.txt googletest nm binutils python3 python3 strace strace \
+       /usr/lib/postgresql postgresql
 }
 
 # build PRESET [TARGET ...]: configures, as `build_options` tells besides the preset, and builds, quietly

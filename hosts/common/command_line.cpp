@@ -167,6 +167,11 @@ const CommandOption& CommandOption::Require() const {
   return *this;
 }
 
+const CommandOption& CommandOption::MayBeLeftOut() const {
+  option->required(false);
+  return *this;
+}
+
 const CommandOption& CommandOption::Needs(const CommandOption& other) const {
   option->needs(other.option);
   return *this;
@@ -248,6 +253,10 @@ void Command::SetFooter(const char* text) const {
 
 void Command::OnRun(std::function<void()> action) const {
   app->callback(std::move(action));
+}
+
+std::string RootOfEnvironment() {
+  return RootVariable() != nullptr ? RootVariable() : "";
 }
 
 CommandLine::CommandLine(const char* program, const char* description,

@@ -27,6 +27,7 @@ class CommandOption {
   explicit CommandOption(CLI::Option* option) : option(option) {}
 
   const CommandOption& Require() const;
+  const CommandOption& MayBeLeftOut() const;
   const CommandOption& Needs(const CommandOption& other) const;
   // What the help says it takes: "FILE", "NAME|#N".
   const CommandOption& Takes(const char* what) const;
@@ -81,6 +82,9 @@ class Command {
  protected:
   CLI::App* app;
 };
+
+// What KIVSTORE_ROOT has; empty if nothing.
+std::string RootOfEnvironment();
 
 // What may stand in place of the last word of a line that is being typed.
 struct Completion {

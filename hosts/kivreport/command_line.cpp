@@ -14,6 +14,7 @@ using kivhost::kWrongUsage;
 constexpr int kMostMissions = 32767;
 constexpr int kMostDays = 36500;
 constexpr int kMostColumns = 10000;
+constexpr int kMostJobs = 256;
 
 std::optional<int> NumberOf(const char* option, const std::optional<std::string>& text, int lowest,
                             int highest) {
@@ -32,13 +33,14 @@ std::optional<int> NumberOf(const char* option, const std::optional<std::string>
 
 // What stands in the line as texts.
 struct Numbers {
-  std::optional<std::string> lowestMission, highestMission, idleDays, width;
+  std::optional<std::string> lowestMission, highestMission, idleDays, width, jobs;
 };
 
 void TakeNumbers(CommandLine& line, const Numbers& numbers) {
   line.lowestMission = NumberOf("--min-mission", numbers.lowestMission, 1, kMostMissions);
   line.highestMission = NumberOf("--max-mission", numbers.highestMission, 1, kMostMissions);
   line.idleDays = NumberOf("--idle-days", numbers.idleDays, 1, kMostDays);
+  line.jobs = NumberOf("--jobs", numbers.jobs, 1, kMostJobs).value_or(line.jobs);
   line.width = NumberOf("--width", numbers.width, 0, kMostColumns);
 }
 
@@ -62,6 +64,36 @@ void NeedSense(const CommandLine& line) {
   Refuse(hasRows && !line.history.empty(), "--history: a row a student has no place for it");
   Refuse(line.width && line.format != Format::kTable, "--width: only a table has one");
   Refuse(line.raw && line.format != Format::kCsv, "--raw: only CSV is changed for spreadsheets");
+}
+
+// Those of the line that are about one store; where the report goes is not.
+std::vector<std::string> OptionsForEach(int argc, const char* const* argv) {
+  std::vector<std::string> options;
+  for (int i = 1; i < argc; ++i) {
+    const std::string word = argv[i];
+    const std::string name = word.substr(0, word.find('='));
+    const bool takesValue =
+        name == "--stores" || name == "--jobs" || name == "-o" || name == "--output";
+    if (takesValue) {
+      i += name == word;
+    } else if (name != "--force" && name != "--bom" && name != "--quiet") {
+      options.push_back(word);
+    }
+  }
+  options.emplace_back("--quiet");
+  return options;
+}
+
+// A list of stores has no root, and what tells of one store only has no list.
+void NeedStore(CommandLine& line) {
+  if (line.stores.empty() && line.root.empty()) {
+    line.root = kivhost::RootOfEnvironment();
+  }
+  Refuse(line.stores.empty() && line.root.empty(),
+         "DATA_ROOT is wanted, or --stores; kivreport help tells more");
+  Refuse(!line.stores.empty() && !line.root.empty(), "--stores: not with a DATA_ROOT too");
+  Refuse(!line.stores.empty() && (!line.since.empty() || !line.history.empty()),
+         "--stores: --since and --history tell of one store");
 }
 
 void AddContents(const kivhost::CommandLine& app, CommandLine& line, Numbers& numbers) {
@@ -101,7 +133,7 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
   CommandLine line;
   const kivhost::CommandLine app(
       "kivreport", "Prints the rosters of a store and how far each student has come.", version);
-  app.AddRoot("DATA_ROOT", line.root, "The data root of the store");
+  app.AddRoot("DATA_ROOT", line.root, "The data root of the store").MayBeLeftOut();
   app.AddChoice<Format>("-f,--format", line.format, "The form of the report",
                         {{"table", Format::kTable},
                          {"csv", Format::kCsv},
@@ -112,6 +144,12 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
                 "Write to this file, which is there only when it is whole; - is standard output")
       .Takes("FILE");
   Numbers numbers;
+  app.AddOption(
+         "--stores", line.stores,
+         "Instead of DATA_ROOT: many stores, of a CSV file with the heading name,data root; in "
+         "front stands the school")
+      .Takes("LIST.csv");
+  app.AddOption("--jobs", numbers.jobs, "So many of them are read at a time [4]").Takes("N");
   AddContents(app, line, numbers);
   app.AddChoice<Mode>("--mode", line.mode, "The kind of store; auto looks at its folders",
                       {{"auto", Mode::kAuto}, {"local", Mode::kLocal}, {"network", Mode::kNetwork}},
@@ -142,6 +180,8 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
   }
   TakeNumbers(line, numbers);
   NeedSense(line);
+  NeedStore(line);
+  line.forEach = OptionsForEach(argc, argv);
   return line;
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "hosts/kivreport/report_writer.h"
 #include "hosts/kivreport/selection.h"
@@ -13,7 +14,10 @@ namespace kivreport {
 enum class Mode { kAuto, kLocal, kNetwork };
 
 struct CommandLine {
-  std::string root;
+  std::string root;    // empty with a list of stores
+  std::string stores;  // the list
+  int jobs = 4;
+  std::vector<std::string> forEach;  // the options that each store of the list is read with
   Format format = Format::kTable;
   std::string output = "-";
   bool roster = false;

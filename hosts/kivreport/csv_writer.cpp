@@ -28,7 +28,7 @@ bool IsFormula(const std::string& text) {
 std::string Field(const Value& value, bool raw) {
   const std::string text = TextOf(value);
   const bool isNumber = std::holds_alternative<int64_t>(value);
-  return Quoted(!raw && !isNumber && IsFormula(text) ? "'" + text : text);
+  return Quoted(GuardedName(text, raw || isNumber));
 }
 
 void WriteRow(std::ostream& out, const Row& row, const Columns& columns, bool raw) {
@@ -73,6 +73,10 @@ void WriteDeparted(std::ostream& out, const Report& report, const Form& form) {
 }
 
 }  // namespace
+
+std::string GuardedName(const std::string& name, bool raw) {
+  return !raw && IsFormula(name) ? "'" + name : name;
+}
 
 const RowForm kCsvForm{WriteHead, WriteClass, WriteDeparted};
 

@@ -5,12 +5,14 @@
 #include <utility>
 
 #include "hosts/common/console.h"
+#include "hosts/common/counted.h"
 #include "hosts/common/host_error.h"
 #include "hosts/common/store_conf.h"
 #include "hosts/common/whole_file.h"
 #include "hosts/kivreport/command_line.h"
 #include "hosts/kivreport/comparison.h"
 #include "hosts/kivreport/kept_report.h"
+#include "hosts/kivreport/many_stores.h"
 #include "hosts/kivreport/report_reader.h"
 #include "hosts/kivreport/report_writer.h"
 #include "kivstore/general_proc.h"
@@ -195,8 +197,30 @@ void WriteReportOf(const Task& task) {
   RequireAll(report);
 }
 
+// What is not read is told behind all that is.
+int RunMany(const CommandLine& line) {
+  if (line.format != Format::kTable && RowFormOf(line.format) == nullptr &&
+      line.format != Format::kJson) {
+    throw HostError(kWrongUsage, "--stores: in text only: table, csv, json or ndjson");
+  }
+  kivhost::WholeFile file(line.output, line.force);
+  file.Write(Opening(line));
+  const size_t unread = ReportManyStores(
+      {line.stores, static_cast<size_t>(line.jobs), line.format, line.raw, line.forEach},
+      [&](std::string_view text) { file.Write(text); });
+  file.Finish();
+  if (unread > 0) {
+    throw HostError(kNoStore, "incomplete: " + kivhost::Counted(unread, "school") +
+                                  " could not be read, or not all of it");
+  }
+  return kDone;
+}
+
 int Run(const CommandLine& line) {
   kivhost::NeedTarget(line.output, line.force);
+  if (!line.stores.empty()) {
+    return RunMany(line);
+  }
   const Selection selection = SelectionOf(line);
   const Form form = FormOf(line);
   const std::optional<KeptReport> before =

@@ -69,6 +69,9 @@ extern const RowForm kCsvForm;
 // for the reason if there is one. The teacher is null in a local store.
 extern const RowForm kNdjsonForm;
 
+// A name as CSV has it ahead of its quotes: with that apostrophe, or `raw`.
+std::string GuardedName(const std::string& name, bool raw);
+
 // Null for a form that wants the whole report.
 const RowForm* RowFormOf(Format format);
 

@@ -3,17 +3,20 @@
 #include <algorithm>
 #include <optional>
 
+#include "hosts/common/csv_text.h"
 #include "hosts/common/host_error.h"
 #include "hosts/kivadmin/roster_files/cell_text.h"
-#include "hosts/kivadmin/roster_files/csv_text.h"
 #include "hosts/kivadmin/roster_files/file_text.h"
 #include "hosts/kivadmin/roster_files/plain_file.h"
 
 namespace kivadmin {
 namespace {
 
+using kivhost::CsvRow;
+using kivhost::CsvText;
 using kivhost::HostError;
 using kivhost::kWrongUsage;
+using kivhost::ReadCsv;
 
 // The place of each wanted column; nothing for one that is not there.
 using Places = std::vector<std::optional<size_t>>;

@@ -6,16 +6,18 @@
 #include <optional>
 
 #include "hosts/common/charset.h"
+#include "hosts/common/csv_text.h"
 #include "hosts/common/host_error.h"
 #include "hosts/common/whole_file.h"
 #include "hosts/common/zip_file.h"
 #include "hosts/kivadmin/roster_files/cell_text.h"
-#include "hosts/kivadmin/roster_files/csv_text.h"
 #include "hosts/kivadmin/roster_files/file_text.h"
 
 namespace kivadmin {
 namespace {
 
+using kivhost::CsvRow;
+using kivhost::ReadCsv;
 namespace fs = std::filesystem;
 using kivhost::HostError;
 using kivhost::kWrongUsage;

@@ -5,17 +5,20 @@
 
 #include "hosts/common/charset.h"
 #include "hosts/common/counted.h"
+#include "hosts/common/csv_text.h"
 #include "hosts/common/host_error.h"
 #include "hosts/common/unicode.h"
 #include "hosts/kivadmin/roster_files/cell_text.h"
-#include "hosts/kivadmin/roster_files/csv_text.h"
 #include "hosts/kivadmin/roster_files/roster_columns.h"
 
 namespace kivadmin {
 namespace {
 
+using kivhost::CsvRow;
+using kivhost::CsvText;
 using kivhost::HostError;
 using kivhost::kWrongUsage;
+using kivhost::ReadCsv;
 
 bool IsBlank(const std::string& cell) {
   return CellText(cell).empty();

@@ -5,12 +5,13 @@
 #include <map>
 #include <set>
 
+#include "hosts/common/csv_text.h"
 #include "hosts/common/zip_file.h"
-#include "hosts/kivadmin/roster_files/csv_text.h"
 
 namespace kivadmin {
 namespace {
 
+using kivhost::FormatCsv;
 constexpr const char* kSchoolId = "school";
 
 // Letters and digits of ASCII as they are, any other byte by its number: two names are never one.

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kivadmin {
+namespace kivhost {
 
 struct CsvText {
   std::string name;       // for messages
@@ -30,4 +30,4 @@ void ReadCsv(const CsvText& csv, const std::function<bool(CsvRow& row)>& take);
 // A row with its end of line, fields quoted where they need it.
 std::string FormatCsv(const std::vector<std::string>& fields);
 
-}  // namespace kivadmin
+}  // namespace kivhost

@@ -1,4 +1,4 @@
-#include "hosts/kivadmin/roster_files/csv_text.h"
+#include "hosts/common/csv_text.h"
 
 #include <csv.h>
 
@@ -7,11 +7,8 @@
 
 #include "hosts/common/host_error.h"
 
-namespace kivadmin {
+namespace kivhost {
 namespace {
-
-using kivhost::HostError;
-using kivhost::kWrongUsage;
 
 // The states of the parser that show between two lines.
 constexpr int kBetweenRows = 0;
@@ -175,4 +172,4 @@ std::string FormatCsv(const std::vector<std::string>& fields) {
   return line + "\r\n";
 }
 
-}  // namespace kivadmin
+}  // namespace kivhost
