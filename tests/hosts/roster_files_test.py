@@ -338,6 +338,20 @@ RELATIVE = {
     "enrollments.csv": "classSourcedId,userSourcedId,role\nc1,t1,teacher\nc1,u1,student\nc1,u9,student\n"
                        "c2,t1,teacher\nc2,u2,student\nc9,u2,student\n",
 }
+MOVED = """classSourcedId,userSourcedId,role,beginDate,endDate
+c1,t1,teacher,,
+c2,t1,teacher,,
+c3,t1,teacher,,
+c1,u1,student,1999-09-01,2000-01-31
+c2,u1,student,2000-02-01,9999-07-31
+c1,u2,student,,
+c3,u2,student,,
+"""
+LESSONS = """sourcedId,schoolSourcedId,title,classType
+c1,n,Maths,scheduled
+c2,n,New,scheduled
+c3,n,Home,homeroom
+"""
 NORTH = ["Mary Hill,5a,Ann,Lee", "Mary Hill,5a,José,Núñez"]
 GONE = ["4 rows marked as deleted, inactive or disabled: left out",
         "1 enrollment of neither students nor teachers: left out"]
@@ -373,6 +387,25 @@ BUNDLES = [
     Case("noschool.zip", zipped(BUNDLE), args="--school West",
          error='noschool.zip: no class of a school "West"; there are some of "North School", '
                '"South School", "East School"'),
+    Case("autumn.zip", zipped(BUNDLE), "OneRoster 1.1, utf-8; 3 classes, 1 student",
+         args="--school all --term Autumn --several-classes none",
+         rows=["Ada Ek,5a (S5A),,", "Ada Ek,6a,,", "Mary Hill,5a (N5A),José,Núñez"],
+         notes=[*GONE, TEACHERS + "5a (N5A) (Mary Hill, not Otto Groß), 5a (S5A) (Ada Ek, not Otto Groß)",
+                "students of several classes, of which none is taken (--several-classes tells): Ann Lee "
+                "(5a (N5A) and 5a (S5A))",
+                "classes of one title, told apart: 5a (N5A), 5a (S5A)"]),
+    Case("moved.zip", zipped({**RELATIVE, "enrollments.csv": MOVED, "classes.csv": LESSONS}),
+         "OneRoster, utf-8; 3 classes, 2 students",
+         rows=["Mary Hill,Home,Bo,Ek", "Mary Hill,Maths,,", "Mary Hill,New,Ann,Lee"],
+         notes=["students of several classes, of which the first is taken (--several-classes tells): "
+                "Bo Ek (Home and Maths)"]),
+    Case("twice.zip", zipped({**RELATIVE, "users.csv": RELATIVE["users.csv"] + "u1,u1,Roe,Jo\n,,,\n"}),
+         "OneRoster, utf-8; 2 classes, 2 students",
+         rows=["Mary Hill,Art (A1),Ann,Lee", "Mary Hill,Art (A2),Bo,Ek"],
+         notes=["classes of one title, told apart: Art (A1), Art (A2)"],
+         refused=['twice.zip/enrollments.csv:4: no user "u9" in users.csv',
+                  'twice.zip/users.csv:5: sourcedId "u1" is there already',
+                  'twice.zip/enrollments.csv:7: no class "c9" in classes.csv']),
     Case("all.zip", zipped(BUNDLE, "export/"), "OneRoster 1.1, utf-8; 4 classes, 4 students",
          args="--school all --teacher H --several-classes all",
          rows=["Ada Ek,5a (S5A),Ann,Lee", "Ada Ek,6a,,", "H,5b,Zoë,Ray", "Mary Hill,5a (N5A),Ann,Lee",
