@@ -80,6 +80,7 @@ def make_nothing(_):
 
 
 HIDDEN = ": a control character, or one that turns the direction of writing, in the name"
+ZERO = ": a zero byte: no text, but for UTF-16 without its mark (--file-charset utf-16le)"
 TORN = "; the quotation begins in line "
 WANTED = ('the first row has no heading of a roster, as teacher, class, first name, last name: it is '
           '"{}"; --no-heading takes it as a student\'s; --columns teacher=A,class=B,first=C,last=D '
@@ -237,9 +238,10 @@ TABLES = [
     Case("empty.csv", b"", error="empty.csv: empty"),
     Case("blank.csv", b"\n\r\n  \n;;\n", error="blank.csv: empty"),
     Case("onlymark.csv", b"\xEF\xBB\xBF", error="onlymark.csv: empty"),
-    Case("zero.csv", table() + b"\0\0\0\0", error="zero.csv:5: a zero byte: this is no text"),
+    Case("zero.csv", table() + b"\0\0\0\0", error="zero.csv:5" + ZERO),
+    Case("unmarked.csv", table(charset="utf-16-le"), error="unmarked.csv:1" + ZERO),
     Case("picture.csv", b"\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x10",
-         error="picture.csv:3: a zero byte: this is no text"),
+         error="picture.csv:3" + ZERO),
     Case("book.xlsx", zipped({"[Content_Types].xml": "x", "xl/workbook.xml": "x"}),
          error="book.xlsx: a workbook; save its sheet as CSV and give that"),
     Case("book.xls", b"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + bytes(500),

@@ -199,7 +199,9 @@ FileText DecodeFile(std::string bytes, const std::string& name, const std::strin
   FileText file = Decode(std::move(bytes), name, charset);
   ForEachLine(file.text, [&](std::string_view line, size_t number) {
     if (line.find('\0') != std::string_view::npos) {
-      throw Misfit(name, number, "a zero byte: this is no text");
+      throw Misfit(
+          name, number,
+          "a zero byte: no text, but for UTF-16 without its mark (--file-charset utf-16le)");
     }
     return true;
   });

@@ -94,6 +94,7 @@ std::vector<std::optional<size_t>> PlacesOf(const std::vector<BundleColumn>& col
 std::vector<std::string> CellsOf(const std::vector<std::optional<size_t>>& places,
                                  const std::vector<std::string>& fields) {
   std::vector<std::string> cells;
+  cells.reserve(places.size());
   for (const auto& place : places) {
     cells.push_back(place && *place < fields.size() ? CellText(fields[*place]) : "");
   }
