@@ -112,7 +112,7 @@ std::vector<std::string> ListKeptReports(const std::string& folder) {
   std::error_code error;
   const fs::directory_iterator entries(fs::path(folder), error);
   if (error) {
-    ThrowNone(folder, error.message());
+    ThrowNone(folder, "is no folder that can be read");
   }
   std::vector<std::string> paths;
   for (const fs::directory_entry& entry : entries) {

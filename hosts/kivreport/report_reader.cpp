@@ -1,7 +1,6 @@
 #include "hosts/kivreport/report_reader.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 #include <vector>
 
@@ -57,8 +56,9 @@ Progress ProgressOf(const kivstore::SStudentReading& reading) {
 
 // "Hill School" of ".../Hill School".
 std::string FolderName(const std::string& root) {
-  const std::filesystem::path path(root);
-  return (path.has_filename() ? path : path.parent_path()).filename().string();
+  constexpr const char* kSeparators = "/\\";
+  const std::string path = root.substr(0, root.find_last_not_of(kSeparators) + 1);
+  return path.substr(path.find_last_of(kSeparators) + 1);
 }
 
 class Reader {
