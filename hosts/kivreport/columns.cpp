@@ -154,7 +154,7 @@ constexpr Column kColumns[] = {
     {"keys", "Keys", "", "Keys", false, Column::kProgress, CountsByKey},
 };
 
-const Column* Find(const std::string& name) {
+const Column* FindColumn(const std::string& name) {
   for (const Column& column : kColumns) {
     if (kivhost::EqualNoCase(name, column.name)) {
       return &column;
@@ -164,7 +164,7 @@ const Column* Find(const std::string& name) {
 }
 
 const Column* NeedColumn(const std::string& name) {
-  if (const Column* const column = Find(name)) {
+  if (const Column* const column = FindColumn(name)) {
     return column;
   }
   std::vector<std::string> known;
@@ -234,7 +234,7 @@ void NeedKnown(const Columns& columns, bool progress, bool compared) {
 Columns ColumnsOf(const std::vector<const char*>& names) {
   Columns columns;
   for (const char* const name : names) {
-    columns.push_back(Find(name));
+    columns.push_back(FindColumn(name));
   }
   return columns;
 }

@@ -57,7 +57,7 @@ Change ChangeOf(const Student& student, const Match& match, const KeptReport& be
 }
 
 template <class Entries>
-auto Find(const Entries& entries, const std::string& name) {
+auto FindNamed(const Entries& entries, const std::string& name) {
   return std::find_if(entries.begin(), entries.end(),
                       [&](const auto& entry) { return entry.name == name; });
 }
@@ -70,11 +70,11 @@ class Scope {
   bool IsLimited() const { return !selection.teacher.IsAll() || !selection.group.IsAll(); }
 
   bool Has(const KeptStudent& kept) const {
-    const auto teacher = Find(report.teachers, kept.teacher);
+    const auto teacher = FindNamed(report.teachers, kept.teacher);
     if (teacher == report.teachers.end()) {
       return selection.teacher.IsAll() && selection.group.IsAll() && !report.unread;
     }
-    const auto group = Find(teacher->classes, kept.group);
+    const auto group = FindNamed(teacher->classes, kept.group);
     if (group == teacher->classes.end()) {
       return selection.group.IsAll() && !teacher->unread;
     }

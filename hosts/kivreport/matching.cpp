@@ -5,7 +5,8 @@
 namespace kivreport {
 namespace {
 
-std::string KeyOf(const std::string& teacher, const std::string& group, const std::string& name) {
+std::string PlaceKey(const std::string& teacher, const std::string& group,
+                     const std::string& name) {
   return teacher + '\0' + group + '\0' + name;
 }
 
@@ -29,14 +30,14 @@ Matching::Matching(const Report& report, const KeptReport& before)
   for (const Teacher& teacher : report.teachers) {
     for (const Class& group : teacher.classes) {
       for (const Student& student : group.students) {
-        places[KeyOf(teacher.name, group.name, student.name)].now.push_back(now);
+        places[PlaceKey(teacher.name, group.name, student.name)].now.push_back(now);
         names[student.name].now.push_back(now++);
       }
     }
   }
   for (size_t then = 0; then < before.students.size(); ++then) {
     const KeptStudent& kept = before.students[then];
-    places[KeyOf(kept.teacher, kept.group, kept.name)].then.push_back(then);
+    places[PlaceKey(kept.teacher, kept.group, kept.name)].then.push_back(then);
     names[kept.name].then.push_back(then);
   }
   matches.resize(now);

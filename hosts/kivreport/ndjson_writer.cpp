@@ -15,8 +15,8 @@ void WriteStudent(std::ostream& out, const Row& row, const Columns& columns) {
   out << Dumped(json);
 }
 
-void WriteClass(std::ostream& out, const Report& report, const Teacher& teacher, const Class* group,
-                const Form& form) {
+void WriteStudents(std::ostream& out, const Report& report, const Teacher& teacher,
+                   const Class* group, const Form& form) {
   if (group == nullptr) {
     return;
   }
@@ -26,7 +26,7 @@ void WriteClass(std::ostream& out, const Report& report, const Teacher& teacher,
   }
 }
 
-void WriteDeparted(std::ostream& out, const Report& report, const Form& form) {
+void WriteLeftStudents(std::ostream& out, const Report& report, const Form& form) {
   if (!report.since) {
     return;
   }
@@ -38,7 +38,7 @@ void WriteDeparted(std::ostream& out, const Report& report, const Form& form) {
 
 }  // namespace
 
-const RowForm kNdjsonForm{[](std::ostream&, const Report&, const Form&) {}, WriteClass,
-                          WriteDeparted};
+const RowForm kNdjsonForm{[](std::ostream&, const Report&, const Form&) {}, WriteStudents,
+                          WriteLeftStudents};
 
 }  // namespace kivreport

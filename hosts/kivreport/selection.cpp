@@ -82,7 +82,7 @@ bool IsTaken(const Student& student, size_t number, const Selection& selection) 
 
 using SortKey = std::pair<int, std::string>;
 
-SortKey KeyOf(const Student& student, Sort sort) {
+SortKey SortKeyOf(const Student& student, Sort sort) {
   const int unknown = std::numeric_limits<int>::max();
   const int mission = student.progress ? student.progress->currentMission : unknown;
   return {sort == Sort::kMission ? mission : 0, kivhost::FoldAccents(student.name)};
@@ -91,7 +91,7 @@ SortKey KeyOf(const Student& student, Sort sort) {
 void SortBy(std::vector<Student>& students, Sort sort) {
   std::vector<std::pair<SortKey, Student>> keyed;
   for (Student& student : students) {
-    SortKey key = KeyOf(student, sort);
+    SortKey key = SortKeyOf(student, sort);
     keyed.emplace_back(std::move(key), std::move(student));
   }
   std::stable_sort(keyed.begin(), keyed.end(),

@@ -13,7 +13,7 @@ namespace {
 
 // A row, or where something could not be read the names that lead there and a note, which runs over
 // the columns behind them.
-struct Line {
+struct TableLine {
   std::vector<std::string> cells;
   bool isNote = false;
 };
@@ -42,7 +42,7 @@ Columns TableColumns(const Report& report, const Form& form) {
 class TableLines {
  public:
   TableLines(const Report& report, const Columns& columns) : report(report), columns(columns) {
-    Line head;
+    TableLine head;
     for (const Column* const column : columns) {
       head.cells.emplace_back(column->head);
     }
@@ -54,7 +54,7 @@ class TableLines {
     }
   }
 
-  std::vector<Line> Take() { return std::move(lines); }
+  std::vector<TableLine> Take() { return std::move(lines); }
 
  private:
   // Names that lead to what a line tells of.
@@ -89,7 +89,7 @@ class TableLines {
   }
 
   void AddRow(const Place& place, const Student& student) {
-    Line line;
+    TableLine line;
     for (const Column* const column : columns) {
       line.cells.push_back(
           Printable(TextOf(column->value({report, place.teacher, place.group, student}))));
@@ -112,7 +112,7 @@ class TableLines {
     if (!unread) {
       return;
     }
-    Line line;
+    TableLine line;
     line.isNote = true;
     const auto at = std::find_if(columns.begin(), columns.end(),
                                  [&](const Column* column) { return column->name == columnName; });
@@ -128,12 +128,12 @@ class TableLines {
 
   const Report& report;
   const Columns& columns;
-  std::vector<Line> lines;
+  std::vector<TableLine> lines;
 };
 
-std::vector<size_t> MeasureColumns(const std::vector<Line>& lines, size_t count) {
+std::vector<size_t> MeasureColumns(const std::vector<TableLine>& lines, size_t count) {
   std::vector<size_t> widths(count);
-  for (const Line& line : lines) {
+  for (const TableLine& line : lines) {
     for (size_t i = 0; i + (line.isNote ? 1 : 0) < line.cells.size(); ++i) {
       widths[i] = std::max(widths[i], kivhost::CountCells(line.cells[i]));
     }
@@ -141,7 +141,7 @@ std::vector<size_t> MeasureColumns(const std::vector<Line>& lines, size_t count)
   return widths;
 }
 
-std::string TextOfLine(const Line& line, const Columns& columns,
+std::string TextOfLine(const TableLine& line, const Columns& columns,
                        const std::vector<size_t>& widths) {
   std::string text;
   for (size_t i = 0; i < line.cells.size(); ++i) {
@@ -159,16 +159,16 @@ std::string TextOfLine(const Line& line, const Columns& columns,
 
 void WriteTable(std::ostream& out, const Report& report, const Form& form) {
   const Columns columns = TableColumns(report, form);
-  const std::vector<Line> lines = TableLines(report, columns).Take();
+  const std::vector<TableLine> lines = TableLines(report, columns).Take();
   const auto widths = MeasureColumns(lines, columns.size());
-  Line rule;
+  TableLine rule;
   for (const size_t width : widths) {
     rule.cells.emplace_back(width, '-');
   }
   out << TextOfLine(lines.front(), columns, widths) << '\n'
       << TextOfLine(rule, columns, widths) << '\n';
   std::for_each(lines.begin() + 1, lines.end(),
-                [&](const Line& line) { out << TextOfLine(line, columns, widths) << '\n'; });
+                [&](const TableLine& line) { out << TextOfLine(line, columns, widths) << '\n'; });
   WriteFoot(out, report, form);
 }
 

@@ -14,11 +14,11 @@ namespace {
 
 constexpr const char* kIndent = "  ";
 constexpr size_t kGap = 2;
-constexpr size_t kDate = 10;      // of "2026-11-20T10:15:00"
-constexpr size_t kShortest = 12;  // to which a text is cut
+constexpr size_t kDateLength = 10;  // of "2026-11-20T10:15:00"
+constexpr size_t kShortest = 12;    // to which a text is cut
 
 // A group's name, a note, or a row.
-struct Line {
+struct TerminalLine {
   std::string text;  // of what is no row
   std::vector<std::string> cells;
 };
@@ -68,7 +68,7 @@ class TerminalTable {
   void Write(std::ostream& out) const {
     WriteHead(out, &Column::upperHead);
     WriteHead(out, &Column::lowerHead);
-    for (const Line& line : lines) {
+    for (const TerminalLine& line : lines) {
       if (line.cells.empty()) {
         out << line.text << '\n';
       } else {
@@ -119,7 +119,7 @@ class TerminalTable {
   }
 
   void AddRow(const Row& row) {
-    Line line;
+    TerminalLine line;
     for (size_t i = 0; i < columns.size(); ++i) {
       line.cells.push_back(CellText(*columns[i], row));
       widths[i] = std::max(widths[i], kivhost::CountCells(line.cells[i]));
@@ -130,7 +130,7 @@ class TerminalTable {
   std::string CellText(const Column& column, const Row& row) const {
     const std::string text = Printable(TextOf(column.value(row)));
     if (IsNamed(&column, "last_work")) {
-      return text.substr(0, kDate);
+      return text.substr(0, kDateLength);
     }
     if (IsNamed(&column, "standing")) {
       return text == "working" ? "" : text;
@@ -193,7 +193,7 @@ class TerminalTable {
   const Form& form;
   const Columns columns;
   std::vector<size_t> widths;
-  std::vector<Line> lines;
+  std::vector<TerminalLine> lines;
 };
 
 }  // namespace
