@@ -211,8 +211,8 @@ std::string PromotionPlanner::FreeName(const SchoolTeacher& teacher, std::string
   return name;
 }
 
-// Each waits for another, in a ring or for one: who is in the first one's way takes another name for
-// the while.
+// Each waits for another, in a ring or for one: who is in the first one's way takes another name
+// for the while.
 void PromotionPlanner::LendName() {
   SchoolClass& group = *InTheWay(ways[0]);
   plan.steps.push_back(
