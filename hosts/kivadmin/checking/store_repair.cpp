@@ -21,6 +21,7 @@ void Repair(const CommonOptions& common) {
     const Session session(common, Session::Access::kChange);
     LayoutMaker(session, false).CompleteStore();
     MendStore(session);
+    session.Log("repaired the store");
   } catch (const HostError& error) {
     std::cerr << "kivadmin: " << error.what() << '\n';
   }

@@ -94,10 +94,10 @@ class Session {
   void Say(const std::string& line) const;
   // The last of it alone.
   void TellShortfall() const;
-
- private:
+  // And the line in the log, for what is told otherwise.
   void Log(const std::string& line) const;
 
+ private:
   bool dryRun;
   mutable bool keepsLog;
   mutable NotingServices notingServices;
