@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <map>
 
 #include "hosts/common/counted.h"
 #include "hosts/kivadmin/commands/confirmation.h"
@@ -16,10 +17,21 @@ std::string Place(const PlanSource& source, const std::string& file, size_t line
          (line > 0 ? ':' + std::to_string(line) : "") + ": ";
 }
 
+// Of many lines with one reason the first are told, and how many more there are.
 void TellRefused(const Plan& plan, const PlanSource& source) {
+  constexpr size_t kMostOfOne = 20;
+  std::map<std::string, size_t> told;
   for (const PlanRefusal& one : plan.refused) {
-    std::cerr << Place(source, one.file, one.line) << one.why
-              << (one.lines > 1 ? " (" + std::to_string(one.lines) + " lines)" : "") << '\n';
+    if (++told[one.why] <= kMostOfOne) {
+      std::cerr << Place(source, one.file, one.line) << one.why
+                << (one.lines > 1 ? " (" + kivhost::Grouped(one.lines) + " lines)" : "") << '\n';
+    }
+  }
+  for (const auto& [why, count] : told) {
+    if (count > kMostOfOne) {
+      std::cerr << Place(source, "", 0) << kivhost::Grouped(count - kMostOfOne)
+                << " more lines: " << why << '\n';
+    }
   }
 }
 

@@ -93,30 +93,10 @@ namespace {
 // Between two holds of a list, for whoever waits for it: their next try may be so far away.
 constexpr int32_t kForOthers = 1000;  // ticks
 
-// What would come of them.
-void Foresee(const Session& session, const SLoginNameObj& classEntry,
-             std::vector<SNewcomer>& newcomers) {
-  Roster students = Students(session, classEntry);
-  for (SNewcomer& newcomer : newcomers) {
-    if (FindName(students, newcomer.first, newcomer.last) != nullptr) {
-      newcomer.outcome = SNewcomer::kThere;
-    } else if (students.IsFull()) {
-      newcomer.outcome = SNewcomer::kFull;
-    } else {
-      newcomer.outcome = SNewcomer::kAdded;
-      students.list.Add(std::make_unique<SLoginNameObj>(newcomer.first, newcomer.last, SString()));
-    }
-  }
-}
-
 }  // namespace
 
 void EnterStudents(const Session& session, const SLoginNameObj& classEntry,
                    std::vector<SNewcomer>& newcomers, const std::function<void()>& advance) {
-  if (session.IsDryRun()) {
-    Foresee(session, classEntry, newcomers);
-    return;
-  }
   const SFileSpec folder = StudentsFolder(session, classEntry);
   const std::vector<NewFile> besides = LayoutMaker(session).FilesOfStudent();
   for (size_t done = 0; done < newcomers.size();) {

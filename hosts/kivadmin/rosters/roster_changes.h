@@ -28,8 +28,8 @@ kivstore::SLoginNameObj EnterClass(const Session& session, const Roster& classes
 kivstore::SLoginNameObj EnterStudent(const Session& session, const Roster& students,
                                      const PersonName& name);
 
-// The students that come into one class of the selected teacher, each with what came of it; in a
-// dry run what would. `advance` is called for each. Throws where the list cannot be worked on or
+// The students that come into one class of the selected teacher, each with what came of it; not in
+// a dry run. `advance` is called for each. Throws where the list cannot be worked on or
 // somebody could not be added: whoever waits then is not.
 void EnterStudents(const Session& session, const kivstore::SLoginNameObj& classEntry,
                    std::vector<kivstore::SNewcomer>& newcomers,
