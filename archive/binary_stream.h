@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "archive/stream_holder.h"
 #include "archive/swap_bytes.h"
@@ -94,6 +95,8 @@ class SBinaryStream {
   bool Skip(int32_t count);
   // The next bytes as they stand, consumed, if they lie ready in a buffer; else null.
   const uint8_t* TakeReady(int32_t count) { return error ? nullptr : holder->TakeReady(count); }
+  // What lies ready, to be looked at.
+  std::string_view PeekReady() const { return error ? std::string_view() : holder->PeekReady(); }
 
   // Receives blocks; the stream's bytes without a copy.
   class Sink {

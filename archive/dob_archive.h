@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "foundation/geometry/angles.h"
 #include "foundation/memory/memory_block.h"
@@ -63,6 +64,11 @@ class IDobArchive {
   virtual bool TransferBool(const char* name, bool& value) = 0;
   // A field's stamp: the fresh mark goes out as the archive's own time of creation.
   virtual bool TransferTimeStamp(const char* name, SDateTime& stamp) = 0;
+  // Of a form without names that is being read: its next bytes (stored_form.h) as far as they lie
+  // ready, and so many of them, consumed; null, with nothing consumed, if they do not. A record
+  // takes from there what it would transfer field by field.
+  virtual std::string_view PeekReady() const { return {}; }
+  virtual const uint8_t* TakeReady(int32_t /*count*/) { return nullptr; }
 
  protected:
   ~IDobArchive() = default;

@@ -166,22 +166,6 @@ bool SDobBinaryArchive::TransferField(const char*, T& value) {
   return IsWriting() ? Write(*stream, value) : Read(*stream, value);
 }
 
-const uint8_t* SDobBinaryArchive::TakeRowBytes(int32_t count, int32_t width) {
-  if (!IsReading() || stream == nullptr || count < 0 || count > INT32_MAX / width) {
-    return nullptr;
-  }
-  return stream->TakeReady(count * width);
-}
-
-bool SDobBinaryArchive::TakeRow(bool* row, int32_t count) {
-  const uint8_t* const bytes = TakeRowBytes(count, 1);
-  if (bytes == nullptr) {
-    return false;
-  }
-  std::transform(bytes, bytes + count, row, [](uint8_t byte) { return byte != 0; });
-  return true;
-}
-
 template class SDobTransfers<SDobBinaryArchive>;
 // Another form in another program may hand its fields on to this one.
 template bool SDobBinaryArchive::TransferField(const char*, SDateTime&);

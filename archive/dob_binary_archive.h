@@ -49,23 +49,17 @@ class SDobBinaryArchive final : public SDobTransfers<SDobBinaryArchive> {
   void Finish() override;
   bool TransferBlob(const char* name, MemoryHandle& handle, int32_t& length) override;
 
-  // When reading, a row of elements at once, as if one by one. False, and nothing has happened, if
-  // they do not lie ready in the stream's buffer to the last.
-  bool TakeRow(bool* row, int32_t count);
-  template <class Number>
-  bool TakeRow(Number* row, int32_t count) {
-    const uint8_t* const bytes = TakeRowBytes(count, sizeof(Number));
-    for (int32_t i = 0; bytes != nullptr && i < count; ++i) {
-      CopySwapped(row + i, bytes + i * static_cast<int32_t>(sizeof(Number)), sizeof(Number));
-    }
-    return bytes != nullptr;
+  std::string_view PeekReady() const override {
+    return IsReading() && stream != nullptr ? stream->PeekReady() : std::string_view();
+  }
+  const uint8_t* TakeReady(int32_t count) override {
+    return IsReading() && stream != nullptr && count >= 0 ? stream->TakeReady(count) : nullptr;
   }
 
  private:
   friend SDobTransfers;
   template <class T>
   bool TransferField(const char* name, T& value);
-  const uint8_t* TakeRowBytes(int32_t count, int32_t width);
   bool WriteBlob(MemoryHandle handle, int32_t length);
   bool ReadBlob(MemoryHandle& handle, int32_t& length);
 

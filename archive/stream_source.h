@@ -12,7 +12,9 @@
 // are big-endian in every file; plain bytes go without.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <string_view>
 
 #include "archive/text_stop.h"
 #include "foundation/text/string.h"
@@ -67,7 +69,12 @@ class SStreamSource {
     cursor += count;
     return taken;
   }
-  // The same for a text up to its NUL, which is consumed; false if it is not ready to its end.
+  // What lies ready, to be looked at: TakeReady consumes it.
+  std::string_view PeekReady() const {
+    const int32_t held = error ? 0 : std::max(bufferValid - bufferIndex, 0);
+    return {reinterpret_cast<const char*>(cursor), static_cast<size_t>(held)};
+  }
+  // As TakeReady for a text up to its NUL, which is consumed; false if it is not ready to its end.
   bool TakeReadyText(SString& dest) {
     const int32_t held = error ? 0 : bufferValid - bufferIndex;
     const int32_t length = FindNul(cursor, held);

@@ -3,6 +3,7 @@
 // of lines that are somebody else's.
 #include <benchmark/benchmark.h>
 
+#include "foundation/files/file_spec.h"
 #include "platform/platform.h"
 #include "records/tutor_options_dob.h"
 #include "tests/support/temp_folder.h"

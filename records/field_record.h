@@ -7,7 +7,9 @@
 #pragma once
 
 #include <concepts>
+#include <cstdint>
 #include <new>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 
@@ -34,13 +36,16 @@ class SFieldRecord : public Base {
 
   void Clear() override {
     ResetFields();
-    this->SetDirty(true);
+    Self().SetDirty(true);
   }
 
   void Serialize(IDobArchive& archive) override {
     if (archive.IsReading()) {
-      this->Clear();
-      this->SetDirty(false);
+      if (TakeWhole(archive)) {
+        return;
+      }
+      Self().Clear();
+      Self().SetDirty(false);
     }
     TransferFields(archive);
   }
@@ -113,6 +118,28 @@ class SFieldRecord : public Base {
   static SDob::ClassId StaticClassId() {
     static char token;
     return &token;
+  }
+
+  // Reading without an archive, for records that are fields and nothing else. How many bytes the
+  // record takes of those that stand behind the first `length`; false if it is to be read through
+  // an archive.
+  bool Measure(std::string_view bytes, int64_t& length) const {
+    if constexpr (kIsDerived) {
+      if (!Base::Measure(bytes, length)) {
+        return false;
+      }
+    }
+    return !AnyField([&](const auto& field) { return !field.Measure(Self(), bytes, length); });
+  }
+  // So many bytes, behind which `from` stands then. The record is clean.
+  void Take(const uint8_t*& from) {
+    if constexpr (kIsDerived) {
+      Base::Take(from);
+    }
+    const uint8_t* at = from;  // a local of its own: one that no field can be
+    EachField([&](const auto& field) { field.Take(Self(), at); });
+    from = at;
+    this->dirty = false;
   }
 
   // Changes an option as a person does: SetOption(&STeacherOptionsDob::VocabLevel, 3). A new value
@@ -188,9 +215,26 @@ class SFieldRecord : public Base {
 
  private:
   static constexpr bool kIsDerived = !std::is_same_v<Base, SDob>;
+  static constexpr bool kTakesWhole = !kIsDerived || requires(Base & base, const uint8_t* from) {
+    base.Take(from);
+  };
 
   Record& Self() { return static_cast<Record&>(*this); }
   const Record& Self() const { return static_cast<const Record&>(*this); }
+
+  bool TakeWhole(IDobArchive& archive) {
+    if constexpr (kTakesWhole) {
+      const std::string_view ready = archive.PeekReady();
+      int64_t length = 0;
+      if (!ready.empty() && this->GetClassId() == StaticClassId() && Measure(ready, length) &&
+          length <= static_cast<int64_t>(ready.size())) {
+        const uint8_t* from = archive.TakeReady(static_cast<int32_t>(length));
+        Take(from);
+        return true;
+      }
+    }
+    return false;
+  }
 
   template <class Function>
   static void EachField(Function function) {

@@ -17,14 +17,20 @@
 // The value of the first two is a number, a bool, or an array, whose default is an ArrayDefault. A
 // record with a field of another kind writes a descriptor of its own with the same operations, on
 // top of FieldOperations, which does nothing.
+//
+// A record in the binary form mostly lies ready in a buffer. Then it is read without an archive:
+// each field adds to the record's length (Measure), and if there is as much, takes its part (Take),
+// which is Reset and reading in one.
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <type_traits>
 
 #include "archive/dob.h"
 #include "archive/dob_archive.h"
 #include "archive/stamped.h"
+#include "archive/stored_form.h"
 #include "records/handle_array.h"
 
 namespace kivstore {
@@ -43,6 +49,12 @@ struct FieldValue {
   static void Transfer(IDobArchive& archive, const char* key, T& value) {
     kivstore::Transfer(archive, key, value);
   }
+  static bool Measure(std::string_view, int64_t& length) {
+    static_assert(kStoredWidth<T> > 0);
+    length += kStoredWidth<T>;
+    return true;
+  }
+  static void Take(T& value, const uint8_t*& from, Initial) { TakeStored(from, value); }
 };
 
 template <class T>
@@ -54,6 +66,13 @@ struct FieldValue<SHandleArray<T>> {
   }
   static void Transfer(IDobArchive& archive, const char* key, SHandleArray<T>& array) {
     array.Transfer(archive, key);
+  }
+  static bool Measure(std::string_view bytes, int64_t& length) {
+    return SHandleArray<T>::Measure(bytes, length);
+  }
+  static void Take(SHandleArray<T>& array, const uint8_t*& from, Initial initial) {
+    array.SetFill(initial.fill);
+    array.Take(from);
   }
 };
 
@@ -101,6 +120,19 @@ struct StampedField : FieldOperations {
     FieldValue<T>::Transfer(archive, key, (r.*member).value);
     archive.TransferTimeStamp(key, (r.*member).stamp);
   }
+  // False if the record cannot be taken like that. `bytes` begin with the record, of which
+  // `length` are ahead of the field.
+  bool Measure(const Record&, std::string_view bytes, int64_t& length) const {
+    const bool isKnown = FieldValue<T>::Measure(bytes, length);
+    length += kStoredWidth<SDateTime>;
+    return isKnown;
+  }
+  void Take(Record& r, const uint8_t*& from) const {
+    SStamped<T>& field = r.*member;
+    FieldValue<T>::Take(field.value, from, initial);
+    TakeStored(from, field.stamp);
+    field.differs = false;
+  }
   bool IsEqual(const Record& a, const Record& b) const {
     return (a.*member).value == (b.*member).value;
   }
@@ -139,6 +171,12 @@ struct PlainField : FieldOperations {
   void Transfer(Record& r, IDobArchive& archive) const {
     FieldValue<T>::Transfer(archive, key, r.*member);
   }
+  bool Measure(const Record&, std::string_view bytes, int64_t& length) const {
+    return FieldValue<T>::Measure(bytes, length);
+  }
+  void Take(Record& r, const uint8_t*& from) const {
+    FieldValue<T>::Take(r.*member, from, initial);
+  }
   bool IsEqual(const Record& a, const Record& b) const { return a.*member == b.*member; }
   void Copy(Record& r, const Record& other) const { r.*member = other.*member; }
   void Merge(Record& r, const Record& other) const { r.*member = other.*member; }
@@ -167,6 +205,10 @@ struct ChildField : FieldOperations {
       archive.PopSection();
     }
   }
+  bool Measure(const Record& r, std::string_view bytes, int64_t& length) const {
+    return (r.*member).Measure(bytes, length);
+  }
+  void Take(Record& r, const uint8_t*& from) const { (r.*member).Take(from); }
   bool IsEqual(const Record& a, const Record& b) const { return (a.*member).IsEqual(b.*member); }
   void Copy(Record& r, const Record& other) const { (r.*member).Copy(other.*member); }
   void Merge(Record& r, const Record& other) const { (r.*member).Merge(other.*member); }

@@ -7,15 +7,19 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <string_view>
 
 #include "archive/dob_archive.h"
-#include "archive/dob_binary_archive.h"
+#include "archive/stored_form.h"
 #include "foundation/memory/memory_block.h"
 
 namespace kivstore {
 
 template <class T>
 class SHandleArray {
+  static_assert(kStoredWidth<T> > 0);
+
  public:
   SHandleArray() = default;
   explicit SHandleArray(T fillValue) : fill(fillValue) {}
@@ -56,6 +60,11 @@ class SHandleArray {
   // archive has its error. In the text form an absent element keeps its value and the rest is
   // read.
   void Transfer(IDobArchive& archive, const char* key);
+
+  // The same straight from the binary form: how many bytes stand behind the first `length`, false
+  // if that cannot be told or is more than is taken on trust; and taking them.
+  static bool Measure(std::string_view bytes, int64_t& length);
+  void Take(const uint8_t*& from);
 
   // Counts and elements; capacity and fill do not count.
   bool operator==(const SHandleArray& other) const;
@@ -135,7 +144,12 @@ bool SHandleArray<T>::Allocate(int16_t n) {
 template <class T>
 void SHandleArray<T>::FillFrom(int32_t first, int16_t n) {
   count = std::min(n, capacity);
-  if (first < count) {
+  if (first >= count) {
+    return;
+  }
+  if constexpr (sizeof(T) == 1) {
+    std::memset(data + first, fill, static_cast<size_t>(count - first));
+  } else {
     std::fill(data + first, data + count, fill);
   }
 }
@@ -213,7 +227,7 @@ void SHandleArray<T>::Assign(const SHandleArray& other) {
 // rest.
 template <class T>
 void SHandleArray<T>::TakeCount(uint16_t n) {
-  if (n < count) {
+  if (n <= count) {
     count = static_cast<int16_t>(n);
     return;
   }
@@ -237,9 +251,14 @@ void SHandleArray<T>::MakeRoom(int32_t index, uint16_t claimed) {
 template <class T>
 void SHandleArray<T>::Transfer(IDobArchive& archive, const char* key) {
   uint16_t n = static_cast<uint16_t>(count);
+  if (const uint8_t* from = archive.TakeReady(kStoredWidth<uint16_t>)) {
+    TakeStored(from, n);
+    TakeCount(n);
+    return TransferPlain(archive, n);
+  }
   archive.PushKey(key);
   archive.TransferUShort("Count", n);
-  if (archive.IsReading() && n != count) {
+  if (archive.IsReading()) {
     TakeCount(n);
   }
   // An archive without keys needs no call for each element's, and ends at its first failure.
@@ -252,10 +271,28 @@ void SHandleArray<T>::Transfer(IDobArchive& archive, const char* key) {
 }
 
 template <class T>
+bool SHandleArray<T>::Measure(std::string_view bytes, int64_t& length) {
+  const int32_t n = StoredCountAt(bytes, length);
+  length += kStoredWidth<uint16_t> + int64_t{n} * kStoredWidth<T>;
+  return n >= 0 && n <= kTrustedCount;
+}
+
+// What there is no room for is passed over.
+template <class T>
+void SHandleArray<T>::Take(const uint8_t*& from) {
+  uint16_t n;
+  TakeStored(from, n);
+  TakeCount(n);
+  const uint8_t* elements = from;
+  TakeStored(elements, data, std::min<int32_t>(n, count));
+  from += n * kStoredWidth<T>;
+}
+
+template <class T>
 void SHandleArray<T>::TransferPlain(IDobArchive& archive, uint16_t n) {
-  auto* const binary = dynamic_cast<SDobBinaryArchive*>(&archive);
-  if (binary != nullptr && n <= count && binary->TakeRow(data, n)) {
-    return;
+  const uint8_t* from = n <= count ? archive.TakeReady(n * kStoredWidth<T>) : nullptr;
+  if (from != nullptr) {
+    return TakeStored(from, data, n);
   }
   for (int32_t i = 0; i < n; ++i) {
     T past = fill;

@@ -2,10 +2,6 @@
 
 namespace kivstore {
 
-STOMissionDob::STOMissionDob() {
-  ResetFields();
-}
-
 STOMissionDob::SettingField STOMissionDob::FieldOf(int activity) {
   switch (activity) {
     case kActivityDictationStation:

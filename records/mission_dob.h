@@ -4,25 +4,17 @@
 // In a file, 60 bytes: the six fields as they stand, each 2 bytes and its stamp of 8.
 #pragma once
 
-#include "platform/base/small_blocks.h"
 #include "records/activity.h"
 #include "records/field_record.h"
 
 namespace kivstore {
 
-class STOMissionDob : public SFieldRecord<STOMissionDob, SDob> {
+class STOMissionDob final : public SFieldRecord<STOMissionDob, SDob> {
  public:
   using Setting = SStamped<int16_t>;
   using SettingField = Setting STOMissionDob::*;
 
-  STOMissionDob();
-
-  // Every options record makes and frees 25. Null when there is no memory.
-  static void* operator new(size_t size, const std::nothrow_t&) noexcept {
-    return AllocateSmall(size);
-  }
-  static void* operator new(size_t size) noexcept { return AllocateSmall(size); }
-  static void operator delete(void* object, size_t size) noexcept { FreeSmall(object, size); }
+  STOMissionDob() { ResetFields(); }
 
   // The field of an activity; null for the lesson and for what is no activity.
   static SettingField FieldOf(int activity);

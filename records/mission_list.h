@@ -20,17 +20,21 @@ class SMissionList {
   ~SMissionList() { SetCount(0); }
 
   int32_t GetCount() const { return count; }
-  STOMissionDob& At(int32_t index) { return *missions[index]; }  // index within the count
-  const STOMissionDob& At(int32_t index) const { return *missions[index]; }
+  // An index within the count. Missions may move when the list grows.
+  STOMissionDob& At(int32_t index) { return missions[index]; }
+  const STOMissionDob& At(int32_t index) const { return missions[index]; }
 
-  // New places get default missions, missions past the end are deleted, 0 frees the table. False,
+  // New places get default missions, missions past the end are destroyed, 0 frees the block. False,
   // with the list at its length, without memory and for an n outside 0 to 32,767.
   bool SetCount(int32_t n);
-  // At least n missions, with room for more: the table grows in steps of n / 8, 4 to 1,024.
+  // At least n missions, with room for more: the block grows in steps of n / 8, 4 to 1,024.
   bool Grow(int32_t n);
 
   void Clear();  // exactly 25 default missions
   void Serialize(IDobArchive& archive);
+  // As of a record (field_record.h).
+  bool Measure(std::string_view bytes, int64_t& length) const;
+  void Take(const uint8_t*& from);
   void SetDirty(bool value);
   bool IsDirty() const;
   SDateTime GetModified() const;
@@ -43,15 +47,18 @@ class SMissionList {
   void ClearStamps();
 
  private:
+  STOMissionDob* begin() const { return missions; }
+  STOMissionDob* end() const { return missions + count; }
+
   bool SetCapacity(int32_t n);
-  bool AppendNew(int32_t n);
+  void AppendNew(int32_t n);
   void Read(IDobArchive& archive, uint16_t claimed);
   static void TransferMission(IDobArchive& archive, int32_t index, STOMissionDob& mission);
 
   int32_t count = 0;
   int32_t capacity = 0;
   MemoryHandle handle = nullptr;
-  STOMissionDob** missions = nullptr;
+  STOMissionDob* missions = nullptr;  // in the block, which stays locked
 };
 
 }  // namespace kivstore

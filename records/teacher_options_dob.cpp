@@ -31,6 +31,13 @@ bool MatchPresence(SKivTeacherOptionsDob& r, const SKivTeacherOptionsDob& other)
   return r.gameOptions != nullptr;
 }
 
+// Null for one of another kind.
+STeacherOptionsGameDob* AsTutors(SKivTeacherOptionsGameDob* options) {
+  return options != nullptr && options->GetClassId() == STeacherOptionsGameDob::StaticClassId()
+             ? static_cast<STeacherOptionsGameDob*>(options)
+             : nullptr;
+}
+
 }  // namespace
 
 void GameOptionsField::Reset(Record& r) const {
@@ -60,6 +67,25 @@ void GameOptionsField::Transfer(Record& r, IDobArchive& archive) const {
     }
   }
   archive.PopKey();
+}
+
+// With a record of the tutor's kind in its place, or without one.
+bool GameOptionsField::Measure(const Record& r, std::string_view bytes, int64_t& length) const {
+  const int32_t exists = StoredCountAt(bytes, length);
+  length += kStoredWidth<uint16_t>;
+  const auto* const game = AsTutors(r.gameOptions);
+  return exists == 0 || (exists > 0 && game != nullptr && game->Measure(bytes, length));
+}
+
+void GameOptionsField::Take(Record& r, const uint8_t*& from) const {
+  uint16_t exists;
+  TakeStored(from, exists);
+  if (exists != 0) {
+    AsTutors(r.gameOptions)->Take(from);
+  } else if (r.gameOptions != nullptr) {
+    r.gameOptions->Clear();
+    r.gameOptions->SetDirty(false);
+  }
 }
 
 bool GameOptionsField::IsEqual(const Record& a, const Record& b) const {

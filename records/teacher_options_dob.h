@@ -24,6 +24,8 @@ struct GameOptionsField : FieldOperations {
   using Record = SKivTeacherOptionsDob;
   void Reset(Record& r) const;
   void Transfer(Record& r, IDobArchive& archive) const;
+  bool Measure(const Record& r, std::string_view bytes, int64_t& length) const;
+  void Take(Record& r, const uint8_t*& from) const;
   bool IsEqual(const Record& a, const Record& b) const;
   void Copy(Record& r, const Record& other) const;
   // Without one in `other`, ours is deleted.

@@ -99,22 +99,18 @@ TEST(SDobBinaryArchive, BlobIsItsLengthAndItsBytesAndNeverLongerThanTheStream) {
   }
 }
 
-using RowsOfAFile = kivtest::FileTest;
+using BytesOfAFile = kivtest::FileTest;
 
-TEST_F(RowsOfAFile, AreTakenAtOnceOnlyWhereTheyLieReadyToTheLast) {
+TEST_F(BytesOfAFile, AreTakenAtOnceOnlyWhereTheyLieReadyToTheLast) {
   SDobBinaryArchive archive(SDobBinaryArchive::kRead, FileOf("\0\1\xFF\xFE\0\1\2"s));
-  int16_t numbers[3] = {7, 7, 7};
-  EXPECT_FALSE(archive.TakeRow(numbers, 2)) << "nothing is read yet";
-  EXPECT_TRUE(archive.TransferShort(nullptr, numbers[2]));
-  for (const int32_t count : {3, -1, INT32_MAX}) {
-    EXPECT_FALSE(archive.TakeRow(numbers, count)) << "5 bytes are left";
+  int16_t number = 7;
+  EXPECT_EQ(archive.TakeReady(2), nullptr) << "nothing is read yet";
+  EXPECT_TRUE(archive.TransferShort(nullptr, number));
+  for (const int32_t count : {6, -1, INT32_MAX}) {
+    EXPECT_EQ(archive.TakeReady(count), nullptr) << "5 bytes are left";
   }
-  EXPECT_EQ(numbers[0], 7);
-  EXPECT_TRUE(archive.TakeRow(numbers, 0) && archive.TakeRow(numbers, 1));
-  EXPECT_EQ(numbers[0], -2);
-  bool flags[3] = {true, false, false};
-  EXPECT_TRUE(archive.TakeRow(flags, 3));
-  EXPECT_TRUE(!flags[0] && flags[1] && flags[2]);
+  EXPECT_TRUE(archive.TakeReady(0) != nullptr && *archive.TakeReady(1) == 0xFF);
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(archive.TakeReady(4)), 4), "\xFE\0\1\2"s);
   EXPECT_FALSE(archive.HasError());
 }
 

@@ -120,7 +120,7 @@ TEST(MissionList, GrowsInStepsAndKeepsItsLengthWithoutMemory) {
     EXPECT_FALSE(missions.Grow(32768) || missions.SetCount(32768) || missions.SetCount(-1));
     EXPECT_TRUE(missions.Grow(count));
     EXPECT_EQ(missions.GetCount(), count);
-    EXPECT_EQ(memory.largest, capacity * static_cast<int64_t>(sizeof(void*))) << count;
+    EXPECT_EQ(memory.largest, capacity * static_cast<int64_t>(sizeof(STOMissionDob))) << count;
     memory.exhausted = true;
     EXPECT_TRUE(missions.Grow(most) && missions.Grow(2));
     EXPECT_FALSE(missions.Grow(most + 1) || missions.SetCount(most + 1));
