@@ -4,28 +4,16 @@
 
 #include "foundation/files/file_spec.h"
 #include "foundation/files/file_type.h"
-#include "game/game_dob.h"
 #include "platform/platform.h"
-#include "records/tutor_options_dob.h"
 
 namespace kivstore {
-namespace {
-
-// The options come first: every game record asks the application for options of its own.
-void MakeRecords(SZEPApp& app) {
-  app.options.reset(app.CreateOptions());
-  app.game = app.CreateGame();
-}
-
-}  // namespace
-
 SGeneralCall::SGeneralCall(const SGeneralParams& params)
     : site(LibraryState().site), app(new (std::nothrow) SZEPApp(site)) {
   RegisterFileType(kFileTypeGame, "Game File|Game Files|zep|Game|1");
   site.SetSiteMode(params.mode == 0 ? kSiteLocal : kSiteSharedTeachers);
   site.ClearFailure();
   if (app != nullptr) {
-    MakeRecords(*app);
+    app->GiveRecords();
     app->SetProperty("Data", params.dataPath != nullptr ? params.dataPath : "");
     app->ApplyDataPath();
     Platform().files->KeepDataRoot(SFileSpec::HeldForm({}, app->GetDataPath().View()).GetText());

@@ -1,4 +1,4 @@
-// What stands around one command: the set-up that makes the application object (gApp) with its
+// What stands around one command: the set-up that makes the application object (gApp), gives it its
 // records and aims it at the host's data path, and the tear-down that takes all of it away again.
 // Lives on the stack of GeneralProc, which lets one caller in at a time.
 //

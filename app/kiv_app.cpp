@@ -2,6 +2,7 @@
 
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include "game/kiv_game_dob.h"
 #include "platform/base/bytes.h"
@@ -86,6 +87,20 @@ bool SKivApp::HasCurrentStudent() const {
   return currentUser.valid && !DisplayName(currentUser.studentEntry).IsEmpty();
 }
 
+SKivTeacherOptionsDob* SKivApp::OwnOptions() {
+  if (std::exchange(owesOptions, false) && options == nullptr) {
+    options.reset(CreateOptions());
+  }
+  return options.get();
+}
+
+SKivGameDob* SKivApp::GetGame() {
+  if (std::exchange(owesGame, false) && game == nullptr) {
+    game = CreateGame();
+  }
+  return game;
+}
+
 void SKivApp::ApplyDataPath() {
   if (!CutTrailingFolder(dataPath, CachedText<kTextClasses>().View())) {
     CutTrailingFolder(dataPath, ClassesName().View());
@@ -139,7 +154,7 @@ void SKivApp::CommitPendingGame() {
   }
   pendingGame = nullptr;
   game->OnActivated();
-  if (options != nullptr && options->AutoGameSaving.value && HasCurrentStudent()) {
+  if (OwnOptions() != nullptr && options->AutoGameSaving.value && HasCurrentStudent()) {
     PlaceAutoGame();
   }
   AfterGameSwitch();

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "app/application.h"
+#include "app/file_outcome.h"
 #include "game/game_host.h"
 #include "store/lock/lock_file.h"
 #include "store/place/site.h"
@@ -70,11 +71,18 @@ class SKivApp : public SApplication, public ISiteOwner, public IGameHost {
   SString GetDataPath() const override { return dataPath; }
   SString GetProperty(const char* key) const override { return SApplication::GetProperty(key); }
   void PrepareMessage() override { SApplication::PrepareMessage(); }
+  // Options that nobody has asked for yet are the defaults.
   const SKivTeacherOptionsDob* GetOptionsInForce() const override { return options.get(); }
-  const SKivTeacherOptionsDob* GetOptions() const override { return options.get(); }
+  const SKivTeacherOptionsDob* GetOptions() override { return OwnOptions(); }
   const CurrentUser& GetCurrentUser() const override { return currentUser; }
-  SKivGameDob* GetGame() const override { return game; }
+  SKivGameDob* GetGame() override;
   SKivGameDob* GetPendingGame() const override { return pendingGame; }
+
+  // Gives the application its records. Each is made by its factory when it is first asked for: most
+  // commands ask for neither.
+  void GiveRecords() { owesOptions = owesGame = true; }
+  // Null without memory, and for an application without records.
+  SKivTeacherOptionsDob* OwnOptions();
 
   // The host may point at the data root or at the classes folder: cuts a trailing classes folder,
   // with or without its extension, off the data path. Both need the separator behind them.
@@ -92,9 +100,9 @@ class SKivApp : public SApplication, public ISiteOwner, public IGameHost {
   void CommitPendingGame();
   void SaveLastUser(const SString& fileName, const SString& extension) override;
 
-  SKivGameDob* game = nullptr;         // owned
-  SKivGameDob* pendingGame = nullptr;  // owned unless it is `game`
-  std::unique_ptr<SKivTeacherOptionsDob> options;
+  SKivGameDob* game = nullptr;                     // owned; null until it is asked for
+  SKivGameDob* pendingGame = nullptr;              // owned unless it is `game`
+  std::unique_ptr<SKivTeacherOptionsDob> options;  // null until they are asked for
   CurrentUser currentUser;
   std::unique_ptr<SLockFile> studentLock;  // made on first use
 
@@ -108,11 +116,16 @@ class SKivApp : public SApplication, public ISiteOwner, public IGameHost {
   bool MergeStudentOptions(SKivTeacherOptionsDob& record, const SLoginNameObj* classEntry,
                            const SLoginNameObj* studentEntry, SLockFile* lock);
   bool ReadWithRetry(SKivTeacherOptionsDob& record, SFileSpec& spec, bool merge);
+  Outcome Read(SKivTeacherOptionsDob& record, const SFileSpec& spec, bool merge);
+  bool Merge(SKivTeacherOptionsDob& record, const SFileSpec& spec);
   bool Retry(SKivTeacherOptionsDob& record, SFileSpec& spec, bool merge);
   // Aims the game's file at the student's automatic game.
   void PlaceAutoGame();
 
   SSite& site;
+  bool owesOptions = false;
+  bool owesGame = false;
+  std::unique_ptr<SDob> levelRecord;  // what a level's file says, before it is laid over the others
 };
 
 }  // namespace kivstore

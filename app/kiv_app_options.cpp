@@ -1,5 +1,4 @@
 // The teacher options in force: up to three files, the deeper laid over the upper ones.
-#include "app/file_outcome.h"
 #include "app/kiv_app.h"
 #include "archive/file_version.h"
 #include "records/teacher_options_dob.h"
@@ -32,10 +31,6 @@ SString WaitTextFor(int id, const SString& name) {
   return text;
 }
 
-Outcome Read(SKivTeacherOptionsDob& record, const SFileSpec& spec, bool merge) {
-  return TryToRead([&] { return merge ? record.MergeFromFile(spec) : record.LoadFromFile(spec); });
-}
-
 bool IsDone(Outcome outcome) {
   return outcome == Outcome::kRead || outcome == Outcome::kNothingThere;
 }
@@ -43,7 +38,7 @@ bool IsDone(Outcome outcome) {
 }  // namespace
 
 bool SKivApp::LoadTeacherOptions(const SOptionsRequest& request) {
-  SKivTeacherOptionsDob* const target = request.record != nullptr ? request.record : options.get();
+  SKivTeacherOptionsDob* const target = request.record != nullptr ? request.record : OwnOptions();
   if (target == nullptr) {
     return false;
   }
@@ -120,6 +115,18 @@ bool SKivApp::MergeStudentOptions(SKivTeacherOptionsDob& record, const SLoginNam
 // A level without a file is no failure.
 bool SKivApp::ReadWithRetry(SKivTeacherOptionsDob& record, SFileSpec& spec, bool merge) {
   return !spec.IsExistingFile() || IsDone(Read(record, spec, merge)) || Retry(record, spec, merge);
+}
+
+Outcome SKivApp::Read(SKivTeacherOptionsDob& record, const SFileSpec& spec, bool merge) {
+  return TryToRead([&] { return merge ? Merge(record, spec) : record.LoadFromFile(spec); });
+}
+
+// The class's file and the student's are read into one record.
+bool SKivApp::Merge(SKivTeacherOptionsDob& record, const SFileSpec& spec) {
+  if (levelRecord == nullptr || levelRecord->GetClassId() != record.GetClassId()) {
+    levelRecord.reset(record.CreateNew());
+  }
+  return levelRecord != nullptr && record.MergeFromFile(spec, *levelRecord);
 }
 
 // After a first try that failed. Only a shared file is worth waiting for: seven tries with it, six

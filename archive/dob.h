@@ -86,6 +86,9 @@ class SDob {
   bool SaveMergedToFile(SFileSpec& spec);
   // Merges the file's record into this one; false if it did not load. Does not touch the file.
   bool MergeFromFile(const SFileSpec& spec);
+  // The same for who merges one file after the other: each is read into `stored`, a record of this
+  // one's class.
+  bool MergeFromFile(const SFileSpec& spec, SDob& stored);
 
   // Why a file would not be read. 4 is not used. A file that opens and whose bytes then cannot be
   // had counts as one that does not open: nothing is known of what it holds.

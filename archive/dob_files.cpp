@@ -100,4 +100,8 @@ bool SDob::MergeFromFile(const SFileSpec& spec) {
                      [&](SDob& record) { return record.LoadFromFile(spec); });
 }
 
+bool SDob::MergeFromFile(const SFileSpec& spec, SDob& stored) {
+  return MergeStored(*this, stored, [&](SDob& record) { return record.LoadFromFile(spec); });
+}
+
 }  // namespace kivstore

@@ -32,16 +32,17 @@ bool SaveMerged(SDob& record, std::unique_ptr<SDob> stored, Load load, Save save
 
 // False if there was nothing to merge; the record then holds what could be read.
 template <class Load>
-bool MergeStored(SDob& record, std::unique_ptr<SDob> stored, Load load) {
-  if (stored == nullptr) {
-    return false;
-  }
-  if (!load(*stored)) {
+bool MergeStored(SDob& record, SDob& stored, Load load) {
+  if (!load(stored)) {
     load(record);
     return false;
   }
-  record.Merge(*stored);
+  record.Merge(stored);
   return true;
+}
+template <class Load>
+bool MergeStored(SDob& record, std::unique_ptr<SDob> stored, Load load) {
+  return stored != nullptr && MergeStored(record, *stored, load);
 }
 
 }  // namespace kivstore

@@ -6,7 +6,7 @@ namespace kivstore {
 namespace {
 
 // The per-game record of the options in force; null if there is none of the tutor's kind.
-const STeacherOptionsGameDob* ProgressInForce(const IGameHost* host) {
+const STeacherOptionsGameDob* ProgressInForce(IGameHost* host) {
   const SKivTeacherOptionsDob* const options = host != nullptr ? host->GetOptions() : nullptr;
   return options != nullptr && options->gameOptions != nullptr
              ? AsRecord<STeacherOptionsGameDob>(*options->gameOptions)

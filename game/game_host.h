@@ -16,14 +16,14 @@ class IGameHost {
   virtual SSite& GetSite() = 0;
   virtual const CurrentUser& GetCurrentUser() const = 0;
   // The teacher options in force; null without any.
-  virtual const SKivTeacherOptionsDob* GetOptions() const = 0;
+  virtual const SKivTeacherOptionsDob* GetOptions() = 0;
   virtual SString GetProperty(const char* key) const = 0;
 
   // A new record of the product's kind, the caller's; null if out of memory.
   virtual SKivTeacherOptionsGameDob* CreateGameOptions() = 0;
   virtual SKivGameDob* CreateGame() = 0;
 
-  virtual SKivGameDob* GetGame() const = 0;
+  virtual SKivGameDob* GetGame() = 0;
   virtual SKivGameDob* GetPendingGame() const = 0;
   // The game belongs to the application from here on.
   virtual void SetPendingGame(SKivGameDob* newGame) = 0;

@@ -26,8 +26,9 @@ TEST_F(GeneralCall, StandsOnlyBetweenItsSetUpAndItsTearDown) {
     EXPECT_EQ(&call.GetSite(), &site);
     EXPECT_EQ(site.GetOwner(), call.GetApp());
     EXPECT_FALSE(site.GetFailure());
-    EXPECT_TRUE(STeacherOptionsDob().IsA(*call.GetApp()->options));
-    EXPECT_TRUE(SGameDob().IsA(*call.GetApp()->game));
+    EXPECT_EQ(site.GetOptionsInForce(), nullptr);
+    EXPECT_TRUE(STeacherOptionsDob().IsA(*call.GetApp()->OwnOptions()));
+    EXPECT_TRUE(SGameDob().IsA(*call.GetApp()->GetGame()));
     EXPECT_EQ(site.GetDataRoot(), "/nowhere/");
     EXPECT_EQ(site.GetOptionsInForce(), call.GetApp()->options.get());
     site.SelectTeacher(&call.GetApp()->currentUser.classEntry);
@@ -185,7 +186,7 @@ TEST_F(Application, GamesAreSavedAndRememberedForAValidUserOnly) {
   for (const auto& [saving, valid] : {std::pair(true, false), {false, true}, {true, true}}) {
     const SGeneralCall call(host.block);
     SZEPApp& app = *call.GetApp();
-    app.options->AutoGameSaving.value = saving;
+    app.OwnOptions()->AutoGameSaving.value = saving;
     app.currentUser.valid = valid;
     EXPECT_FALSE(app.HasCurrentStudent());
     app.currentUser.classEntry = classEntry;

@@ -22,7 +22,7 @@ class TestGameHost : public kivstore::IGameHost {
 
   kivstore::SSite& GetSite() override { return site; }
   const kivstore::CurrentUser& GetCurrentUser() const override { return user; }
-  const kivstore::SKivTeacherOptionsDob* GetOptions() const override { return options.get(); }
+  const kivstore::SKivTeacherOptionsDob* GetOptions() override { return options.get(); }
   kivstore::SString GetProperty(const char*) const override { return site.GetDataRoot(); }
   kivstore::SKivTeacherOptionsGameDob* CreateGameOptions() override {
     return new (std::nothrow) kivstore::STeacherOptionsGameDob;
@@ -30,7 +30,7 @@ class TestGameHost : public kivstore::IGameHost {
   kivstore::SKivGameDob* CreateGame() override {
     return outOfMemory ? nullptr : new (std::nothrow) kivstore::SGameDob(this);
   }
-  kivstore::SKivGameDob* GetGame() const override { return game.get(); }
+  kivstore::SKivGameDob* GetGame() override { return game.get(); }
   kivstore::SKivGameDob* GetPendingGame() const override { return pending; }
   void SetPendingGame(kivstore::SKivGameDob* newGame) override {
     if (pending != game.get() && pending != newGame) {
