@@ -12,6 +12,12 @@ bool IsDots(const FolderEntry& entry) {
          (entry.nameLength == 1 || (entry.nameLength == 2 && entry.name[1] == '.'));
 }
 
+bool IsAccepted(const FolderEntry& entry, uint16_t mask) {
+  const int kind = entry.attributes.folder ? SFileFinder::kFolders : SFileFinder::kFiles;
+  const int visibility = entry.attributes.hidden ? SFileFinder::kHidden : SFileFinder::kVisible;
+  return (mask & kind) != 0 && (mask & visibility) != 0 && !IsDots(entry);
+}
+
 }  // namespace
 
 SFileFinder::SFileFinder(const SFileSpec& folder, uint16_t mask, const char* pattern)
@@ -35,7 +41,7 @@ bool SFileFinder::NextEntry(FolderEntry& entry) {
   }
   while (active) {
     active = walk->Next(entry);
-    if (active && Accepts(entry)) {
+    if (active && IsAccepted(entry, mask)) {
       return true;
     }
   }
@@ -64,12 +70,6 @@ bool SFileFinder::Start() {
   }
   failed = !active;
   return active || NoteFileFailure(spec.GetPath(), error);
-}
-
-bool SFileFinder::Accepts(const FolderEntry& entry) const {
-  const int kind = entry.attributes.folder ? kFolders : kFiles;
-  const int visibility = entry.attributes.hidden ? kHidden : kVisible;
-  return (mask & kind) != 0 && (mask & visibility) != 0 && !IsDots(entry);
 }
 
 }  // namespace kivstore

@@ -33,7 +33,6 @@ class SFileFinder {
 
  private:
   bool Start();
-  bool Accepts(const FolderEntry& entry) const;
 
   SFileSpec spec;
   bool active = false;

@@ -8,7 +8,8 @@
 //   text, then one NUL byte
 //
 // so a block for n characters takes n + 9 bytes. Every empty string points at one static block that
-// is never counted and never freed.
+// is never counted and never freed. Texts that were made together lie in one piece of memory
+// (text_block.h): the top bit of the capacity says so, and nobody notices but who frees them.
 //
 // Bytes are bytes of the system's 8-bit character set and compare unsigned; nothing here knows
 // multi-byte sequences. A text holds at most kMaxLength characters: what goes beyond is dropped.
@@ -72,7 +73,7 @@ class SString {
   // Access. GetAt of an index outside the text is NUL.
   const char* GetText() const { return text; }
   int GetLength() const { return Header()->length; }
-  int GetCapacity() const { return Header()->capacity; }
+  int GetCapacity() const { return Header()->capacity & ~kJointMark; }
   int32_t GetRefs() const { return Header()->refs; }
   bool IsEmpty() const { return GetLength() == 0; }
   char GetAt(int index) const { return IsInside(index) ? text[index] : '\0'; }
@@ -229,10 +230,13 @@ class SString {
                   const SString& a4, const SString& a5);
 
  private:
+  friend class STextBlock;
+
+  static constexpr int kJointMark = 0x8000;
   struct BlockHeader {
     int32_t refs;
     int16_t length;
-    int16_t capacity;
+    uint16_t capacity;
   };
   static constexpr size_t kBlockOverhead = sizeof(BlockHeader) + 1;
   struct EmptyBlock {
@@ -256,7 +260,7 @@ class SString {
     if (header == nullptr) {
       return nullptr;
     }
-    *header = {1, static_cast<int16_t>(length), static_cast<int16_t>(capacity)};
+    *header = {1, static_cast<int16_t>(length), static_cast<uint16_t>(capacity)};
     char* const blockText = reinterpret_cast<char*>(header + 1);
     blockText[length] = '\0';
     return blockText;
@@ -265,8 +269,12 @@ class SString {
   static char* NewText(const char* bytes, int length) noexcept;
   static void FreeBlock(char* blockText) noexcept {
     BlockHeader* const header = reinterpret_cast<BlockHeader*>(blockText) - 1;
+    if ((header->capacity & kJointMark) != 0) {
+      return FreeJoint(header);
+    }
     FreeSmall(header, static_cast<size_t>(header->capacity) + kBlockOverhead);
   }
+  static void FreeJoint(BlockHeader* header) noexcept;
 
   BlockHeader* Header() const { return reinterpret_cast<BlockHeader*>(text) - 1; }
   bool IsEmptyBlock() const { return text == EmptyText(); }

@@ -14,14 +14,18 @@ constexpr int32_t kMostUnknown = 32767;  // lists are walked with 16-bit counter
 constexpr size_t kWholeKey = 8;          // a name no longer than this stands in its key whole
 constexpr uint64_t kSpread = 0x9E3779B97F4A7C15;  // brings every bit to the top
 
-// All of the name counts, so that long names alike at their start do not pile up in one place.
-uint64_t KeyOf(std::string_view name) {
+uint64_t KeyOfLong(std::string_view name) {
   uint64_t key = FoldedSortKey(name);
   while (name.size() > kWholeKey) {
     name.remove_prefix(kWholeKey);
     key = key * kSpread + FoldedSortKey(name);
   }
   return key;
+}
+
+// All of the name counts, so that long names alike at their start do not pile up in one place.
+inline uint64_t KeyOf(std::string_view name) {
+  return name.size() <= kWholeKey ? FoldedSortKey(name) : KeyOfLong(name);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "archive/binary_stream.h"
 #include "archive/composed_file.h"
 #include "archive/stream_file.h"
+#include "foundation/text/text_block.h"
 #include "platform/base/bytes.h"
 #include "store/place/store_names.h"
 
@@ -14,17 +15,56 @@ namespace {
 
 constexpr int32_t kLeastRecord = 3;  // three empty texts
 
-void ReadEntry(SBinaryStream& stream, SLoginNameObj& login) {
-  stream.ReadText(login.folderName);
-  stream.ReadText(login.firstName);
-  stream.ReadText(login.lastName);
-}
+// Reads entries, as many as may come. Short texts lie together and are taken straight from what the
+// stream has ready; the others it reads as ever.
+class EntryReader {
+ public:
+  explicit EntryReader(SBinaryStream& stream) : stream(stream) { Look(); }
+  ~EntryReader() { Consume(); }
+  EntryReader(const EntryReader&) = delete;
+  EntryReader& operator=(const EntryReader&) = delete;
 
-void ReadEntry(SBinaryStream& stream, SOurFileObj& file) {
-  stream.ReadText(file.fileName);
-  stream.ReadText(file.longName);
-  stream.ReadText(file.extension);
-}
+  void Read(SLoginNameObj& login) {
+    Read(login.folderName);
+    Read(login.firstName);
+    Read(login.lastName);
+  }
+  void Read(SOurFileObj& file) {
+    Read(file.fileName);
+    Read(file.longName);
+    Read(file.extension);
+  }
+
+ private:
+  void Read(SString& text) {
+    const char* const behind = texts.Read(next, end, text);
+    if (behind != nullptr) {
+      next = behind;
+    } else {
+      ReadByStream(text);
+    }
+  }
+
+  void ReadByStream(SString& text) {
+    Consume();
+    stream.ReadText(text);
+    Look();
+  }
+
+  void Look() {
+    const std::string_view ready = stream.PeekReady();
+    start = next = ready.data();
+    end = start + ready.size();
+  }
+
+  void Consume() { stream.TakeReady(static_cast<int32_t>(next - start)); }
+
+  SBinaryStream& stream;
+  STextBlock texts;
+  const char* start = nullptr;  // of what lay ready at the last look
+  const char* next = nullptr;
+  const char* end = nullptr;
+};
 
 void WriteEntry(SBinaryStream& stream, const SLoginNameObj& login) {
   stream.WriteText(login.folderName);
@@ -48,9 +88,10 @@ int32_t ReadCount(SBinaryStream& stream, SIndexObj& index) {
 }
 
 void SkipRecords(SBinaryStream& stream, int32_t count) {
+  EntryReader reader(stream);
   SOurFileObj dropped;
   for (int32_t i = 0; i < count; ++i) {
-    ReadEntry(stream, dropped);
+    reader.Read(dropped);
   }
 }
 
@@ -59,6 +100,7 @@ template <class Entry>
 bool ReadEntries(SBinaryStream& stream, int32_t count, SOwningList<Entry>& list) {
   const int32_t room = std::max(kMostEntries - list.GetSize(), 0);
   const int32_t wanted = std::min(count, room);
+  EntryReader reader(stream);
   int32_t taken = 0;
   if (list.Reserve(list.GetSize() + wanted)) {
     for (; taken < wanted; ++taken) {
@@ -66,7 +108,7 @@ bool ReadEntries(SBinaryStream& stream, int32_t count, SOwningList<Entry>& list)
       if (entry == nullptr) {
         break;
       }
-      ReadEntry(stream, *entry);
+      reader.Read(*entry);
       list.Add(std::move(entry));
     }
   }
