@@ -7,14 +7,11 @@ namespace kivstore {
 
 SStreamSrcFile::SStreamSrcFile(const SFileSpec& spec) : spec(spec) {}
 
-SStreamSrcFile::SStreamSrcFile(SFile* file) : file(file), ownsFile(false) {}
+SStreamSrcFile::SStreamSrcFile(SFile* file) : file(file != nullptr ? file : &own) {}
 
 SStreamSrcFile::~SStreamSrcFile() {
   if (mode == kWrite) {
     SStreamSrcFile::Close();
-  }
-  if (ownsFile) {
-    delete file;
   }
   FreeBuffer();
 }
@@ -38,14 +35,7 @@ bool SStreamSrcFile::Open(int32_t openMode) {
 }
 
 bool SStreamSrcFile::OpenFile() {
-  if (file == nullptr) {
-    file = new (std::nothrow) SFile;
-    ownsFile = true;
-  }
   openError = SFile::kSuccess;
-  if (file == nullptr) {
-    return false;
-  }
   const int32_t fileMode = mode == kWrite ? SFile::kWrite : SFile::kRead;
   if (!file->IsOpen() && !file->Open(fileMode, spec, &openError)) {
     return false;
@@ -80,7 +70,7 @@ bool SStreamSrcFile::Rewind() {
   if (mode != kWrite) {
     bufferValid = 0;
   }
-  if (file != nullptr && file->IsOpen()) {
+  if (file->IsOpen()) {
     error = !file->Seek(0, 0);
   }
   return !error;
@@ -93,7 +83,7 @@ int32_t SStreamSrcFile::GetPosition() {
 }
 
 int32_t SStreamSrcFile::GetLength() {
-  if (file == nullptr || !file->IsOpen()) {
+  if (!file->IsOpen()) {
     return 0;
   }
   return mode == kWrite ? std::max(file->Size(), GetPosition()) : fileSize;
@@ -136,7 +126,7 @@ void SStreamSrcFile::CountMoved(int32_t n) {
 }
 
 bool SStreamSrcFile::SeekBy(int64_t distance) {
-  if (file == nullptr || distance > INT32_MAX || distance < INT32_MIN ||
+  if (distance > INT32_MAX || distance < INT32_MIN ||
       !file->Seek(2, static_cast<int32_t>(distance))) {
     error = true;
   }

@@ -71,9 +71,9 @@ class SStreamSrcFile : public SStreamSource {
   bool PutByte(uint8_t value);
 
   SFileSpec spec;
-  SFile* file = nullptr;
+  SFile own;
+  SFile* file = &own;
   int32_t openError = 0;
-  bool ownsFile = true;
   MemoryHandle bufferHandle = nullptr;
   uint8_t* buffer = nullptr;
   int32_t bufferSize = 0;

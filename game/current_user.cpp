@@ -4,6 +4,10 @@
 
 namespace kivstore {
 
+CurrentUser::CurrentUser() {
+  MakeDefaultEntry(classEntry);
+}
+
 CurrentUser& CurrentUser::operator=(const CurrentUser& other) {
   if (this == &other) {
     return *this;

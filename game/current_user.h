@@ -9,7 +9,7 @@ namespace kivstore {
 
 class CurrentUser {
  public:
-  CurrentUser() { Clear(); }
+  CurrentUser();
   CurrentUser(const CurrentUser& other) : CurrentUser() { *this = other; }
   CurrentUser& operator=(const CurrentUser& other);
   ~CurrentUser() = default;

@@ -139,6 +139,9 @@ void SPtrView<T>::SortByKey(KeyOf keyOf, Order order) {
     T* object;
   };
   const int32_t count = GetSize();
+  if (count < 2) {
+    return;
+  }
   const std::unique_ptr<Keyed[]> keyed(new (std::nothrow) Keyed[static_cast<size_t>(count)]);
   if (keyed == nullptr) {
     Sort(order);

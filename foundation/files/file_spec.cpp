@@ -47,7 +47,11 @@ char* AddPart(char* at, std::string_view part) {
 
 // A part that comes from outside may have slashes.
 char* AddForeignPart(char* at, std::string_view part) {
-  return std::replace_copy(part.begin(), part.end(), at, '/', '\\');
+  char* const end = AddPart(at, part);
+  if (part.find('/') != kNone) {
+    std::replace(at, end, '/', '\\');
+  }
+  return end;
 }
 
 // A name that a step can put behind a folder's path without changing what the steps before it mean.

@@ -62,7 +62,7 @@ class FileTypeRegistry {
   FileTypeRegistry(const FileTypeRegistry&) = delete;
   FileTypeRegistry& operator=(const FileTypeRegistry&) = delete;
 
-  void Add(uint32_t key, const SString& description);
+  void Add(uint32_t key, const char* description);
   const SFileType* Find(uint32_t key);
 
  private:
@@ -71,7 +71,7 @@ class FileTypeRegistry {
 
 FileTypeRegistry::FileTypeRegistry() {
   for (const NumberedType& type : kNumberedTypes) {
-    Add(type.key, SString::FromResource(type.resourceId));
+    Add(type.key, SString::FromResource(type.resourceId).GetText());
   }
   for (const WordedType& type : kWordedTypes) {
     Add(type.key, type.description);
@@ -88,7 +88,7 @@ FileTypeRegistry::~FileTypeRegistry() {
   }
 }
 
-void FileTypeRegistry::Add(uint32_t key, const SString& description) {
+void FileTypeRegistry::Add(uint32_t key, const char* description) {
   if (Find(key) != nullptr) {
     return;
   }
@@ -137,7 +137,7 @@ void RegisterFileType(uint32_t key, const char* description) {
 }
 
 void RegisterFileType(uint32_t key, int resourceId) {
-  Registry().Add(key, SString::FromResource(resourceId));
+  Registry().Add(key, SString::FromResource(resourceId).GetText());
 }
 
 const SFileType& FindFileType(uint32_t key) {

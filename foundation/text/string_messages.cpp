@@ -1,6 +1,7 @@
 // Texts from the string table, and texts with arguments.
 #include <cstdarg>
 #include <cstdio>
+#include <string_view>
 #include <utility>
 
 #include "foundation/text/string.h"
@@ -11,6 +12,42 @@ namespace {
 
 constexpr int kFormatBuffer = 512;
 constexpr int kResourceBuffer = 1023;
+
+// Text that grows in a buffer, as far as there is room.
+class Joined {
+ public:
+  bool Add(std::string_view piece) {
+    if (piece.size() > sizeof text - static_cast<size_t>(length)) {
+      return false;
+    }
+    length += static_cast<int>(piece.copy(text + length, piece.size()));
+    return true;
+  }
+  const char* Text() const { return text; }
+  int Length() const { return length; }
+
+ private:
+  int length = 0;
+  char text[kFormatBuffer];
+};
+
+// In one pass. False where it might differ from one argument after the other: an argument with a
+// "%" in it, or one in the pattern that is no mark; and for a long text.
+bool JoinAtOnce(std::string_view pattern, const SString* const* arguments, int count,
+                Joined& joined) {
+  for (size_t mark; (mark = pattern.find('%')) != pattern.npos; pattern.remove_prefix(mark + 2)) {
+    const int number = mark + 1 < pattern.size() ? pattern[mark + 1] - '1' : count;
+    if (number < 0 || number >= count) {
+      return false;
+    }
+    const std::string_view argument = ViewOf(arguments[number]->GetText());
+    if (argument.find('%') != argument.npos || !joined.Add(pattern.substr(0, mark)) ||
+        !joined.Add(argument)) {
+      return false;
+    }
+  }
+  return joined.Add(pattern);
+}
 
 }  // namespace
 
@@ -56,6 +93,11 @@ SString SString::FromResource(int id) {
 }
 
 void SString::SubstituteAll(const SString& pattern, const SString* const* arguments, int count) {
+  Joined joined;
+  if (JoinAtOnce(pattern.View(), arguments, count, joined)) {
+    Assign(joined.Length(), joined.Text());
+    return;
+  }
   SString result(pattern);
   char mark[] = "%1";
   for (int i = 0; i < count; ++i, ++mark[1]) {
