@@ -1,9 +1,10 @@
 // A whole walk over a school, as a host does it: the plain chain of commands 1 to 5 and the cached
-// chain of 9 to 14. Items are students for the cached chain and names and counts told for the
-// plain.
+// chain of 9 to 14, beside the same written out by hand. Items are students for the cached chain
+// and names and counts told for the plain.
 #include <benchmark/benchmark.h>
 
 #include "bench/bench_stores.h"
+#include "bench/floor_walk.h"
 #include "bench/general_call.h"
 #include "tests/support/temp_folder.h"
 
@@ -28,6 +29,10 @@ int64_t WalkCached(Block& block) {
     }
   }
   return students;
+}
+
+int64_t WalkFloor(Block& block) {
+  return WalkByHand(block.root, block);
 }
 
 int64_t WalkPlain(Block& block) {
@@ -78,6 +83,8 @@ void Walk(benchmark::State& state, int64_t (*walk)(Block&), bool school) {
   state.SetItemsProcessed(items);
 }
 BENCHMARK_CAPTURE(Walk, cached_chain_school, WalkCached, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Walk, floor_of_the_cached_chain_school, WalkFloor, true)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Walk, cached_chain_class_of_1000, WalkCached, false)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Walk, plain_chain_school, WalkPlain, true)->Unit(benchmark::kMillisecond);
