@@ -1,9 +1,6 @@
 #include "archive/dob_binary_archive.h"
 
 #include <algorithm>
-#include <new>
-
-#include "archive/stream_file.h"
 
 namespace kivstore {
 namespace {
@@ -73,23 +70,13 @@ bool Read(SBinaryStream& stream, SString& value) {
 }  // namespace
 
 SDobBinaryArchive::SDobBinaryArchive(int32_t mode, const SFileSpec& spec)
-    : SDobTransfers(TimeOfCreation(mode)), mode(mode), stream(nullptr), ownsStream(true) {
-  auto* const source = new (std::nothrow) SStreamSrcFile(spec);
+    : SDobTransfers(TimeOfCreation(mode)), mode(mode) {
   const int32_t streamMode = IsWriting() ? SBinaryStream::kWrite : SBinaryStream::kRead;
-  stream = new (std::nothrow) SBinaryStream(streamMode, source, true);
-  if (stream == nullptr) {
-    delete source;
-  }
+  stream = &own.emplace(streamMode, spec).stream;
 }
 
 SDobBinaryArchive::SDobBinaryArchive(int32_t mode, SBinaryStream* stream)
-    : SDobTransfers(TimeOfCreation(mode)), mode(mode), stream(stream), ownsStream(false) {}
-
-SDobBinaryArchive::~SDobBinaryArchive() {
-  if (ownsStream) {
-    delete stream;
-  }
-}
+    : SDobTransfers(TimeOfCreation(mode)), mode(mode), stream(stream) {}
 
 bool SDobBinaryArchive::WriteBytes(const void* data, int16_t length) {
   return stream != nullptr && stream->WriteRaw(data, length);

@@ -13,8 +13,11 @@
 //   blob             4 + n  length, then the bytes
 #pragma once
 
+#include <optional>
+
 #include "archive/binary_stream.h"
 #include "archive/dob_transfers.h"
+#include "archive/stream_file.h"
 #include "foundation/files/file_spec.h"
 
 namespace kivstore {
@@ -26,7 +29,7 @@ class SDobBinaryArchive final : public SDobTransfers<SDobBinaryArchive> {
 
   SDobBinaryArchive(int32_t mode, const SFileSpec& spec);
   SDobBinaryArchive(int32_t mode, SBinaryStream* stream);  // the caller's stream, may be null
-  ~SDobBinaryArchive();
+  ~SDobBinaryArchive() = default;
   SDobBinaryArchive(const SDobBinaryArchive&) = delete;
   SDobBinaryArchive& operator=(const SDobBinaryArchive&) = delete;
 
@@ -63,9 +66,15 @@ class SDobBinaryArchive final : public SDobTransfers<SDobBinaryArchive> {
   bool WriteBlob(MemoryHandle handle, int32_t length);
   bool ReadBlob(MemoryHandle& handle, int32_t& length);
 
+  struct FileStream {
+    FileStream(int32_t mode, const SFileSpec& spec) : source(spec), stream(mode, &source, false) {}
+    SStreamSrcFile source;
+    SBinaryStream stream;
+  };
+
   int32_t mode;
+  std::optional<FileStream> own;
   SBinaryStream* stream;
-  bool ownsStream;
 };
 
 extern template class SDobTransfers<SDobBinaryArchive>;
