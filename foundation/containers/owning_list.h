@@ -75,10 +75,14 @@ class SOwningList {
     elements.Sort(order);
   }
   // For an order that a number taken from each element nearly always decides, and along which the
-  // numbers ascend.
+  // numbers ascend. `tell(element, number)` is called for each in the order that they have then.
+  template <class KeyOf, class Order, class Tell>
+  void SortByKey(KeyOf keyOf, Order order, Tell tell) {
+    elements.SortByKey(keyOf, order, tell);
+  }
   template <class KeyOf, class Order>
   void SortByKey(KeyOf keyOf, Order order) {
-    elements.SortByKey(keyOf, order);
+    SortByKey(keyOf, order, [](const T&, auto) {});
   }
   // A binary search of a list sorted by this order; -1 if no element equals the value.
   template <class Value, class Order>

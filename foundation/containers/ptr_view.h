@@ -96,9 +96,10 @@ class SPtrView {
   }
 
   // The same for an order that a number taken from each object nearly always decides: only objects
-  // of equal numbers are compared. The numbers must ascend as the order does.
-  template <class KeyOf, class Order>
-  void SortByKey(KeyOf keyOf, Order order);
+  // of equal numbers are compared. The numbers must ascend as the order does. `tell(object,
+  // number)` is called for each in the order that they have then.
+  template <class KeyOf, class Order, class Tell>
+  void SortByKey(KeyOf keyOf, Order order, Tell tell);
 
   // Where `order(value, object)` is 0, in a list sorted by that order; -1 if nowhere.
   template <class Value, class Order>
@@ -132,19 +133,18 @@ class SPtrView {
 };
 
 template <class T>
-template <class KeyOf, class Order>
-void SPtrView<T>::SortByKey(KeyOf keyOf, Order order) {
+template <class KeyOf, class Order, class Tell>
+void SPtrView<T>::SortByKey(KeyOf keyOf, Order order, Tell tell) {
   struct Keyed {
     decltype(keyOf(std::declval<const T&>())) key;
     T* object;
   };
   const int32_t count = GetSize();
-  if (count < 2) {
-    return;
-  }
-  const std::unique_ptr<Keyed[]> keyed(new (std::nothrow) Keyed[static_cast<size_t>(count)]);
+  const std::unique_ptr<Keyed[]> keyed(
+      count > 1 ? new (std::nothrow) Keyed[static_cast<size_t>(count)] : nullptr);
   if (keyed == nullptr) {
     Sort(order);
+    std::for_each(begin(), end(), [&](T& object) { tell(object, keyOf(object)); });
     return;
   }
   for (int32_t i = 0; i < count; ++i) {
@@ -157,6 +157,8 @@ void SPtrView<T>::SortByKey(KeyOf keyOf, Order order) {
     std::transform(keyed.get(), keyed.get() + count, pointers.Data(),
                    [](const Keyed& element) { return element.object; });
   }
+  std::for_each(keyed.get(), keyed.get() + count,
+                [&](const Keyed& element) { tell(*element.object, element.key); });
 }
 
 template <class T>

@@ -39,12 +39,12 @@ bool SFileFinder::NextEntry(FolderEntry& entry) {
   if (!started && !Start()) {
     return false;
   }
-  while (active) {
-    active = walk->Next(entry);
-    if (active && IsAccepted(entry, mask)) {
+  while (active && walk->Next(entry)) {
+    if (IsAccepted(entry, mask)) {
       return true;
     }
   }
+  active = false;
   if (walk != nullptr) {
     failed = walk->HasFailed();
     walk.reset();

@@ -20,8 +20,7 @@ int CompareByFileName(const SOurFileObj& a, const SOurFileObj& b) {
 
 // The first bytes of a folder name nearly always decide.
 void SortByFolder(SLoginList& list) {
-  list.SortByKey([](const SLoginNameObj& entry) { return FoldedSortKey(entry.folderName.View()); },
-                 CompareByFolder);
+  SortByFolder(list, [](const SLoginNameObj&, uint64_t) {});
 }
 
 int32_t FindLogin(const SLoginList& list, const SLoginNameObj& entry) {

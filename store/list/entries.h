@@ -3,6 +3,7 @@
 
 #include "foundation/containers/owning_list.h"
 #include "foundation/text/string.h"
+#include "platform/base/bytes.h"
 #include "store/place/login_name.h"
 
 namespace kivstore {
@@ -38,6 +39,13 @@ int CompareByFileName(const SOurFileObj& a, const SOurFileObj& b);
 
 // By CompareByFolder, at the cost of one pass if the list is in order already.
 void SortByFolder(SLoginList& list);
+// The same, in which tell(entry, key) is called for each entry in its place, with the FoldedSortKey
+// of its folder name.
+template <class Tell>
+void SortByFolder(SLoginList& list, Tell tell) {
+  list.SortByKey([](const SLoginNameObj& entry) { return FoldedSortKey(entry.folderName.View()); },
+                 CompareByFolder, tell);
+}
 
 // First entry whose display name and folder name equal the given one's, letter case ignored; -1.
 int32_t FindLogin(const SLoginList& list, const SLoginNameObj& entry);

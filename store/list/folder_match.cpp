@@ -10,23 +10,8 @@
 namespace kivstore {
 namespace {
 
-constexpr int32_t kMostUnknown = 32767;  // lists are walked with 16-bit counters
-constexpr size_t kWholeKey = 8;          // a name no longer than this stands in its key whole
+constexpr int32_t kMostUnknown = 32767;           // lists are walked with 16-bit counters
 constexpr uint64_t kSpread = 0x9E3779B97F4A7C15;  // brings every bit to the top
-
-uint64_t KeyOfLong(std::string_view name) {
-  uint64_t key = FoldedSortKey(name);
-  while (name.size() > kWholeKey) {
-    name.remove_prefix(kWholeKey);
-    key = key * kSpread + FoldedSortKey(name);
-  }
-  return key;
-}
-
-// All of the name counts, so that long names alike at their start do not pile up in one place.
-inline uint64_t KeyOf(std::string_view name) {
-  return name.size() <= kWholeKey ? FoldedSortKey(name) : KeyOfLong(name);
-}
 
 }  // namespace
 
@@ -44,10 +29,15 @@ int32_t& SFolderMatch::FirstAt(uint64_t key) const {
   return places[static_cast<uint32_t>(key * kSpread >> 40) & placeMask];
 }
 
-void SFolderMatch::Add(const SString& name) {
-  if (known != nullptr && count < room) {
-    known[count++] = {KeyOf(name.View()), &name, kNoName, false};
+// All of the name counts, so that long names alike at their start do not pile up in one place. Few
+// are long: kept out of the way of the others.
+[[gnu::noinline]] uint64_t SFolderMatch::KeyOfLong(std::string_view name, uint64_t sortKey) {
+  uint64_t key = sortKey;
+  while (name.size() > kWholeKey) {
+    name.remove_prefix(kWholeKey);
+    key = key * kSpread + FoldedSortKey(name);
   }
+  return key;
 }
 
 // From the last to the first, so that of equal names the first hangs in front.
@@ -88,13 +78,14 @@ bool SFolderMatch::AddUnknown(std::string_view name) {
 
 // Of several equal names the folder's entries take one each.
 bool SFolderMatch::Mark(std::string_view name) {
-  const uint64_t key = KeyOf(name);
+  const uint64_t key = KeyOf(name, FoldedSortKey(name));
   for (int32_t i = FirstAt(key); i != kNoName; i = known[i].next) {
     KnownName& candidate = known[i];
     if (candidate.key == key && !candidate.isOnDisk &&
         (name.size() <= kWholeKey ? candidate.name->GetLength() <= static_cast<int>(kWholeKey)
                                   : EqualBytesNoCase(candidate.name->View(), name))) {
       candidate.isOnDisk = true;
+      ++found;
       return true;
     }
   }

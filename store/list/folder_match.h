@@ -14,9 +14,13 @@ namespace kivstore {
 
 class SFolderMatch {
  public:
-  // For so many names, which come by Add and must outlive this.
+  // For so many names, which come by Add, with their FoldedSortKey, and must outlive this.
   explicit SFolderMatch(int32_t room);
-  void Add(const SString& name);
+  void Add(const SString& name, uint64_t sortKey) {
+    if (known != nullptr && count < room) {
+      known[count++] = {KeyOf(name.View(), sortKey), &name, kNoName, false};
+    }
+  }
 
   // Which entries of the folder count; null takes all.
   using Filter = bool (*)(std::string_view name, const SString& argument);
@@ -26,6 +30,7 @@ class SFolderMatch {
 
   // By the order of Add.
   bool IsOnDisk(int32_t index) const { return known[index].isOnDisk; }
+  bool AreAllOnDisk() const { return found == count; }
   // What the folder has and the names lack, in the order of CompareStrings.
   SStringArray unknown;
 
@@ -38,6 +43,12 @@ class SFolderMatch {
     bool isOnDisk;
   };
   static constexpr int32_t kNoName = -1;
+  static constexpr size_t kWholeKey = 8;  // a name no longer than this stands in its key whole
+
+  static uint64_t KeyOf(std::string_view name, uint64_t sortKey) {
+    return name.size() <= kWholeKey ? sortKey : KeyOfLong(name, sortKey);
+  }
+  static uint64_t KeyOfLong(std::string_view name, uint64_t sortKey);
 
   int32_t& FirstAt(uint64_t key) const;
   void Link();
@@ -46,6 +57,7 @@ class SFolderMatch {
 
   int32_t room;
   int32_t count = 0;
+  int32_t found = 0;  // how many of them are on disk
   uint32_t placeMask = 0;
   std::unique_ptr<KnownName[]> known;
   std::unique_ptr<int32_t[]> places;

@@ -24,14 +24,6 @@ bool TakeType(std::string_view name, const SString& extension) {
   return name.size() > kShortName && HasExtension(name, extension.View());
 }
 
-// The names in `field` of the entries, which stand in the order of these names.
-template <class Entry>
-void AddNames(SFolderMatch& match, const SOwningList<Entry>& entries, SString Entry::*field) {
-  for (const Entry& entry : entries) {
-    match.Add(entry.*field);
-  }
-}
-
 // Whether any had to go.
 template <class Entry>
 bool DropMissing(SOwningList<Entry>& entries, const SFolderMatch& match) {
@@ -124,11 +116,7 @@ bool IsStillSo(const SFileSpec& list, SIndexObj& index) {
 }
 
 bool IsAmiss(const SIndexObj& index, const SFolderMatch& match) {
-  bool isAmiss = index.torn || match.unknown.GetSize() > 0;
-  for (int32_t i = 0; i < index.logins->GetSize(); ++i) {
-    isAmiss |= !match.IsOnDisk(i);
-  }
-  return isAmiss;
+  return index.torn || match.unknown.GetSize() > 0 || !match.AreAllOnDisk();
 }
 
 void Repair(SSite& site, const SFileSpec& list, SIndexObj& index, const SFolderMatch& match,
@@ -153,9 +141,9 @@ void Repair(SSite& site, const SFileSpec& list, SIndexObj& index, const SFolderM
 // changing behind its lock is not written.
 bool Reconcile(SSite& site, const SFileSpec& list, SIndexObj& index, int readings) {
   SLoginList& logins = *index.logins;
-  SortByFolder(logins);
   SFolderMatch match(logins.GetSize());
-  AddNames(match, logins, &SLoginNameObj::folderName);
+  SortByFolder(logins,
+               [&](const SLoginNameObj& login, uint64_t key) { match.Add(login.folderName, key); });
   if (!match.Walk(list, SFileFinder::kVisibleFolders, nullptr, SString())) {
     return false;
   }
@@ -200,7 +188,9 @@ void ReconcileFiles(const SFileSpec& spec, SIndexObj& index, const SString& exte
   SFileList& files = *index.files;
   files.Sort(CompareByFileName);
   SFolderMatch match(files.GetSize());
-  AddNames(match, files, &SOurFileObj::fileName);
+  for (const SOurFileObj& file : files) {
+    match.Add(file.fileName, FoldedSortKey(file.fileName.View()));
+  }
   bool changed = wasTorn;
   if (match.Walk(spec, SFileFinder::kVisibleFiles, TakeType, extension)) {
     const bool dropped = DropMissing(files, match);
