@@ -38,9 +38,13 @@ bool IsDone(Outcome outcome) {
 }  // namespace
 
 bool SKivApp::LoadTeacherOptions(const SOptionsRequest& request) {
+  const bool isNew = request.record == nullptr && options == nullptr;
   SKivTeacherOptionsDob* const target = request.record != nullptr ? request.record : OwnOptions();
   if (target == nullptr) {
     return false;
+  }
+  if (!isNew && !request.goesOn) {
+    target->Clear();
   }
   const bool takeCurrent = request.useCurrent && currentUser.valid;
   const SLoginNameObj* const classEntry =
@@ -60,7 +64,6 @@ void SKivApp::PlaceOptions(SFileSpec& spec, const SLoginNameObj* classEntry,
 }
 
 bool SKivApp::LoadStoreOptions(SKivTeacherOptionsDob& record, SLockFile* lock) {
-  record.Clear();
   SFileSpec spec;
   PlaceOptions(spec, nullptr, nullptr);
   if (lock != nullptr && !TakeOptionsLock(*lock, spec, RootWaitText(site))) {
