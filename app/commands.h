@@ -17,8 +17,14 @@ namespace kivstore::commands {
 
 using Command = bool (*)(SGeneralCall& call, SGeneralParams& params);
 
+struct KnownCommand {
+  int32_t number;
+  Command command;
+  bool usesFiles;  // the others answer from the caches, or from nothing
+};
+
 // Null for a number that is no command.
-Command FindCommand(int32_t number);
+const KnownCommand* FindCommand(int32_t number);
 
 // The plain chain reads every list anew.
 bool CountTeachers(SGeneralCall& call, SGeneralParams& params);

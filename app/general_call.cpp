@@ -7,7 +7,7 @@
 #include "platform/platform.h"
 
 namespace kivstore {
-SGeneralCall::SGeneralCall(const SGeneralParams& params)
+SGeneralCall::SGeneralCall(const SGeneralParams& params, bool usesFiles)
     : site(LibraryState().site), app(new (std::nothrow) SZEPApp(site)) {
   RegisterFileType(kFileTypeGame, "Game File|Game Files|zep|Game|1");
   site.SetSiteMode(params.mode == 0 ? kSiteLocal : kSiteSharedTeachers);
@@ -16,6 +16,8 @@ SGeneralCall::SGeneralCall(const SGeneralParams& params)
     app->GiveRecords();
     app->SetProperty("Data", params.dataPath != nullptr ? params.dataPath : "");
     app->ApplyDataPath();
+  }
+  if (app != nullptr && usesFiles) {
     Platform().files->KeepDataRoot(SFileSpec::HeldForm({}, app->GetDataPath().View()).GetText());
   }
 }

@@ -44,9 +44,9 @@ namespace {
 
 bool Run(SGeneralParams& params) {
   const SCallerLock alone;
-  SGeneralCall call(params);
-  const commands::Command command = commands::FindCommand(params.command);
-  return call.GetApp() != nullptr && command != nullptr && command(call, params);
+  const commands::KnownCommand* const known = commands::FindCommand(params.command);
+  SGeneralCall call(params, known != nullptr && known->usesFiles);
+  return call.GetApp() != nullptr && known != nullptr && known->command(call, params);
 }
 
 }  // namespace
