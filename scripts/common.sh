@@ -40,7 +40,8 @@ need_host_libraries() {
        /usr/include/nlohmann/json.hpp nlohmann-json3-dev \
        /usr/include/csv.h libcsv-dev \
        /usr/include/minizip/zip.h libminizip-dev \
-       /usr/include/utf8proc.h libutf8proc-dev
+       /usr/include/utf8proc.h libutf8proc-dev \
+       /usr/include/xlsxwriter.h libxlsxwriter-dev
 }
 
 need_test_tools() {
@@ -77,7 +78,7 @@ need_windows_tools() {
 }
 
 # C libraries that have no package for Windows: their sources, as Debian has them, go to build/sources.
-windows_sources="libcsv minizip utf8proc"
+windows_sources="libcsv libxlsxwriter minizip utf8proc"
 fetch_sources() {
   fetched=$PWD/build/sources
   [ "$(cat "$fetched/complete" 2>/dev/null)" != "$windows_sources" ] || return 0
