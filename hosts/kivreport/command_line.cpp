@@ -138,7 +138,9 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
                         {{"table", Format::kTable},
                          {"csv", Format::kCsv},
                          {"json", Format::kJson},
-                         {"ndjson", Format::kNdjson}},
+                         {"ndjson", Format::kNdjson},
+                         {"html", Format::kHtml},
+                         {"xlsx", Format::kXlsx}},
                         "table");
   app.AddOption("-o,--output", line.output,
                 "Write to this file, which is there only when it is whole; - is standard output")
@@ -168,6 +170,10 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
                 "Fit the table to so many columns, 0 for as many as it takes; else to the "
                 "terminal's")
       .Takes("N");
+  app.AddChoice<Language>("--lang", line.language,
+                          "The language of a page and of a workbook; else what LC_ALL, LC_MESSAGES "
+                          "or LANG says",
+                          {{"en", Language::kEnglish}, {"de", Language::kGerman}});
   app.AddFlag("--quiet", line.quiet, "No progress bar");
   app.SetFooter(
       "Exit codes:\n"

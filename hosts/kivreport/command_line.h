@@ -38,6 +38,7 @@ struct CommandLine {
   std::optional<std::string> charset;
   bool byteOrderMark = false;
   bool quiet = false;
+  Language language = LanguageOfEnvironment();
 };
 
 // Nothing if the help or the version was asked for and shown. `version` is asked only for

@@ -95,8 +95,23 @@ Form FormOf(const CommandLine& line) {
   form.sheets = !line.student.empty() && !line.roster && !(isTable && form.columns);
   form.width = WidthOf(line);
   form.showsUnicode = kivhost::ShowsUnicode();
+  form.language = line.language;
   form.marksStanding = line.idleDays.has_value();
   return form;
+}
+
+// A page and a workbook have their own layout, and a workbook is no text.
+void NeedFitting(const CommandLine& line) {
+  const bool isWorkbook = line.format == Format::kXlsx;
+  if (!line.columns.empty() && (isWorkbook || line.format == Format::kHtml)) {
+    throw HostError(kWrongUsage, "--columns: a page and a workbook have columns of their own");
+  }
+  if (isWorkbook && line.byteOrderMark) {
+    throw HostError(kWrongUsage, "--bom: a workbook has none");
+  }
+  if (isWorkbook && line.output == "-" && kivhost::OutputColumns()) {
+    throw HostError(kWrongUsage, "a workbook is nothing for a terminal; name a file by --output");
+  }
 }
 
 // What one run needs.
@@ -217,6 +232,7 @@ int RunMany(const CommandLine& line) {
 }
 
 int Run(const CommandLine& line) {
+  NeedFitting(line);
   kivhost::NeedTarget(line.output, line.force);
   if (!line.stores.empty()) {
     return RunMany(line);

@@ -1,5 +1,8 @@
 #include "hosts/kivreport/report_writer.h"
 
+#include "hosts/kivreport/page/page_writer.h"
+#include "hosts/kivreport/workbook_writer.h"
+
 namespace kivreport {
 namespace {
 
@@ -34,6 +37,10 @@ void WriteReport(std::ostream& out, const Report& report, const Form& form) {
     case Format::kCsv:
     case Format::kNdjson:
       return WriteRows(out, report, form, *RowFormOf(form.format));
+    case Format::kHtml:
+      return WritePage(out, report, form.language);
+    case Format::kXlsx:
+      return WriteWorkbook(out, report, form.language);
   }
 }
 

@@ -7,10 +7,11 @@
 
 #include "hosts/kivreport/columns.h"
 #include "hosts/kivreport/model.h"
+#include "hosts/kivreport/page/texts.h"
 
 namespace kivreport {
 
-enum class Format { kTable, kCsv, kJson, kNdjson };
+enum class Format { kTable, kCsv, kJson, kNdjson, kHtml, kXlsx };
 
 // How it is written.
 struct Form {
@@ -21,6 +22,7 @@ struct Form {
   std::optional<size_t> width;     // of the terminal that a table is to fit; nothing: a pipe
   bool showsUnicode = false;       // that terminal
   bool marksStanding = false;      // also in a pipe
+  Language language = Language::kEnglish;  // of a page and of a workbook
 };
 
 void WriteReport(std::ostream& out, const Report& report, const Form& form);

@@ -1,0 +1,33 @@
+#include "hosts/kivreport/scratch_folder.h"
+
+#include <random>
+#include <system_error>
+
+#include "hosts/common/host_error.h"
+
+namespace kivreport {
+
+namespace fs = std::filesystem;
+
+// A folder that is there already is somebody else's.
+ScratchFolder::ScratchFolder() {
+  constexpr int kTries = 100;
+  std::random_device random;
+  std::error_code error;
+  const fs::path parent = fs::temp_directory_path(error);
+  for (int i = 0; !error && i < kTries; ++i) {
+    folder = parent / ("kivreport-" + std::to_string(random()));
+    if (fs::create_directory(folder, error)) {
+      fs::permissions(folder, fs::perms::owner_all, error);
+      return;
+    }
+  }
+  throw kivhost::HostError(kivhost::kNoStore, parent.string() + ": no temporary file can be made");
+}
+
+ScratchFolder::~ScratchFolder() {
+  std::error_code ignored;
+  fs::remove_all(folder, ignored);
+}
+
+}  // namespace kivreport
