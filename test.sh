@@ -20,7 +20,10 @@ case $preset in
     need_windows_tools
     need_wine
     ;;
-  *) need_host_libraries ;;
+  *)
+    need_host_libraries
+    need_page_tools
+    ;;
 esac
 echo "building $preset"
 build "$preset"

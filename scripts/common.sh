@@ -49,6 +49,11 @@ need_test_tools() {
        /usr/lib/postgresql postgresql
 }
 
+# What shows the pages that kivreport writes, and what looks at them.
+need_page_tools() {
+  need chromium chromium tidy tidy pdftotext poppler-utils
+}
+
 # build PRESET [TARGET ...]: configures, as `build_options` tells besides the preset, and builds, quietly
 # unless something is wrong.
 build_options=${build_options-}
