@@ -38,7 +38,7 @@ void WriteReport(std::ostream& out, const Report& report, const Form& form) {
     case Format::kNdjson:
       return WriteRows(out, report, form, *RowFormOf(form.format));
     case Format::kHtml:
-      return WritePage(out, report, form.language);
+      return WritePage(out, report, form.language, form.sheets);
     case Format::kXlsx:
       return WriteWorkbook(out, report, form.language);
   }

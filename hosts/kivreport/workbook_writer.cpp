@@ -11,6 +11,7 @@
 
 #include "hosts/common/host_error.h"
 #include "hosts/common/unicode.h"
+#include "hosts/kivreport/page/change_cells.h"
 #include "hosts/kivreport/page/class_figures.h"
 #include "hosts/kivreport/page/markup.h"
 #include "hosts/kivreport/scratch_folder.h"
@@ -144,7 +145,11 @@ class Sheet {
 class Workbook {
  public:
   Workbook(lxw_workbook* book, const Report& report, Language language)
-      : book(book), report(report), words(language), formats(book, language) {}
+      : book(book),
+        report(report),
+        words(language),
+        changeHead(words.Filled(Word::kChangeSince, {SinceWhen()})),
+        formats(book, language) {}
 
   void Write() {
     Sheet summary(book, names.NameFor(std::string(words[Word::kSummary]), ""));
@@ -162,6 +167,7 @@ class Workbook {
       summary.ScaleMissions(head + 1, row, kMedianColumn);
     }
     summary.Finish(head, row - 1);
+    row = WriteLeft(summary, row + 1);
     WriteUnread(summary, row + 1);
   }
 
@@ -217,6 +223,28 @@ class Workbook {
     }
   }
 
+  // Who is not there any more; answers the row below.
+  lxw_row_t WriteLeft(Sheet& sheet, lxw_row_t row) {
+    if (!report.since || report.since->left.empty()) {
+      return row;
+    }
+    sheet.Text(row++, 0, words.Filled(Word::kLeftSince, {SinceWhen()}), formats.head);
+    for (const Departed& departed : report.since->left) {
+      sheet.Text(row, 0, departed.group);
+      sheet.Text(row, 1, departed.teacher);
+      sheet.Text(row, 2, departed.name);
+      if (departed.mission) {
+        sheet.Number(row, 3, *departed.mission);
+      }
+      sheet.Text(row++, 4, departed.note);
+    }
+    return row;
+  }
+
+  std::string SinceWhen() const {
+    return report.since ? words.Date(report.since->Name()) : std::string();
+  }
+
   void WriteUnread(Sheet& sheet, lxw_row_t row) {
     for (const UnreadPlace& place : ListUnread(report)) {
       lxw_col_t column = 0;
@@ -236,6 +264,10 @@ class Workbook {
                               Word::kLastWork, Word::kRemark}) {
         head.push_back(words[word]);
       }
+    }
+    if (report.progress && report.since) {
+      head.push_back(changeHead);
+      head.push_back(words[Word::kChange]);
     }
     sheet.Head(0, head, formats.head);
     lxw_row_t row = 0;
@@ -258,10 +290,20 @@ class Workbook {
         sheet.Number(row, column++, number);
       }
       sheet.Time(row, column++, progress.lastWork, formats.date);
-      WriteRemark(sheet, row, column, student);
+      WriteRemark(sheet, row, column++, student);
+      WriteChange(sheet, row, column, student);
     } else if (student.unread) {
       constexpr lxw_col_t kRemarkColumn = 6;
       sheet.Text(row, kRemarkColumn, words.Filled(Word::kNotRead, {student.unread->what}));
+    }
+  }
+
+  void WriteChange(Sheet& sheet, lxw_row_t row, lxw_col_t column, const Student& student) {
+    if (student.change && student.change->missions) {
+      sheet.Number(row, column, *student.change->missions);
+    }
+    if (student.change) {
+      sheet.Text(row, static_cast<lxw_col_t>(column + 1), ChangeInWords(*student.change, words));
     }
   }
 
@@ -278,6 +320,7 @@ class Workbook {
   lxw_workbook* const book;
   const Report& report;
   const Words words;
+  const std::string changeHead;
   Formats formats;
   SheetNames names;
 };

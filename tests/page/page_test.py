@@ -124,12 +124,22 @@ class Pages(unittest.TestCase):
         run(BIN / "kivadmin", "progress", cls.roots["many"], "--class=Room",
             "--student=Student 500", "--mission=9", "--lessons-done=1-8", "--learned-keys=yes")
         cls.pages = {kind: cls.report(root, "html") for kind, root in cls.roots.items()}
+        teachers = cls.roots["teachers"]
+        kept = cls.folder / "kept"
+        kept.mkdir()
+        cls.report(teachers, "json").rename(kept / "2026-01-31.json")
+        old = kept / "2025-12-31.json"
+        old.write_text((kept / "2026-01-31.json").read_text("utf-8").replace("Ann Lee", "Ian Lee"))
+        old.write_text(re.sub(r'"written_at": "[^"]*"', '"written_at": "2025-12-31"',
+                              old.read_text("utf-8")), "utf-8")
+        cls.pages["change"] = cls.report(teachers, "html", "--since", old, "--history", kept)
+        cls.pages["student"] = cls.report(teachers, "html", "--student", "Ann Lee")
         cls.browser = Browser()
         cls.addClassCleanup(cls.browser.close)
 
     @classmethod
     def report(cls, root, form, *words, **environment):
-        path = cls.folder / f"{root.name}{''.join(words)}.{form}"
+        path = cls.folder / f"{len(list(cls.folder.iterdir()))}.{form}"
         run(BIN / "kivreport", root, "--format", form, "--output", path, "--force", *words,
             **environment)
         return path
@@ -196,6 +206,20 @@ class Pages(unittest.TestCase):
             told = {0: ["No student found"], 1: ["1 student found"], MANY + 1: []}
             self.assertEqual(self.texts("#found"), told.get(count, [f"{count} students found"]))
 
+    def test_a_change_and_its_course_are_told(self):
+        self.browser.open(self.pages["change"])
+        self.assertEqual(self.texts("[aria-labelledby=left] tbody th"), ["Ian Lee"])
+        rows = dict(zip(self.texts(f"{STUDENTS} th"), self.texts(f"{STUDENTS} td:nth-child(8)")))
+        self.assertEqual((rows["Ann Lee"], rows["José Núñez"]), ("new", "0"))
+        self.assertTrue([name for role, name in self.browser.named()
+                         if role == "image" and "over time: 31 Dec 2025: " in name])
+
+    def test_a_student_alone_has_missions_and_keys(self):
+        self.browser.open(self.pages["student"])
+        self.assertEqual(len(self.texts(".missions li")), 25)
+        self.assertEqual(len(self.texts(".missions .current")), 1)
+        self.assertEqual(len(self.texts(".keys rect + text")), 48)
+
     def test_all_can_be_read_without_the_script(self):
         self.browser.ask("Emulation.setScriptExecutionDisabled", value=True)
         try:
@@ -210,18 +234,20 @@ class Pages(unittest.TestCase):
             self.browser.open(path)
             named = self.browser.named()
             roles = {role for role, _ in named}
-            self.assertLessEqual({"table", "image", "searchbox", "main", "banner", "contentinfo",
-                                  "heading", "rowheader", "columnheader"}, roles, kind)
+            expected = {"image", "main", "banner", "contentinfo", "heading"}
+            if kind != "student":
+                expected |= {"table", "searchbox", "rowheader", "columnheader"}
+            self.assertLessEqual(expected, roles, kind)
             nameless = [role for role, name in named if not name and role in
                         ("table", "image", "button", "searchbox", "combobox", "heading", "link")]
             self.assertEqual(nameless, [], kind)
             levels = [int(level) for level in self.browser.run(
-                "[...document.querySelectorAll('h1,h2,h3')].map(e => e.localName[1])")]
+                "[...document.querySelectorAll('h1,h2,h3,h4,h5')].map(e => e.localName[1])")]
             self.assertEqual(levels[0], 1)
             self.assertTrue(all(b <= a + 1 for a, b in zip(levels, levels[1:])), levels)
 
     def test_text_is_readable_light_and_dark_and_no_page_is_wider_than_a_phone(self):
-        for kind in ("teachers", "hostile"):
+        for kind in ("teachers", "hostile", "change", "student"):
             self.browser.open(self.pages[kind])
             for scheme in ("light", "dark"):
                 self.browser.ask("Emulation.setEmulatedMedia", features=[

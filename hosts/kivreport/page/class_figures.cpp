@@ -24,10 +24,10 @@ ClassFigures FiguresOf(const Report& report, const Class& group) {
   }
   figures.known = missions.size();
   if (!missions.empty()) {
-    std::sort(missions.begin(), missions.end());
-    figures.least = missions.front();
-    figures.most = missions.back();
-    figures.median = (missions[(missions.size() - 1) / 2] + missions[missions.size() / 2]) / 2.0;
+    const auto [least, most] = std::minmax_element(missions.begin(), missions.end());
+    figures.least = *least;
+    figures.most = *most;
+    figures.median = Median(missions).value_or(0);
   }
   return figures;
 }

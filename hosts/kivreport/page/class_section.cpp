@@ -1,13 +1,14 @@
 #include "hosts/kivreport/page/class_section.h"
 
+#include "hosts/kivreport/page/change_cells.h"
 #include "hosts/kivreport/page/charts.h"
 #include "hosts/kivreport/page/class_figures.h"
 #include "hosts/kivreport/page/markup.h"
+#include "hosts/kivreport/page/student_sheet.h"
+#include "hosts/kivreport/page/timeline.h"
 
 namespace kivreport {
 namespace {
-
-constexpr const char* kNumber = "num";
 
 // Rows without end tags, which HTML does not ask for: a page has many.
 class StudentRows {
@@ -26,6 +27,7 @@ class StudentRows {
     } else if (student.progress) {
       AddProgress(*student.progress);
       AddRemark(student, standing);
+      AddChange(student);
     }
     rows += '\n';
   }
@@ -57,18 +59,35 @@ class StudentRows {
     }
   }
 
+  void AddChange(const Student& student) {
+    if (report.since) {
+      rows += "<td class=\"num\">" +
+              (student.change ? ChangeMarkup(*student.change, words) : std::string());
+    }
+    if (!report.times.empty()) {
+      rows += "<td>" + MissionLine(report, student, words);
+    }
+  }
+
   const Report& report;
   const Words& words;
   std::string rows;
 };
 
-std::string HeadRow(const Report& report, const Words& words) {
+std::string StudentHead(const Report& report, const Words& words) {
   std::string row = "<thead><tr>" + ColumnHead(words[Word::kStudent]);
   if (report.progress) {
     for (const Word word : {Word::kMission, Word::kPrevious, Word::kVocabulary, Word::kLessons}) {
-      row += ColumnHead(words[word], kNumber);
+      row += ColumnHead(words[word], kNumberColumn);
     }
     row += ColumnHead(words[Word::kLastWork]) + ColumnHead(words[Word::kRemark]);
+    if (report.since) {
+      const std::string when = words.Date(Escaped(report.since->Name()));
+      row += ColumnHead(words.Filled(Word::kChangeSince, {when}), kNumberColumn);
+    }
+    if (!report.times.empty()) {
+      row += ColumnHead(words[Word::kCourse], kFixedColumn);
+    }
   }
   return row + "</tr></thead>\n";
 }
@@ -80,7 +99,7 @@ std::string StudentTable(const ClassPlace& place, const Words& words) {
   }
   return "<div class=\"scroll\"><table class=\"students sortable\"><caption class=\"unseen\">" +
          words.Filled(Word::kStudentsOf, {place.FullName()}) + "</caption>\n" +
-         HeadRow(place.report, words) + "<tbody>\n" + rows.Take() + "</tbody></table></div>\n";
+         StudentHead(place.report, words) + "<tbody>\n" + rows.Take() + "</tbody></table></div>\n";
 }
 
 // "12 students · median mission 3 · from 3 to 9"
@@ -102,7 +121,15 @@ std::string FiguresLine(const ClassPlace& place, const ClassFigures& figures, co
   return "<p class=\"quiet\">" + line + "</p>\n";
 }
 
-std::string Contents(const ClassPlace& place, const Words& words) {
+std::string StudentSheets(const ClassPlace& place, const Words& words) {
+  std::string sheets;
+  for (const Student& student : place.group.students) {
+    sheets += StudentSheet(place.report, student, words);
+  }
+  return sheets;
+}
+
+std::string ClassContents(const ClassPlace& place, const Words& words) {
   std::string contents;
   if (place.group.unread) {
     const Word word = place.group.IsKnown() ? Word::kNotAllRead : Word::kNotRead;
@@ -111,11 +138,15 @@ std::string Contents(const ClassPlace& place, const Words& words) {
   if (place.group.students.empty()) {
     return place.group.unread ? contents : "<p>" + std::string(words[Word::kNoStudents]) + "</p>\n";
   }
+  if (place.sheets) {
+    return contents + StudentSheets(place, words);
+  }
   const ClassFigures figures = FiguresOf(place.report, place.group);
   contents += FiguresLine(place, figures, words);
   if (figures.known > 0) {
     contents += ColumnChart(figures, place.FullName(), words);
   }
+  contents += MedianTimeline(place.report, place.group, place.FullName(), words);
   return contents + StudentTable(place, words);
 }
 
@@ -138,7 +169,7 @@ std::string ClassSection(const ClassPlace& place, const Words& words) {
   const char level = place.report.network ? '3' : '2';
   return "<section class=\"group\" id=\"c" + number + "\" aria-labelledby=\"h" + number +
          "\">\n<h" + level + " id=\"h" + number + "\"><bdi>" + Escaped(place.group.name) +
-         "</bdi>" + teacher + "</h" + level + ">\n" + Contents(place, words) + "</section>\n";
+         "</bdi>" + teacher + "</h" + level + ">\n" + ClassContents(place, words) + "</section>\n";
 }
 
 }  // namespace kivreport

@@ -14,6 +14,7 @@ struct ClassPlace {
   const Teacher& teacher;
   const Class& group;
   size_t number;  // from 1, over the whole report
+  bool sheets;    // a sheet for each student, and no table
 
   // "Room 12, Ms Hill", escaped.
   std::string FullName() const;
@@ -21,8 +22,10 @@ struct ClassPlace {
 
 std::string ClassSection(const ClassPlace& place, const Words& words);
 
-// The head of a column. A kind is how it is laid out and sorted: "num", or "fixed" for one that is
-// not.
+// How a column is laid out and sorted: as numbers, or not at all.
+inline constexpr const char* kNumberColumn = "num";
+inline constexpr const char* kFixedColumn = "fixed";
+
 std::string ColumnHead(std::string_view text, const char* kind = nullptr);
 
 }  // namespace kivreport

@@ -21,7 +21,7 @@ bool IsPlain(std::string_view text) {
 }
 
 // Appends the first character and answers its length.
-size_t Take(std::string& presentable, std::string_view text) {
+size_t TakeCharacter(std::string& presentable, std::string_view text) {
   const char first = text.front();
   if (first == '\t' || first == '\n' || first == '\r') {
     presentable += ' ';
@@ -61,7 +61,7 @@ std::string Presentable(std::string_view text) {
   }
   std::string presentable;
   while (!text.empty()) {
-    text.remove_prefix(Take(presentable, text));
+    text.remove_prefix(TakeCharacter(presentable, text));
   }
   return presentable;
 }

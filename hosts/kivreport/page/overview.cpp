@@ -8,15 +8,15 @@
 namespace kivreport {
 namespace {
 
-constexpr const char* kNumber = "num";
-
-std::string HeadRow(const Report& report, const Words& words) {
-  std::string row =
-      "<thead><tr>" + ColumnHead(words[Word::kClass]) + ColumnHead(words[Word::kHowMany], kNumber);
+std::string OverviewHead(const Report& report, const Words& words) {
+  std::string row = "<thead><tr>" + ColumnHead(words[Word::kClass]) +
+                    ColumnHead(words[Word::kHowMany], kNumberColumn);
   if (report.progress) {
-    row += ColumnHead(words[Word::kMedian], kNumber) + ColumnHead(words[Word::kFromTo], kNumber) +
-           ColumnHead(words[Word::kStand], "fixed") + ColumnHead(words[Word::kNotBegun], kNumber) +
-           ColumnHead(words[Word::kIdle], kNumber);
+    row += ColumnHead(words[Word::kMedian], kNumberColumn) +
+           ColumnHead(words[Word::kFromTo], kNumberColumn) +
+           ColumnHead(words[Word::kStand], kFixedColumn) +
+           ColumnHead(words[Word::kNotBegun], kNumberColumn) +
+           ColumnHead(words[Word::kIdle], kNumberColumn);
   }
   return row + "</tr></thead>\n";
 }
@@ -33,7 +33,7 @@ std::string FiguresCells(const ClassPlace& place, const Words& words) {
          "<td>" + std::to_string(figures.idle);
 }
 
-std::string Row(const ClassPlace& place, const Words& words) {
+std::string ClassRow(const ClassPlace& place, const Words& words) {
   std::string row = "<tr><th scope=\"row\"><a href=\"#c" + std::to_string(place.number) +
                     "\"><bdi>" + Escaped(place.group.name) + "</bdi></a>";
   if (!place.teacher.name.empty()) {
@@ -50,7 +50,7 @@ std::string OverviewSection(const Report& report, const Words& words) {
   size_t number = 0;
   for (const Teacher& teacher : report.teachers) {
     for (const Class& group : teacher.classes) {
-      rows += Row({report, teacher, group, ++number}, words);
+      rows += ClassRow({report, teacher, group, ++number, false}, words);
     }
   }
   if (rows.empty()) {
@@ -61,7 +61,7 @@ std::string OverviewSection(const Report& report, const Words& words) {
   return "<section id=\"overview\" aria-labelledby=\"glance\">\n<h2 id=\"glance\">" +
          std::string(words[Word::kOverview]) + "</h2>\n<div class=\"box\">\n" + legend +
          "<div class=\"scroll\"><table class=\"overview sortable\"><caption class=\"unseen\">" +
-         std::string(words[Word::kOverviewCaption]) + "</caption>\n" + HeadRow(report, words) +
+         std::string(words[Word::kOverviewCaption]) + "</caption>\n" + OverviewHead(report, words) +
          "<tbody>\n" + rows + "</tbody></table></div>\n</div>\n</section>\n";
 }
 

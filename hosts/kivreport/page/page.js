@@ -15,7 +15,8 @@
     if (text === "") {
       return null;
     }
-    return isNumber ? parseFloat(text.replace(",", ".")) : text;
+    const number = isNumber ? parseFloat(text.replace(",", ".")) : text;
+    return Number.isNaN(number) ? null : number;
   };
 
   const compare = (a, b, direction) => {

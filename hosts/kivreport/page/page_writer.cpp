@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "hosts/kivreport/page/change_cells.h"
 #include "hosts/kivreport/page/charts.h"
 #include "hosts/kivreport/page/class_figures.h"
 #include "hosts/kivreport/page/class_section.h"
@@ -13,19 +14,24 @@
 namespace kivreport {
 namespace {
 
+constexpr size_t kLargeReport = 2000;  // students: more take a browser seconds to lay out
+
 class Page {
  public:
-  Page(std::ostream& out, const Report& report, Language language)
-      : out(out), report(report), words(language) {}
+  Page(std::ostream& out, const Report& report, Language language, bool sheets)
+      : out(out), report(report), words(language), sheets(sheets) {}
 
   void Write() {
     WriteHead();
     WriteHeader();
     out << "<main>\n";
     WriteUnread();
-    WriteCounts();
-    WriteSearch();
-    out << AxisDefinition() << OverviewSection(report, words) << "<div id=\"classes\">\n";
+    if (!sheets) {
+      WriteCounts();
+      WriteSearch();
+      out << AxisDefinition() << OverviewSection(report, words);
+    }
+    out << LeftSection(report, words) << "<div id=\"classes\">\n";
     for (const Teacher& teacher : report.teachers) {
       WriteTeacher(teacher);
     }
@@ -44,8 +50,9 @@ class Page {
            "<meta name=\"referrer\" content=\"no-referrer\">\n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>"
         << Escaped(report.school) << ": " << words[Word::kReport] << "</title>\n<style>"
-        << kPageStyle << "</style>\n</head>\n<body>\n<a class=\"skip\" href=\"#classes\">"
-        << words[Word::kSkip] << "</a>\n";
+        << kPageStyle << "</style>\n</head>\n<body"
+        << (report.CountStudents() > kLargeReport ? " class=\"large\"" : "")
+        << ">\n<a class=\"skip\" href=\"#classes\">" << words[Word::kSkip] << "</a>\n";
   }
 
   void WriteHeader() {
@@ -54,10 +61,21 @@ class Page {
         << Escaped(report.school) << "</bdi></h1>\n<p class=\"quiet\">"
         << words.Filled(Word::kAsOf, {TimeMarkup()}) << " · <bdi>" << Escaped(report.root)
         << "</bdi></p>\n";
+    WritePart();
     if (isComplete) {
       out << "<p class=\"quiet\">" << words[Word::kComplete] << "</p>\n";
     }
     out << "</header>\n";
+  }
+
+  void WritePart() {
+    std::string names;
+    for (const auto& [kind, name] : report.part) {
+      names += (names.empty() ? "<bdi>" : ", <bdi>") + Escaped(name) + "</bdi>";
+    }
+    if (!names.empty()) {
+      out << "<p class=\"quiet\">" << words.Filled(Word::kPart, {names}) << "</p>\n";
+    }
   }
 
   // "22 Nov 2026, 10:15"
@@ -157,7 +175,7 @@ class Page {
       out << "<p>" << words[Word::kNoClasses] << "</p>\n";
     }
     for (const Class& group : teacher.classes) {
-      out << ClassSection({report, teacher, group, ++place}, words);
+      out << ClassSection({report, teacher, group, ++place, sheets}, words);
     }
     out << "</section>\n";
   }
@@ -165,13 +183,14 @@ class Page {
   std::ostream& out;
   const Report& report;
   const Words words;
+  const bool sheets;
   size_t place = 0;  // of the last class written
 };
 
 }  // namespace
 
-void WritePage(std::ostream& out, const Report& report, Language language) {
-  Page(out, report, language).Write();
+void WritePage(std::ostream& out, const Report& report, Language language, bool sheets) {
+  Page(out, report, language, sheets).Write();
 }
 
 }  // namespace kivreport

@@ -12,6 +12,7 @@
 
 namespace kivreport {
 
-void WritePage(std::ostream& out, const Report& report, Language language);
+// With `sheets` each student is shown alone, with all that is known.
+void WritePage(std::ostream& out, const Report& report, Language language, bool sheets);
 
 }  // namespace kivreport

@@ -82,6 +82,31 @@ constexpr Entry kEntries[] = {
     {Word::kStore, {"Store", "Datenablage"}},
     {Word::kWritten, {"As of", "Stand"}},
     {Word::kState, {"State", "Zustand"}},
+    {Word::kNew, {"new", "neu"}},
+    {Word::kOtherClass, {"from another class", "aus einer anderen Klasse"}},
+    {Word::kUnsure, {"not sure", "nicht sicher"}},
+    {Word::kLeft, {"left", "nicht mehr da"}},
+    {Word::kLeftSince, {"No longer there since {}", "Nicht mehr da seit {}"}},
+    {Word::kChangeSince, {"Since {}", "Seit {}"}},
+    {Word::kChange, {"Change", "Veränderung"}},
+    {Word::kTimeline, {"Median mission over time", "Mission im Median im Lauf der Zeit"}},
+    {Word::kTimelineOf,
+     {"Median mission of {} over time: ", "Mission im Median der Klasse {} im Lauf der Zeit: "}},
+    {Word::kCourse, {"Over time", "Verlauf"}},
+    {Word::kWeakest,
+     {"Keys with the largest share of errors:", "Tasten mit dem größten Fehleranteil:"}},
+    {Word::kSpaceBar, {"space", "Leertaste"}},
+    {Word::kKeys, {"How the keys go", "Wie die Tasten gehen"}},
+    {Word::kBothHands, {"All keys", "Alle Tasten"}},
+    {Word::kLeftHand, {"Left hand", "Linke Hand"}},
+    {Word::kRightHand, {"Right hand", "Rechte Hand"}},
+    {Word::kKeystrokes, {"{} keystrokes, {} errors ({})", "{} Anschläge, {} Fehler ({})"}},
+    {Word::kLessonDone, {"lesson done", "Lektion fertig"}},
+    {Word::kMissionsLegend,
+     {"Filled: the lesson is done. Framed: the current mission.",
+      "Gefüllt: die Lektion ist fertig. Umrahmt: die jetzige Mission."}},
+    {Word::kNoGame, {"No saved game.", "Kein gespeichertes Spiel."}},
+    {Word::kPart, {"Only: {}", "Nur: {}"}},
 };
 
 constexpr bool IsInOrder() {
@@ -151,10 +176,12 @@ std::string Words::Date(std::string_view time) const {
   if (month < 1 || month > 12) {
     return std::string(time);
   }
-  const std::string year(time.substr(0, 4)), day(time.substr(8, 2));
+  const std::string year(time.substr(0, 4));
+  std::string day(time.substr(8, 2));
   if (language == Language::kGerman) {
     return day + '.' + std::string(time.substr(5, 2)) + '.' + year;
   }
+  day.erase(0, day[0] == '0');
   return day + ' ' + kMonths[month - 1] + ' ' + year;
 }
 

@@ -73,6 +73,27 @@ enum class Word {
   kStore,
   kWritten,
   kState,
+  kNew,
+  kOtherClass,
+  kUnsure,
+  kLeft,
+  kLeftSince,
+  kChangeSince,
+  kChange,
+  kTimeline,
+  kTimelineOf,
+  kCourse,
+  kWeakest,
+  kSpaceBar,
+  kKeys,
+  kBothHands,
+  kLeftHand,
+  kRightHand,
+  kKeystrokes,
+  kLessonDone,
+  kMissionsLegend,
+  kNoGame,
+  kPart,
   kCount
 };
 
@@ -88,7 +109,7 @@ class Words {
   std::string Counted(Word word, size_t count) const;
   // One of them, as it stands.
   std::string_view FormFor(Word word, size_t count) const;
-  // "2026-11-20T10:15:00" as "20 Nov 2026", "20.11.2026"; as it is if it is no such time.
+  // "2026-11-02T10:15:00" as "2 Nov 2026", "02.11.2026"; as it is if it is no such time.
   std::string Date(std::string_view time) const;
   // A half has a decimal sign of the language: "3.5", "3,5".
   std::string Half(double number) const;
