@@ -51,6 +51,8 @@ echo "Checking it after an accident:"
 echo
 echo "The networked store, $network:"
 "$report" "$network"
+"$report" "$network" --format html --output "$demo/report.html"
+echo "The same as a page for a browser: $demo/report.html"
 
 echo
 echo "Laying out the local store, $local:"
