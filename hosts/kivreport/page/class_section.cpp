@@ -166,10 +166,9 @@ std::string ClassSection(const ClassPlace& place, const Words& words) {
   const std::string teacher =
       place.teacher.name.empty() ? ""
                                  : " <small><bdi>" + Escaped(place.teacher.name) + "</bdi></small>";
-  const char level = place.report.network ? '3' : '2';
   return "<section class=\"group\" id=\"c" + number + "\" aria-labelledby=\"h" + number +
-         "\">\n<h" + level + " id=\"h" + number + "\"><bdi>" + Escaped(place.group.name) +
-         "</bdi>" + teacher + "</h" + level + ">\n" + ClassContents(place, words) + "</section>\n";
+         "\">\n<h3 id=\"h" + number + "\"><bdi>" + Escaped(place.group.name) + "</bdi>" + teacher +
+         "</h3>\n" + ClassContents(place, words) + "</section>\n";
 }
 
 }  // namespace kivreport

@@ -57,7 +57,7 @@
   // Each class with its students, and what each of them is found by.
   let groups = null;
   const readGroups = () => [...document.querySelectorAll("section.group")].map((section) => {
-    const title = fold(section.querySelector("h2, h3").textContent);
+    const title = fold(section.querySelector("h3").textContent);
     const rows = [...section.querySelectorAll("tbody tr")];
     return {section, rows: rows.map((row) => [row, fold(row.cells[0].textContent) + " " + title])};
   });

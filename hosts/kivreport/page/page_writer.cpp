@@ -165,6 +165,8 @@ class Page {
     out << "<section class=\"teacher\">\n";
     if (report.network) {
       out << "<h2><bdi>" << Escaped(teacher.name) << "</bdi></h2>\n";
+    } else {
+      out << "<h2 class=\"unseen\">" << words.FormFor(Word::kClasses, 2) << "</h2>\n";
     }
     if (teacher.unread) {
       out << "<p>"
