@@ -13,9 +13,12 @@ bool IsDots(const FolderEntry& entry) {
 }
 
 bool IsAccepted(const FolderEntry& entry, uint16_t mask) {
-  const int kind = entry.attributes.folder ? SFileFinder::kFolders : SFileFinder::kFiles;
-  const int visibility = entry.attributes.hidden ? SFileFinder::kHidden : SFileFinder::kVisible;
-  return (mask & kind) != 0 && (mask & visibility) != 0 && !IsDots(entry);
+  using Finder = SFileFinder;
+  static constexpr uint16_t kAsked[2][2] = {
+      {Finder::kFiles | Finder::kVisible, Finder::kFiles | Finder::kHidden},
+      {Finder::kFolders | Finder::kVisible, Finder::kFolders | Finder::kHidden}};
+  const uint16_t asked = kAsked[entry.attributes.folder][entry.attributes.hidden];
+  return (mask & asked) == asked && !IsDots(entry);
 }
 
 }  // namespace
@@ -39,12 +42,11 @@ bool SFileFinder::NextEntry(FolderEntry& entry) {
   if (!started && !Start()) {
     return false;
   }
-  while (active && walk->Next(entry)) {
+  while (walk != nullptr && walk->Next(entry)) {
     if (IsAccepted(entry, mask)) {
       return true;
     }
   }
-  active = false;
   if (walk != nullptr) {
     failed = walk->HasFailed();
     walk.reset();
@@ -64,12 +66,11 @@ bool SFileFinder::Start() {
     search[1 + ending.copy(search + 1, sizeof search - 2)] = '\0';
     walk = Platform().files->Walk(spec.GetPathText(), search, error);
   }
-  active = walk != nullptr;
-  if (active && (mask & kFiles) == 0) {
+  failed = walk == nullptr;
+  if (!failed && (mask & kFiles) == 0) {
     walk->AskFoldersOnly();
   }
-  failed = !active;
-  return active || NoteFileFailure(spec.GetPath(), error);
+  return !failed || NoteFileFailure(spec.GetPath(), error);
 }
 
 }  // namespace kivstore

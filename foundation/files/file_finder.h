@@ -35,7 +35,6 @@ class SFileFinder {
   bool Start();
 
   SFileSpec spec;
-  bool active = false;
   bool started = false;
   bool failed = false;
   uint16_t mask;

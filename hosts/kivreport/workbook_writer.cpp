@@ -109,7 +109,7 @@ class Sheet {
     scale.min_rule_type = scale.mid_rule_type = scale.max_rule_type =
         LXW_CONDITIONAL_RULE_TYPE_NUMBER;
     scale.min_value = 1;
-    scale.mid_value = (1 + kMissions) / 2;
+    scale.mid_value = (1 + kMissions) / 2.0;
     scale.max_value = kMissions;
     scale.min_color = 0xF8A7A0;
     scale.mid_color = 0xFFF0B3;

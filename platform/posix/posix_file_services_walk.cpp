@@ -41,6 +41,7 @@ class PosixFolderWalk : public IFolderWalk {
   bool Shows(const RawEntry& raw) const;
   bool LeadsToFolder(const RawEntry& raw) const;
   unsigned char AskType(const RawEntry& raw) const;
+  FileAttributes AttributesOf(const RawEntry& raw, unsigned char type) const;
   bool BearsHiddenMark(const RawEntry& raw) const;
 
   FolderReader reader;
@@ -84,6 +85,15 @@ unsigned char PosixFolderWalk::AskType(const RawEntry& raw) const {
   return static_cast<unsigned char>(IFTODT(facts.st_mode));
 }
 
+// Of what is no folder itself.
+FileAttributes PosixFolderWalk::AttributesOf(const RawEntry& raw, unsigned char type) const {
+  FileAttributes attributes;
+  attributes.link = type == DT_LNK;
+  attributes.folder = type == DT_LNK && LeadsToFolder(raw);
+  attributes.special = type != DT_LNK && type != DT_REG;
+  return attributes;
+}
+
 bool PosixFolderWalk::BearsHiddenMark(const RawEntry& raw) const {
   char path[4096 + 256];
   std::snprintf(path, sizeof path, "%s/%s", markedFolder.get(), raw.name);
@@ -101,11 +111,12 @@ bool PosixFolderWalk::Next(FolderEntry& entry) {
   const bool dot = raw.name[0] == '.';
   entry.name = raw.name;
   entry.nameLength = raw.nameLength;
-  entry.attributes.link = type == DT_LNK;
-  entry.attributes.folder = type == DT_DIR || (type == DT_LNK && LeadsToFolder(raw));
-  entry.attributes.special = type != DT_DIR && type != DT_LNK && type != DT_REG;
-  const bool isToBeAsked = markedFolder != nullptr && (asksFiles || entry.attributes.folder);
-  entry.attributes.hidden = dot ? !raw.IsDots() : isToBeAsked && BearsHiddenMark(raw);
+  entry.attributes = type == DT_DIR ? FileAttributes{.folder = true} : AttributesOf(raw, type);
+  if (dot) {
+    entry.attributes.hidden = !raw.IsDots();
+  } else if (markedFolder != nullptr && (asksFiles || entry.attributes.folder)) {
+    entry.attributes.hidden = BearsHiddenMark(raw);
+  }
   return true;
 }
 

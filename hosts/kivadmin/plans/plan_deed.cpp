@@ -131,6 +131,7 @@ void PlanDeed::AddClass(PlanStep& step) {
 void PlanDeed::AddStudents(SchoolClass& group, std::vector<PlanStep*>& steps,
                            const std::function<void()>& advance) {
   std::vector<SNewcomer> newcomers;
+  newcomers.reserve(steps.size());
   for (const PlanStep* const step : steps) {
     newcomers.push_back({step->name.first, step->name.last});
   }
