@@ -75,9 +75,10 @@ std::string BackupManifest::Text() const {
 }
 
 std::string BackupManifest::Counts() const {
-  return (kind == SiteKind::kTeachers ? kivhost::Counted(teachers, "teacher") + ", " : "") +
-         kivhost::Counted(classes, "class", "classes") + ", " +
-         kivhost::Counted(students, "student");
+  const auto number = [](uint64_t count) { return static_cast<size_t>(count); };
+  return (kind == SiteKind::kTeachers ? kivhost::Counted(number(teachers), "teacher") + ", " : "") +
+         kivhost::Counted(number(classes), "class", "classes") + ", " +
+         kivhost::Counted(number(students), "student");
 }
 
 BackupManifest BackupManifest::Parse(const std::string& text, const std::string& path) {

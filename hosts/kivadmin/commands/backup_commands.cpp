@@ -69,7 +69,8 @@ void Backup(const CommonOptions& common, const BackupArguments& arguments) {
   const BackupManifest manifest = writer.Run();
   zip.Finish();
   session.Say("backed up " + manifest.Counts() + " to " + arguments.file + ": " +
-              kivhost::Counted(manifest.files, "file") + AtWorkText(writer.CountAtWork()));
+              kivhost::Counted(static_cast<size_t>(manifest.files), "file") +
+              AtWorkText(writer.CountAtWork()));
   TellLeftOut(manifest);
   NeedComplete(manifest, arguments.file);
 }
@@ -131,7 +132,7 @@ void RestoreAll(const CommonOptions& common, const RestoreArguments& arguments) 
   NewRoot place(root, !common.dryRun);
   const Session session(options, Session::Access::kLayOut);
   const BackupManifest& manifest = backup.GetManifest();
-  kivhost::ProgressBar bar("files", manifest.files, false);
+  kivhost::ProgressBar bar("files", static_cast<size_t>(manifest.files), false);
   const kivhost::Interruption interruption;
   RestoreStore(session, backup, StepOf(bar, interruption, "nothing was restored"));
   place.Keep();
