@@ -84,6 +84,9 @@ class SFileSpec {
   bool CreateFile(const SFileType& type, int32_t a, int32_t b, int32_t c);
   bool CreateFile(int32_t a, int32_t b, int32_t c);
   bool CreateFolder(uint32_t mode);
+  // Ends on a folder, which another program may make at the same moment. Makes none in place of a
+  // file.
+  bool EnsureFolder();
   // Copies this file, or this folder with all it holds, into `destination` under `name`.
   bool CopyTo(const SFileSpec& destination, const SString& name) const;
   // Checks that both are there, builds the target and answers false in every case.
@@ -124,6 +127,7 @@ class SFileSpec {
   bool DownAtOnce(std::initializer_list<const SString*> names);
   void SplitFileName();
 
+  bool MakeFolder(uint32_t mode, SystemError& error);
   SString WithoutBackslash() const;
   void LeaveCurrentFolder() const;
   bool DeleteStep(bool recursive, int depth);

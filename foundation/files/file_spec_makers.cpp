@@ -27,8 +27,19 @@ bool SFileSpec::CreateFile(int32_t, int32_t, int32_t) {
 
 bool SFileSpec::CreateFolder(uint32_t mode) {
   SystemError error = SystemError::kPathNotFound;
+  return MakeFolder(mode, error) || NoteFileFailure(path, error);
+}
+
+bool SFileSpec::EnsureFolder() {
+  SystemError error = SystemError::kPathNotFound;
+  return IsExistingFolder() || MakeFolder(0, error) ||
+         (error == SystemError::kAlreadyExists && Refresh() && isFolder) ||
+         NoteFileFailure(path, error);
+}
+
+bool SFileSpec::MakeFolder(uint32_t mode, SystemError& error) {
   if (!valid || !Platform().files->MakeFolder(path.GetText(), mode, error)) {
-    return NoteFileFailure(path, error);
+    return false;
   }
   exists = true;
   if (!isFolder) {

@@ -15,8 +15,7 @@ namespace {
 // The list's own folder, the last name of the way: placing stays on the first that is missing, and
 // whoever the list belongs to is not made by looking at it.
 bool MakeIfMissing(SFileSpec& spec, const SString& name) {
-  return spec.IsExistingFolder() ||
-         (spec.IsValid() && !spec.Exists() && spec.GetFileName() == name && spec.CreateFolder(0));
+  return spec.IsExistingFolder() || (spec.GetFileName() == name && spec.EnsureFolder());
 }
 
 void AddDefaultTeacher(SSite& site) {

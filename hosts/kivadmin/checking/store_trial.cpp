@@ -30,7 +30,10 @@ SFileSpec TrialFolderOf(const Session& session) {
 // The folder of a trial, as long as it lasts.
 class TrialFolder {
  public:
-  explicit TrialFolder(const SFileSpec& place) : spec(place), isOurs(spec.CreateFolder(0)) {}
+  // The other machine may have made it since the look that `place` remembers.
+  explicit TrialFolder(const SFileSpec& place) : spec(place), isOurs(spec.CreateFolder(0)) {
+    spec.Refresh();
+  }
   ~TrialFolder() {
     if (isOurs) {
       spec.Delete(true);

@@ -30,8 +30,7 @@ SFileSpec DeletedFolder(const Session& session) {
 }
 
 void NeedFolder(const Session& session, SFileSpec& spec) {
-  session.Need("make the folder", spec,
-               [&] { return spec.IsExistingFolder() || (!spec.Exists() && spec.CreateFolder(0)); });
+  session.Need("make the folder", spec, [&] { return spec.EnsureFolder(); });
 }
 
 // A subfolder of its own for each delete, also of two within a second.
@@ -41,11 +40,16 @@ SFileSpec NewPlace(const Session& session, const SString& folderName) {
   const SString stem = SString(TimeText("%Y%m%d-%H%M%S-", 0).c_str()) + folderName;
   SFileSpec place(deleted);
   place.Down(stem);
-  for (int again = 2; place.Exists(); ++again) {
-    place = deleted;
-    place.Down(stem + SString(("-" + std::to_string(again)).c_str()));
-  }
-  session.Need("make the folder", place, [&] { return place.CreateFolder(0); });
+  session.Need("make the folder", place, [&] {
+    for (int again = 2; !place.CreateFolder(0); ++again) {
+      if (!place.Refresh()) {
+        return false;
+      }
+      place = deleted;
+      place.Down(stem + SString(("-" + std::to_string(again)).c_str()));
+    }
+    return true;
+  });
   return place;
 }
 

@@ -19,9 +19,7 @@ constexpr const char* kOptionsLock = "options.lok";
 
 // A folder that is there afterwards, or an error.
 SFileSpec NeedFolder(const Session& session, SFileSpec spec) {
-  session.Need("make the folder", spec, [&] {
-    return spec.IsValid() && (spec.Exists() || spec.CreateFolder(0)) && spec.IsExistingFolder();
-  });
+  session.Need("make the folder", spec, [&] { return spec.EnsureFolder(); });
   return spec;
 }
 

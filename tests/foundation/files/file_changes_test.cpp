@@ -81,6 +81,11 @@ TEST_F(FileChanges, LeaveWhatTheyNameAndNothingElse) {
   const Act removeAll = [](SFileSpec& s) { return s.Delete(true); };
   const Act make = [](SFileSpec& s) { return s.CreateFile(0, 0, 0); };
   const Act makeFolder = [](SFileSpec& s) { return s.CreateFolder(0); };
+  // Another program comes first, with a folder or a file.
+  const Act ensure = [](SFileSpec& s) { return SFileSpec(s).CreateFolder(0), s.EnsureFolder(); };
+  const Act ensureLate = [](SFileSpec& s) {
+    return SFileSpec(s).CreateFile(0, 0, 0) && s.EnsureFolder();
+  };
   const Act fix = [](SFileSpec& s) { return s.SetReadOnly(); };
   const Act hide = [](SFileSpec& s) { return s.SetHidden(true); };
   const Act open = [](SFileSpec& s) { return SFile().Open(SFile::kRead, s); };
@@ -123,6 +128,11 @@ TEST_F(FileChanges, LeaveWhatTheyNameAndNothingElse) {
       {"FILE", makeFolder, "FILE 183"},
       {"to", makeFolder, "to/ 183"},
       {"no/where", makeFolder, " 3"},
+      {"new", ensure, "done +new"},
+      {"to", ensure, "done"},
+      {"FILE", ensure, "FILE 183"},
+      {"new", ensureLate, "new 183 +new"},
+      {"new", ensure, "new 19", "MakeFolder", "new", kWriteProtected},
       {"file", rename(longest), "done -file +" + longest},
       {"to", rename("new"), "done -to -to/file +new +new/file"},
       {"to/missing", rename("x"), "done"},
