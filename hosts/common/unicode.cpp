@@ -66,6 +66,10 @@ std::string FoldCase(std::string_view utf8) {
   return Mapped(utf8, UTF8PROC_COMPOSE | UTF8PROC_CASEFOLD);
 }
 
+bool EqualLetters(std::string_view a, std::string_view b) {
+  return FoldCase(a) == FoldCase(b);
+}
+
 std::string FoldAccents(std::string_view utf8) {
   return Mapped(utf8, UTF8PROC_DECOMPOSE | UTF8PROC_CASEFOLD | UTF8PROC_STRIPMARK);
 }
@@ -109,12 +113,17 @@ std::string_view FirstCells(std::string_view utf8, size_t cells) {
 
 std::string WithoutHidden(std::string_view utf8) {
   std::string text;
-  ForEachCharacter(utf8, [&](utf8proc_int32_t character) {
+  const auto take = [&](utf8proc_int32_t character) {
     utf8proc_uint8_t encoded[4];
     const auto length = static_cast<size_t>(utf8proc_encode_char(character, encoded));
+    utf8.remove_prefix(length);
     text += IsHidden(character) ? "?" : std::string(encoded, encoded + length);
     return true;
-  });
+  };
+  while (!ForEachCharacter(utf8, take)) {
+    utf8.remove_prefix(1);
+    text += '?';
+  }
   return text;
 }
 

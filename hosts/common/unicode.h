@@ -14,6 +14,7 @@ bool IsUtf8(std::string_view text);
 std::string Composed(std::string_view utf8);
 // For comparing: letter case does not count, nor whether an accent is a character of its own.
 std::string FoldCase(std::string_view utf8);
+bool EqualLetters(std::string_view a, std::string_view b);
 // For searching: accents do not count either.
 std::string FoldAccents(std::string_view utf8);
 
@@ -25,7 +26,7 @@ bool HasHiddenCharacter(std::string_view utf8);
 size_t CountCells(std::string_view utf8);
 // As much of it from the start as these columns hold, in whole characters as a reader sees them.
 std::string_view FirstCells(std::string_view utf8, size_t cells);
-// With a question mark for each hidden character.
+// With a question mark for each hidden character, and for each byte that is no UTF-8.
 std::string WithoutHidden(std::string_view utf8);
 
 }  // namespace kivhost

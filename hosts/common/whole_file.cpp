@@ -28,8 +28,8 @@ bool IsOfStore(const fs::path& path) {
     if (isNamed(name, kClassesFolder)) {
       return true;
     }
-    const bool isBesideClasses =
-        isNamed(name, "Deleted") || isNamed(name, "kivstore.conf") || isNamed(name, "kivadmin.log");
+    const bool isBesideClasses = isNamed(name, "Deleted") || isNamed(name, "kivstore.conf") ||
+                                 isNamed(name, "kivadmin.log") || isNamed(name, "kivadmin.lok");
     if (isBesideClasses && fs::exists(at.parent_path() / kClassesFolder, unknown)) {
       return true;
     }

@@ -15,6 +15,7 @@
 #include "hosts/common/console.h"
 #include "hosts/common/unicode.h"
 #include "hosts/common/whole_file.h"
+#include "hosts/common/zip_end.h"
 #include "hosts/common/zip_stream.h"
 
 namespace kivhost {
@@ -95,45 +96,6 @@ std::string WhatIsWrongWith(ZipStream& stream) {
 uint32_t CrcOf(std::string_view bytes, uint32_t before = 0) {
   const auto* const data = reinterpret_cast<const Bytef*>(bytes.data());
   return static_cast<uint32_t>(crc32_z(before, data, bytes.size()));
-}
-
-void AppendNumber(std::string& bytes, uint64_t value, int width) {
-  for (int i = 0; i < width; ++i) {
-    bytes += static_cast<char>(value >> (8 * i));
-  }
-}
-
-// The end of a zip file names in two bytes how many entries it has. For more a second form of it
-// stands ahead, with a locator behind, which minizip writes only where the file is beyond 4 GB.
-void WriteLargeEnd(ZipStream& stream, uint64_t count) {
-  constexpr int kEnd = 22;
-  const int64_t place = stream.Size() - kEnd;
-  const std::string end = stream.ReadAt(place, kEnd);
-  const auto number = [&](size_t at) {
-    uint64_t value = 0;
-    for (size_t i = 4; i > 0; --i) {
-      value = value << 8 | static_cast<unsigned char>(end[at + i - 1]);
-    }
-    return value;
-  };
-  constexpr uint64_t kElsewhere = 0xFFFFFFFF;
-  if (end.size() < kEnd || number(16) == kElsewhere) {
-    return;
-  }
-  std::string large = "PK\6\6";
-  AppendNumber(large, 44, 8);  // what follows
-  AppendNumber(large, 45, 2);  // the version of the format that made it, and that reads it
-  AppendNumber(large, 45, 2);
-  AppendNumber(large, 0, 8);  // of the disks
-  AppendNumber(large, count, 8);
-  AppendNumber(large, count, 8);
-  AppendNumber(large, number(12), 8);  // the size of the list, and its place
-  AppendNumber(large, number(16), 8);
-  large += "PK\6\7";
-  AppendNumber(large, 0, 4);
-  AppendNumber(large, static_cast<uint64_t>(place), 8);
-  AppendNumber(large, 1, 4);
-  stream.WriteAt(place, large + end);
 }
 
 // The format tells no time before its first year.
@@ -386,9 +348,8 @@ void ZipWriter::Finish() {
 }
 
 void ZipWriter::Close() {
-  constexpr size_t kMostOfOldForm = 0xFFFF;
   const int result = zipClose(std::exchange(state->zip, nullptr), nullptr);
-  if (result == ZIP_OK && written.size() > kMostOfOldForm) {
+  if (result == ZIP_OK && !FitsPlainEnd(written.size())) {
     WriteLargeEnd(state->stream, written.size());
   }
   state->stream.Flush();

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 
+#include "hosts/common/unicode.h"
 #include "hosts/kivadmin/session/session.h"
 #include "platform/base/bytes.h"
 #include "store/place/display_name.h"
@@ -107,7 +108,7 @@ BackupEntry FindEntry(const BackupReader& backup, const std::string& list, const
   std::vector<BackupEntry> found;
   for (size_t i = 0; i < entries.size(); ++i) {
     const std::string shown = backup.Show(DisplayName(entries[i].entry));
-    if (place ? static_cast<size_t>(*place) == i + 1 : kivhost::EqualNoCase(shown, name)) {
+    if (place ? static_cast<size_t>(*place) == i + 1 : kivhost::EqualLetters(shown, name)) {
       found.push_back(entries[i]);
     }
   }

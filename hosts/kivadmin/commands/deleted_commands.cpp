@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "hosts/common/unicode.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
 #include "hosts/kivadmin/commands/confirmation.h"
@@ -46,7 +47,7 @@ const DeletedEntry& FindDeleted(const std::vector<DeletedEntry>& all, const std:
   }
   const DeletedEntry* found = nullptr;
   for (const DeletedEntry& deleted : all) {
-    if (!kivhost::EqualNoCase(deleted.name, name)) {
+    if (!kivhost::EqualLetters(deleted.name, name)) {
       continue;
     }
     if (found != nullptr) {

@@ -146,8 +146,4 @@ void FitToStore(RosterFile& roster, bool hasTeachers) {
   }
 }
 
-std::string PlaceIn(const RosterFile& roster, const std::string& file, size_t number) {
-  return roster.name + (file.empty() ? "" : '/' + file) + ':' + std::to_string(number);
-}
-
 }  // namespace kivadmin

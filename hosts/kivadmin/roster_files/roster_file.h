@@ -65,7 +65,4 @@ RosterFile ReadRosterFile(const std::string& path, const RosterFormat& format);
 // noted.
 void FitToStore(RosterFile& roster, bool hasTeachers);
 
-// "school.csv:12", "bundle.zip/enrollments.csv:12".
-std::string PlaceIn(const RosterFile& roster, const std::string& file, size_t number);
-
 }  // namespace kivadmin

@@ -20,8 +20,8 @@ bool IsNamed(const SLoginNameObj& entry, const SString& display) {
 
 // Placing stays on the first name that is missing: only the last one of the way is made.
 SFileSpec MadeIfMissing(SFileSpec spec, const SString& name) {
-  if (spec.IsValid() && !spec.Exists() && spec.GetFileName() == name) {
-    spec.CreateFolder(0);
+  if (spec.GetFileName() == name) {
+    spec.EnsureFolder();
   }
   return spec;
 }
@@ -69,10 +69,6 @@ SLoginNameObj& AtPlace(Roster& roster, long place, const std::string& name,
                     "no " + level + ' ' + name + ": the list has " + std::to_string(count));
   }
   return roster.list[static_cast<int32_t>(place - 1)];
-}
-
-bool EqualLetters(const std::string& a, const std::string& b) {
-  return kivhost::FoldCase(a) == kivhost::FoldCase(b);
 }
 
 // "there are: Mr Fox, Ms Hill"; of a long list the first.
@@ -125,7 +121,9 @@ SLoginNameObj& Find(const Session& session, Roster& roster, const std::string& n
   using IsSame = bool (*)(const std::string& a, const std::string& b);
   for (const IsSame isSame :
        {IsSame([](const std::string&a, const std::string&b) { return a == b; }),
-        IsSame([](const std::string&a, const std::string&b) { return EqualLetters(a, b); })}) {
+        IsSame([](const std::string&a, const std::string&b) {
+          return kivhost::EqualLetters(a, b);
+        })}) {
     SLoginNameObj* found = nullptr;
     for (SLoginNameObj& entry : roster.list) {
       if (!isSame(session.Show(DisplayName(entry)), name)) {
@@ -157,7 +155,7 @@ std::string LikeText(const Session& session, const Roster& roster, const SLoginN
   const std::string name = session.Show(DisplayName(entry));
   for (const SLoginNameObj& other : roster.list) {
     if (!IsNamed(other, DisplayName(entry)) &&
-        EqualLetters(session.Show(DisplayName(other)), name)) {
+        kivhost::EqualLetters(session.Show(DisplayName(other)), name)) {
       return "; there is " + session.Show(other) + " too";
     }
   }
