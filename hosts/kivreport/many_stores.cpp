@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <sstream>
+#include <system_error>
 #include <thread>
 
 #include "hosts/common/child_process.h"
@@ -60,11 +61,15 @@ class Readings {
   Readings(const ManyStores& task, const std::vector<StoreOfList>& stores)
       : task(task), stores(stores), results(stores.size()) {
     const size_t jobs = std::clamp<size_t>(task.jobs, 1, stores.size());
-    for (size_t i = 0; i < jobs; ++i) {
-      threads.emplace_back([this] { Work(); });
+    while (threads.size() < jobs && Begin()) {
     }
   }
+  // What nobody waits for any more is not begun.
   ~Readings() {
+    {
+      const std::lock_guard lock(mutex);
+      next = stores.size();
+    }
     for (std::thread& thread : threads) {
       thread.join();
     }
@@ -79,6 +84,19 @@ class Readings {
   }
 
  private:
+  // Fewer threads than asked for do as well.
+  bool Begin() {
+    try {
+      threads.emplace_back([this] { Work(); });
+      return true;
+    } catch (const std::system_error& error) {
+      if (threads.empty()) {
+        throw HostError(kNoStore, std::string("no thread can be started: ") + error.what());
+      }
+      return false;
+    }
+  }
+
   void Work() {
     for (;;) {
       std::unique_lock lock(mutex);
@@ -99,8 +117,8 @@ class Readings {
     arguments.insert(arguments.end(), {"--", store.root});
     try {
       return RunSelf(arguments);
-    } catch (const HostError& error) {
-      return {error.exitCode, "", std::string("kivreport: ") + error.what() + '\n'};
+    } catch (const std::exception& error) {
+      return {kNoStore, "", std::string("kivreport: ") + error.what() + '\n'};
     }
   }
 

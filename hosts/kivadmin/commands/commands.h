@@ -19,8 +19,6 @@ void AddDeletedCommands(const kivhost::Command& app, CommonOptions& common);
 void AddImportCommand(const kivhost::Command& app, CommonOptions& common);
 void AddSyncCommand(const kivhost::Command& app, CommonOptions& common);
 void AddPromoteCommand(const kivhost::Command& app, CommonOptions& common);
-void AddSyncCommand(const kivhost::Command& app, CommonOptions& common);
-void AddPromoteCommand(const kivhost::Command& app, CommonOptions& common);
 void AddExportCommand(const kivhost::Command& app, CommonOptions& common);
 void AddListCommands(const kivhost::Command& app, CommonOptions& common);
 void AddBackupCommands(const kivhost::Command& app, CommonOptions& common);

@@ -37,7 +37,6 @@ void Delete(const Session& session, const DeleteArguments& arguments, const Entr
 void DeleteTeacher(const CommonOptions& common, const DeleteArguments& arguments) {
   const Session session(common, Session::Access::kChange);
   RequireTeachers(session);
-  NeedName(arguments.name);
   Roster teachers = Teachers(session);
   const SLoginNameObj& teacher = Find(session, teachers, arguments.name, "teacher");
   session.Site().SelectTeacher(&teacher);
@@ -94,10 +93,15 @@ void DeleteStudent(const CommonOptions& common, const DeleteArguments& arguments
          OfStudent(session, students.folder, student));
 }
 
-DeleteArguments& AddOne(const Command& command, CommonOptions& common, Run<DeleteArguments> run) {
+DeleteArguments& AddOne(const Command& command, CommonOptions& common, Run<DeleteArguments> run,
+                        bool needsName) {
   DeleteArguments& arguments = AddRun(command, common, run);
   AddPlanArguments(command, common, arguments.plan);
-  command.AddOption("NAME", arguments.name, "The name, or #N for its place");
+  const CommandOption name =
+      command.AddOption("NAME", arguments.name, "The name, or #N for its place");
+  if (needsName) {
+    name.Require();
+  }
   command.AddFlag("--purge", arguments.purge, "For good: undelete cannot bring it back");
   return arguments;
 }
@@ -116,15 +120,15 @@ void AddDeleteCommands(const Command& app, CommonOptions& common) {
   remove.RequireCommand();
 
   const Command teacher = remove.AddCommand("teacher", "Delete a teacher with all classes");
-  AddOne(teacher, common, DeleteTeacher);
+  AddOne(teacher, common, DeleteTeacher, true);
 
   const Command group = remove.AddCommand("class", "Delete a class with all students");
-  DeleteArguments& ofClass = AddOne(group, common, DeleteClass);
+  DeleteArguments& ofClass = AddOne(group, common, DeleteClass, false);
   AddTeacherOption(group, ofClass.where);
   AddFromFile(group, ofClass, "Instead of NAME: the classes of a table with teacher and class");
 
   const Command student = remove.AddCommand("student", "Delete a student with options and games");
-  DeleteArguments& ofStudent = AddOne(student, common, DeleteStudent);
+  DeleteArguments& ofStudent = AddOne(student, common, DeleteStudent, false);
   AddClassOption(student, ofStudent.where);
   AddTeacherOption(student, ofStudent.where);
   AddFromFile(student, ofStudent,

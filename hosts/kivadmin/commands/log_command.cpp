@@ -1,9 +1,10 @@
 // `log`: what kivadmin did to a store, when and by whom.
-#include <algorithm>
 #include <deque>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "hosts/common/counted.h"
+#include "hosts/common/unicode.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
 #include "hosts/kivadmin/session/action_log.h"
@@ -27,20 +28,13 @@ size_t MostActions(const LogArguments& arguments) {
   return static_cast<size_t>(*number);
 }
 
-// A name out of a store may hold anything; a terminal is shown no control characters.
-std::string OneLine(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(),
-      [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; }, '?');
-  return text;
-}
-
 void PrintActions(const std::deque<LoggedAction>& actions) {
   if (actions.empty()) {
     std::cout << "nothing is logged\n";
   }
   for (const LoggedAction& action : actions) {
-    std::cout << OneLine(action.when + "  " + action.who + "  " + action.what) << '\n';
+    std::cout << kivhost::WithoutHidden(action.when + "  " + action.who + "  " + action.what)
+              << '\n';
   }
 }
 
@@ -68,9 +62,8 @@ void ShowLog(const CommonOptions& common, const LogArguments& arguments) {
   (arguments.json ? PrintActionsJson : PrintActions)(actions);
   if (unreadable > 0) {
     std::cout << std::flush;
-    std::cerr << "kivadmin: " << unreadable
-              << (unreadable == 1 ? " line" : " lines") + std::string(" of kivadmin.log") +
-                     (unreadable == 1 ? " is" : " are") + " not readable\n";
+    std::cerr << "kivadmin: kivadmin.log: not readable: " << kivhost::Counted(unreadable, "line")
+              << '\n';
   }
 }
 

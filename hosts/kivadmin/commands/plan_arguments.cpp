@@ -77,6 +77,22 @@ void ShowPlan(const Session& session, const Plan& plan, const PlanSource& source
   std::cout << std::flush;
 }
 
+// Throws if the plan is not to be carried out. A script then has it as nothing but a plan.
+void NeedLeave(const Session& session, const Plan& plan, const PlanSource& source,
+               const PlanArguments& arguments) {
+  try {
+    source.isSafe();
+    if (!session.IsDryRun() && TakesAwayOrMoves(plan)) {
+      Confirm(ToDo(plan), arguments.yes);
+    }
+  } catch (const HostError&) {
+    if (arguments.isJson) {
+      std::cout << PlanJson(plan, source.readAs, session.IsDryRun()) << std::flush;
+    }
+    throw;
+  }
+}
+
 // Throws if not all of it is done.
 void NeedAll(const Plan& plan) {
   if (const size_t waiting = CountWaiting(plan); waiting > 0) {
@@ -119,17 +135,16 @@ void RunPlan(const Session& session, School& school, Plan& plan, const PlanSourc
     ShowPlan(session, plan, source, kivhost::HasColor(arguments.color));
   }
   TellRefused(plan, source);
-  source.isSafe();
-  if (!session.IsDryRun() && TakesAwayOrMoves(plan)) {
-    Confirm(ToDo(plan), arguments.yes);
-  }
+  NeedLeave(session, plan, source, arguments);
   CarryOut(session, school, plan);
   TellFailed(plan, source);
+  const std::string done = source.verb + ' ' + source.name + ": " + DoneText(plan);
   if (arguments.isJson) {
     std::cout << PlanJson(plan, source.readAs, session.IsDryRun());
+    session.Log(done);
     session.TellShortfall();
   } else {
-    session.Say(source.verb + ' ' + source.name + ": " + DoneText(plan));
+    session.Say(done);
   }
   NeedAll(plan);
 }
