@@ -45,8 +45,12 @@ need_host_libraries() {
 }
 
 need_test_tools() {
-  need /usr/src/googletest/CMakeLists.txt googletest nm binutils python3 python3 strace strace \
-       /usr/lib/postgresql postgresql
+  need /usr/src/googletest/CMakeLists.txt googletest nm binutils python3 python3 strace strace
+}
+
+# A database takes the example's lines as a school would give them to it.
+need_database() {
+  need /usr/lib/postgresql postgresql
 }
 
 # What shows the pages that kivreport writes, and what looks at them.
