@@ -16,8 +16,8 @@ namespace kivstore {
 class SGeneralCall {
  public:
   // Nothing in it is checked: where memory or the path lacks, the command finds no store. `mode` 0
-  // is a local store, any other a networked one with teachers. A call that uses no files need not
-  // say where they are.
+  // is a local store, any other a networked one with teachers. A call that uses no files is not
+  // told where they are, and has no records: those take longer than an answer from the caches.
   explicit SGeneralCall(const SGeneralParams& params, bool usesFiles = true);
   ~SGeneralCall();
   SGeneralCall(const SGeneralCall&) = delete;
