@@ -2,6 +2,8 @@
 
 #include <csignal>
 
+#include "hosts/common/host_error.h"
+
 namespace kivhost {
 namespace {
 
@@ -25,6 +27,12 @@ Interruption::~Interruption() {
 
 bool Interruption::IsAsked() const {
   return gIsAsked != 0;
+}
+
+void Interruption::NeedNone(const std::string& howFar) const {
+  if (IsAsked()) {
+    throw HostError(kRefused, "interrupted: " + howFar);
+  }
 }
 
 }  // namespace kivhost

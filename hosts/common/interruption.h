@@ -2,6 +2,8 @@
 // came. A second one ends the program at once.
 #pragma once
 
+#include <string>
+
 namespace kivhost {
 
 // While one of these lives.
@@ -13,6 +15,8 @@ class Interruption {
   Interruption& operator=(const Interruption&) = delete;
 
   bool IsAsked() const;
+  // Throws HostError if it is: "interrupted: " and how far the program came.
+  void NeedNone(const std::string& howFar) const;
 };
 
 }  // namespace kivhost

@@ -118,6 +118,31 @@ def check_ctrl_c(folder):
     expect("the same command goes on", run("export", store).count("First") == 4000, "")
     expect("and all is in order", "in order" in run("check", store), "")
 
+    locks = sorted(store.rglob("Students/*/options.lok"))
+    for lock in locks:
+        lock.unlink()
+    shell = Terminal("check", store, "--repair")
+    while not any(lock.exists() for lock in locks):
+        time.sleep(0.001)
+    os.kill(shell.pid, signal.SIGINT)
+    text, code = shell.end()
+    made = sum(lock.exists() for lock in locks)
+    expect("so does a repair", code == 1 and "a part of the store is repaired" in text and
+           0 < made < 4000, f"{made} made, {text[-500:]}")
+    run("check", store, "--repair")
+    expect("and goes on", "in order" in run("check", store), "")
+
+    leavers = folder / "leavers.csv"
+    leavers.write_text(HEADING + "".join(f"Ms Hill,{row}\n" for row in rows[:400]))
+    run("delete", "student", store, "--from-file", leavers, "--yes")
+    shell = Terminal("purge", store, "-y")
+    shell.read("purged student")
+    os.kill(shell.pid, signal.SIGINT)
+    text, code = shell.end()
+    told = re.search(r"interrupted: (\d+) of 400 purged", text)
+    left = len(run("undelete", store).splitlines())
+    expect("so does a purge", code == 1 and told and left == 400 - int(told[1]), text[-500:])
+
 
 def check_completion(folder):
     """What a shell is told of a line that is being typed, the store's names too."""
@@ -129,7 +154,7 @@ def check_completion(folder):
                           (["init", store, "--kind", "s"], "shared"),
                           (["add", "class", store, "X", "--teac"], "--teacher"),
                           (["add", "class", store, "X", "--teacher", "ms"], "Ms Hill"),
-                          (["delete", "student", store, "X", "--class", "Roo"], "Room 12")):
+                          (["delete", "student", store, "X", "-c", "Roo"], "Room 12")):
         told = run("__complete", *words)
         expect(f"{words} is completed", told == wanted + "\n", told)
     line = ["kivadmin", "add", "class", str(store), "X", "--teacher", "M"]

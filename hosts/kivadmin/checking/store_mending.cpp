@@ -80,7 +80,7 @@ void MendStudent(const Session& session, const SFileSpec& folder) {
   }
 }
 
-void MendClasses(const Session& session) {
+void MendClasses(const Session& session, const std::function<void()>& classDone) {
   const Roster classes = Classes(session);
   MendList(session, classes.folder, ListKind::kClasses);
   MendOptions(session, classes.folder);
@@ -91,21 +91,22 @@ void MendClasses(const Session& session) {
     for (const SLoginNameObj& student : students.list) {
       MendStudent(session, ListedFolder(students.folder, student.folderName));
     }
+    classDone();
   }
 }
 
 }  // namespace
 
-void MendStore(const Session& session) {
+void MendStore(const Session& session, const std::function<void()>& classDone) {
   if (!session.HasTeachers()) {
-    MendClasses(session);
+    MendClasses(session, classDone);
     return;
   }
   const Roster teachers = Teachers(session);
   MendList(session, teachers.folder, ListKind::kTeachers);
   for (const SLoginNameObj& teacher : teachers.list) {
     session.Site().SelectTeacher(&teacher);
-    MendClasses(session);
+    MendClasses(session, classDone);
   }
 }
 

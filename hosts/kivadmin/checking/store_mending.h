@@ -3,11 +3,14 @@
 // none.
 #pragma once
 
+#include <functional>
+
 #include "hosts/kivadmin/session/session.h"
 
 namespace kivadmin {
 
-// The lists as any listing repairs them first. Throws where a list cannot be had or written.
-void MendStore(const Session& session);
+// The lists as any listing repairs them first; `classDone` after each class. Throws where a list
+// cannot be had or written.
+void MendStore(const Session& session, const std::function<void()>& classDone);
 
 }  // namespace kivadmin

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "hosts/common/interruption.h"
 #include "hosts/common/progress_bar.h"
 #include "hosts/kivadmin/checking/store_mending.h"
 #include "hosts/kivadmin/rosters/layout_maker.h"
@@ -16,13 +17,23 @@ bool IsIn(const std::vector<Finding>& all, const Finding& one) {
                      [&](const Finding& other) { return one.IsSame(other); });
 }
 
+// Throws if it is interrupted; what else keeps it from its end is told, and found again.
 void Repair(const CommonOptions& common) {
+  const kivhost::Interruption interruption;
   try {
     const Session session(common, Session::Access::kChange);
-    LayoutMaker(session, false).CompleteStore();
-    MendStore(session);
+    kivhost::ProgressBar bar("classes", 2 * StoreCheck::CountClasses(session), false);
+    const auto classDone = [&] {
+      bar.Advance();
+      interruption.NeedNone("a part of the store is repaired; the same command goes on from there");
+    };
+    LayoutMaker(session, false).CompleteStore(classDone);
+    MendStore(session, classDone);
     session.Log("repaired the store");
   } catch (const HostError& error) {
+    if (interruption.IsAsked()) {
+      throw;
+    }
     std::cerr << "kivadmin: " << error.what() << '\n';
   }
 }

@@ -60,6 +60,7 @@ void TrialPost::Send(const std::string& name, const std::string& text) const {
 
 std::string TrialPost::Await(const std::string& name) const {
   for (const uint32_t start = GetTicks(); GetTicks() - start < kLongestWait; WaitTicks(kStep)) {
+    interruption.NeedNone("the trial is not over");
     if (const auto text = Take(name + ".txt")) {
       return *text;
     }

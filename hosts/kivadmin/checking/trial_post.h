@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "hosts/common/interruption.h"
 #include "hosts/kivadmin/checking/mount_trial.h"
 #include "hosts/kivadmin/session/session.h"
 
@@ -31,6 +32,8 @@ class TrialPost {
 
   const Session& session;
   kivstore::SFileSpec folder;
+  // Ctrl-C ends the waiting, so that the folder does not stay behind.
+  const kivhost::Interruption interruption{};
   int count = 0;
 };
 

@@ -53,9 +53,7 @@ std::function<void()> StepOf(kivhost::ProgressBar& bar, const kivhost::Interrupt
                              const char* what) {
   return [&bar, &interruption, what] {
     bar.Advance();
-    if (interruption.IsAsked()) {
-      throw HostError(kRefused, std::string("interrupted: ") + what);
-    }
+    interruption.NeedNone(what);
   };
 }
 

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "hosts/common/interruption.h"
 #include "hosts/common/unicode.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
@@ -95,13 +96,16 @@ void PurgeOld(const CommonOptions& common, const PurgeArguments& arguments) {
     Confirm("remove for good what was deleted, " + std::to_string(all.size()) + " in all",
             arguments.yes);
   }
-  for (const DeletedEntry& deleted : all) {
-    Purge(session, deleted);
-    session.Say(deleted.CanComeBack() ? "purged " + deleted.Text()
-                                      : "purged what was left of a delete or a purge");
-  }
   if (all.empty()) {
     session.Say("nothing to purge");
+  }
+  const kivhost::Interruption interruption;
+  for (size_t i = 0; i < all.size(); ++i) {
+    interruption.NeedNone(std::to_string(i) + " of " + std::to_string(all.size()) +
+                          " purged; the same command goes on from there");
+    Purge(session, all[i]);
+    session.Say(all[i].CanComeBack() ? "purged " + all[i].Text()
+                                     : "purged what was left of a delete or a purge");
   }
 }
 
@@ -122,7 +126,7 @@ void AddDeletedCommands(const Command& app, CommonOptions& common) {
   AddChangeArguments(purge, common);
   purge.AddOption("--older-than", ofPurge.days, "Only what was deleted so many days ago or more")
       .Takes("DAYS");
-  purge.AddFlag("--yes", ofPurge.yes, "Do not ask");
+  purge.AddFlag("-y,--yes", ofPurge.yes, "Do not ask");
 }
 
 }  // namespace kivadmin

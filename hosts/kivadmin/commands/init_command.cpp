@@ -1,6 +1,7 @@
 // `init`: lays out a store, or completes one that is there.
 #include <filesystem>
 
+#include "hosts/common/interruption.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
 #include "hosts/kivadmin/rosters/layout_maker.h"
@@ -22,7 +23,10 @@ void Init(const CommonOptions& common, const NoArguments&) {
   const Session session(common, Session::Access::kLayOut);
   const bool wasThere = session.TopFolder().IsExistingFolder();
   if (!session.IsDryRun()) {
-    LayoutMaker(session).CompleteStore();
+    const kivhost::Interruption interruption;
+    LayoutMaker(session).CompleteStore([&] {
+      interruption.NeedNone("a part of the store is complete; the same command goes on from there");
+    });
   }
   session.Say((wasThere ? "completed the store of kind " : "laid out a store of kind ") +
               std::string(NameOf(session.Kind())) + " at " + root);

@@ -36,17 +36,17 @@ bool IsWritten(const SFileSpec& folder, const SString& name) {
 
 }  // namespace
 
-void LayoutMaker::CompleteStore() const {
+void LayoutMaker::CompleteStore(const std::function<void()>& classDone) const {
   CompleteTopList();
   if (!session.HasTeachers()) {
-    CompleteAllClasses();
+    CompleteAllClasses(classDone);
     return;
   }
   const Roster teachers = Teachers(session);
   for (const SLoginNameObj& teacher : teachers.list) {
     CompleteEntry(teachers.folder, teacher.folderName, &LayoutMaker::CompleteTeacher);
     session.Site().SelectTeacher(&teacher);
-    CompleteAllClasses();
+    CompleteAllClasses(classDone);
   }
 }
 
@@ -100,11 +100,12 @@ void LayoutMaker::CompleteClassList(const SFileSpec& folder) const {
   MakeDefaultOptions(folder);
 }
 
-void LayoutMaker::CompleteAllClasses() const {
+void LayoutMaker::CompleteAllClasses(const std::function<void()>& classDone) const {
   const Roster classes = Classes(session);
   for (const SLoginNameObj& group : classes.list) {
     CompleteEntry(classes.folder, group.folderName, &LayoutMaker::CompleteClass);
     CompleteAllStudents(group);
+    classDone();
   }
 }
 

@@ -5,6 +5,7 @@
 // A store is complete when libkivstore, which makes no file, can use all of it.
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "hosts/kivadmin/session/session.h"
@@ -17,8 +18,9 @@ class LayoutMaker {
   explicit LayoutMaker(const Session& session, bool makesOptions = true)
       : session(session), makesOptions(makesOptions) {}
 
-  // The whole tree, every list repaired on the way. Throws at a list whose lock cannot be had.
-  void CompleteStore() const;
+  // The whole tree, every list repaired on the way; `classDone` after each class. Throws at a list
+  // whose lock cannot be had.
+  void CompleteStore(const std::function<void()>& classDone) const;
 
   // One folder, with what it holds of its own; not the entries below.
   void CompleteTopList() const;
@@ -36,7 +38,7 @@ class LayoutMaker {
 
  private:
   void CompleteClassList(const kivstore::SFileSpec& folder) const;
-  void CompleteAllClasses() const;
+  void CompleteAllClasses(const std::function<void()>& classDone) const;
   void CompleteAllStudents(const kivstore::SLoginNameObj& classEntry) const;
   void CompleteList(const kivstore::SFileSpec& folder, kivstore::ListKind kind) const;
   void MakeLock(const kivstore::SFileSpec& folder, const char* name) const;
