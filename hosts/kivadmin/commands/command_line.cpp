@@ -30,23 +30,24 @@ void AddCharset(const Command& command, CommonOptions& common, const char* ofWha
 
 void AddTeacherOption(const Command& command, EntryNames& names) {
   command
-      .AddOption("--teacher", names.teacher,
+      .AddOption("-t,--teacher", names.teacher,
                  "The teacher: a name, or #N for its place; may be left out if there is only one")
       .Takes("NAME|#N");
 }
 
 CommandOption AddClassOption(const Command& command, EntryNames& names) {
-  return command.AddOption("--class", names.group, "The class: a name, or #N for its place")
+  return command.AddOption("-c,--class", names.group, "The class: a name, or #N for its place")
       .Takes("NAME|#N");
 }
 
 CommandOption AddStudentOption(const Command& command, EntryNames& names) {
-  return command.AddOption("--student", names.student, "The student: a name, or #N for its place")
+  return command
+      .AddOption("-s,--student", names.student, "The student: a name, or #N for its place")
       .Takes("NAME|#N");
 }
 
 void AddFormat(const Command& command, bool& isJson, const char* other) {
-  command.AddChoice<bool>("--format", isJson, "The form of the report",
+  command.AddChoice<bool>("-f,--format", isJson, "The form of the report",
                           {{other, false}, {"json", true}}, other);
 }
 

@@ -80,7 +80,11 @@ void PrintNamesFor(const kivhost::Completion& completion, const std::string& beg
     PrintNames(session, Teachers(session), begun);
     return;
   }
-  const auto teacher = completion.values.find("--teacher");
+  // The classes of --to-class are those of --to-teacher, if it is there.
+  auto teacher = completion.values.find("--teacher");
+  if (completion.option == "--to-class" && completion.values.contains("--to-teacher")) {
+    teacher = completion.values.find("--to-teacher");
+  }
   ChooseTeacher(session, teacher != completion.values.end() ? teacher->second : "");
   PrintNames(session, Classes(session), begun);
 }

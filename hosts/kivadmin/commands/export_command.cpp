@@ -49,8 +49,8 @@ void AddExportCommand(const Command& app, CommonOptions& common) {
   ExportArguments& arguments = AddRun(command, common, Export);
   AddStoreArguments(command, common);
   command.AddOption("FILE", arguments.file, "The file to write; without it, or -, standard output");
-  command.AddOption("--output", arguments.output, "The same as FILE").Takes("FILE");
-  command.AddChoice<bool>("--format", arguments.isOneRoster,
+  command.AddOption("-o,--output", arguments.output, "The same as FILE").Takes("FILE");
+  command.AddChoice<bool>("-f,--format", arguments.isOneRoster,
                           "A table (CSV, UTF-8), or a zip of OneRoster 1.1",
                           {{"csv", false}, {"oneroster", true}}, "csv");
   command

@@ -148,7 +148,7 @@ void AddMoveCommands(const Command& app, CommonOptions& common) {
   MoveArguments& ofClass = AddRun(group, common, MoveClass);
   AddChangeArguments(group, common);
   group.AddOption("NAME", ofClass.name, "The class: a name, or #N for its place").Require();
-  group.AddOption("--teacher", ofClass.from.teacher, "The teacher it is of").Require();
+  group.AddOption("-t,--teacher", ofClass.from.teacher, "The teacher it is of").Require();
   group.AddOption("--to-teacher", ofClass.to.teacher, "The teacher it goes to").Require();
 
   const Command student = move.AddCommand("student", "Move a student to another class");

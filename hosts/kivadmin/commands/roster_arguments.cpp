@@ -19,9 +19,11 @@ void AddRosterArguments(const Command& command, std::string& file, RosterFormat&
                  "teacher=B,class=Kurs,first=3,last=4 or name=5")
       .Takes("PART=COLUMN,...");
   command.AddFlag("--no-heading", format.noHeading, "The first row is a student, and no heading");
-  command.AddOption("--teacher", format.teacher, "The teacher of rows and classes that have none")
+  command
+      .AddOption("-t,--teacher", format.teacher, "The teacher of rows and classes that have none")
       .Takes("NAME");
-  command.AddOption("--class", format.group, "The class of students that have none").Takes("NAME");
+  command.AddOption("-c,--class", format.group, "The class of students that have none")
+      .Takes("NAME");
   command
       .AddOption("--school", format.school,
                  "Of a bundle the classes of this school alone, or of \"all\"")
