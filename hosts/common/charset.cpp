@@ -30,6 +30,22 @@ std::string Charset::ToUtf8(std::string_view text) const {
   return utf8;
 }
 
+std::string Charset::FirstWithoutPlace(std::string_view utf8) const {
+  const auto isInside = [&](size_t at) {
+    return at < utf8.size() && (static_cast<unsigned char>(utf8[at]) & 0xC0) == 0x80;
+  };
+  for (size_t at = 0; at < utf8.size();) {
+    const size_t from = at++;
+    while (isInside(at)) {
+      ++at;
+    }
+    if (!FromUtf8(utf8.substr(from, at - from))) {
+      return std::string(utf8.substr(from, at - from));
+    }
+  }
+  return {};
+}
+
 void TellUnshown(const char* program, const Charset& charset) {
   const auto& texts = charset.GetUnshown();
   if (texts.empty()) {

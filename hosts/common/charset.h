@@ -19,6 +19,8 @@ class Charset {
   std::string ToUtf8(std::string_view text) const;
   // Nothing if a character has no place in the set, or the text is no UTF-8.
   virtual std::optional<std::string> FromUtf8(std::string_view text) const = 0;
+  // The first of those characters.
+  std::string FirstWithoutPlace(std::string_view utf8) const;
 
   // The texts that had bytes without a place in the set, as they were shown; each once.
   const std::set<std::string>& GetUnshown() const { return unshown; }

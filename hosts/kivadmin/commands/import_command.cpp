@@ -1,5 +1,6 @@
 // `import`: the rosters of a file.
 #include "hosts/kivadmin/commands/commands.h"
+#include "hosts/kivadmin/commands/laying_out.h"
 #include "hosts/kivadmin/commands/plan_arguments.h"
 #include "hosts/kivadmin/commands/roster_arguments.h"
 #include "hosts/kivadmin/plans/roster_plan.h"
@@ -11,12 +12,17 @@ struct ImportArguments {
   std::string file;
   RosterFormat format;
   bool keepsTwins = false;
+  bool laysOut = false;
   PlanArguments plan;
 };
 
 void Import(const CommonOptions& common, const ImportArguments& arguments) {
   RosterFile roster = ReadRosterFile(arguments.file, arguments.format);
-  const Session session(common, Session::Access::kChange);
+  if (arguments.laysOut) {
+    LayOut(common, arguments.plan.isJson);
+  }
+  const Session session(
+      common, arguments.laysOut ? Session::Access::kLayOut : Session::Access::kChange);
   FitToStore(roster, session.HasTeachers());
   School school(session);
   Plan plan = PlanRoster(session, school, roster, {.keepsTwins = arguments.keepsTwins});
@@ -37,6 +43,7 @@ void AddImportCommand(const Command& app, CommonOptions& common) {
   AddPlanArguments(import, common, arguments.plan);
   AddRosterArguments(import, arguments.file, arguments.format);
   AddTwins(import, arguments.keepsTwins);
+  import.AddFlag("--init", arguments.laysOut, "Lay the store out first, as init does");
 }
 
 }  // namespace kivadmin

@@ -63,8 +63,9 @@ SFileSpec Session::DataRoot() const {
 SString Session::ToStore(const std::string& text, const std::string& what) const {
   const auto bytes = charset->FromUtf8(text);
   if (!bytes) {
-    throw HostError(kWrongUsage,
-                    what + " \"" + text + "\": a character that the character set lacks");
+    throw HostError(kWrongUsage, what + " \"" + text + "\": \"" + charset->FirstWithoutPlace(text) +
+                                     "\" has no place in " + charsetName +
+                                     ", the character set of the store");
   }
   return SString(std::string_view(*bytes));
 }
