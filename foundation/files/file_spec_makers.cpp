@@ -31,9 +31,12 @@ bool SFileSpec::CreateFolder(uint32_t mode) {
 }
 
 bool SFileSpec::EnsureFolder() {
-  SystemError error = SystemError::kPathNotFound;
-  return IsExistingFolder() || MakeFolder(0, error) ||
-         (error == SystemError::kAlreadyExists && Refresh() && isFolder) ||
+  // What is in the way has been told by the look at it.
+  if (exists || !valid) {
+    return IsExistingFolder();
+  }
+  SystemError error = SystemError::kNone;
+  return MakeFolder(0, error) || (error == SystemError::kAlreadyExists && Refresh() && isFolder) ||
          NoteFileFailure(path, error);
 }
 
