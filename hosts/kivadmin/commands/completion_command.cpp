@@ -17,7 +17,9 @@ struct CompletionArguments {
 };
 
 // Each asks with the words behind the program's name, up to the one that is being typed; what is no
-// answer is completed as a file. A name with blanks is quoted, unless a quotation is open.
+// answer is completed as a file. A name with blanks is quoted, unless a quotation is open. zsh may
+// be told by `source`, or find the script in a folder of its completions and run it as the
+// function.
 constexpr const char* kBash = R"sh(_kivadmin() {
   local word=${COMP_WORDS[COMP_CWORD]} line
   COMPREPLY=()
@@ -36,7 +38,7 @@ _kivadmin() {
   answers=("${(@f)$(kivadmin __complete "${(@Q)words[2,CURRENT]}" 2>/dev/null)}")
   if [[ -n $answers ]]; then compadd -a answers; else _files; fi
 }
-compdef _kivadmin kivadmin
+if [[ $funcstack[1] = _kivadmin ]]; then _kivadmin; else compdef _kivadmin kivadmin; fi
 )sh";
 constexpr const char* kFish = R"sh(function __kivadmin_complete
   set -l typed (commandline -opc) (commandline -ct)
