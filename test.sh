@@ -23,6 +23,7 @@ case $preset in
   *)
     need_host_libraries
     need_page_tools
+    need_man_tools
     need_database
     ;;
 esac

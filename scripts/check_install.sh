@@ -47,7 +47,8 @@ expect() {
 check_folder() {
   prefix=$work/$1
   cmake -DCMAKE_INSTALL_LIBDIR="$1" "build/$preset"
-  cmake --build "build/$preset" -j "$(nproc)" --target kivstore kivreport kivadmin
+  cmake --build "build/$preset" -j "$(nproc)" --target kivstore kivreport kivadmin \
+    kivstore_manuals
   cmake --install "build/$preset" --prefix "$prefix"
 
   "$prefix/bin/kivreport" --version

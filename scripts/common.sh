@@ -48,6 +48,11 @@ need_test_tools() {
   need /usr/src/googletest/CMakeLists.txt googletest nm binutils python3 python3 strace strace
 }
 
+# What makes the manual pages, and what looks at them.
+need_man_tools() {
+  need scdoc scdoc mandoc mandoc
+}
+
 # A database takes the example's lines as a school would give them to it.
 need_database() {
   need /usr/lib/postgresql postgresql

@@ -55,7 +55,8 @@ and bytes as it does in a `> file` if a quotation keeps it, and a `*` stands for
     > let go                       lets all of these go
     > examples NAME                brings what lies in that folder of the examples
     > session DOC HEADING          plays the commands of that section of a document, which shows a
-                                   terminal: errors as they come, no codes, and /srv for {above}
+                                   terminal: errors as they come, no codes, /srv for {above}, and
+                                   any time for a time
     > not under wine: WHY          leaves the transcript out there
     > only on x86: WHY             leaves it out on other processors
 """
@@ -76,7 +77,7 @@ import threading
 import time
 
 sys.dont_write_bytecode = True
-from transcript import Wrong, body_bytes, bytes_of, joined, parse, shown
+from transcript import WILD, Wrong, body_bytes, bytes_of, joined, parse, shown
 
 HERE = pathlib.Path(__file__).resolve().parent
 TRANSCRIPTS = HERE / "transcripts"
@@ -301,9 +302,12 @@ class Play:
 
     def do_session(self, doc, heading):
         text = (HERE.parent.parent / doc).read_text(encoding="utf-8")
-        section = re.search(rf"^## {re.escape(heading)}$(.*?)(?=^## |\Z)", text, re.M | re.S)[1]
-        blocks = re.findall(r"(?:^    .*\n)+", section, re.M)
-        steps, _ = parse("".join(line[4:] + "\n" for line in "".join(blocks).splitlines()))
+        section = re.search(rf"^##? {re.escape(heading)}$(.*?)(?=^##? \w|\Z)", text, re.M | re.S)[1]
+        fenced = re.findall(r"^```\n(.*?)^```$", section, re.M | re.S)
+        blocks = fenced or [re.sub("^    ", "", block, flags=re.M)
+                            for block in re.findall(r"(?:^    .*\n)+", section, re.M)]
+        shown_there = re.sub("^# ", r"\\# ", "".join(blocks), flags=re.M)
+        steps, _ = parse(re.sub(WILD["{time}"], "{time}", shown_there))
         for step in steps:
             result = self.programs.run(step.words, self.above)
             got = self.hide(result.stdout + result.stderr)
