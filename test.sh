@@ -24,6 +24,7 @@ case $preset in
     need_host_libraries
     need_page_tools
     need_man_tools
+    need_mono
     need_database
     ;;
 esac

@@ -48,6 +48,12 @@ need_test_tools() {
   need /usr/src/googletest/CMakeLists.txt googletest nm binutils python3 python3 strace strace
 }
 
+# What compiles and runs the example in C#.
+need_mono() {
+  need mcs mono-mcs mono mono-runtime \
+       /usr/lib/mono/4.5/I18N.West.dll libmono-i18n-west4.0-cil
+}
+
 # What makes the manual pages, and what looks at them.
 need_man_tools() {
   need scdoc scdoc mandoc mandoc

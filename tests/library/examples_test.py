@@ -7,6 +7,7 @@ On a system without a compiler the programs that are named were compiled along w
 """
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -33,15 +34,6 @@ int main(void) { SGeneralParams p; p.command = KIV_PRODUCT_ID; return p.command 
 """
 
 
-def text_of(output):
-    """The examples print names as the store has them; Python's in UTF-8."""
-    output = output.replace(b"\r", b"")
-    try:
-        return output.decode("utf-8")
-    except UnicodeDecodeError:
-        return output.decode("cp1252")
-
-
 class Examples(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -50,11 +42,29 @@ class Examples(unittest.TestCase):
         for kind in ("teachers", "local"):
             shutil.copytree(ROOT / "tests/golden" / kind / "store", self.folder / kind)
 
+    def run_example(self, *command, **options):
+        """The exit code, and what it prints and complains of, which is UTF-8."""
+        run = subprocess.run(command, cwd=self.folder, check=False, capture_output=True, **options)
+        return (run.returncode, *(text.replace(b"\r", b"").decode("utf-8")
+                                  for text in (run.stdout, run.stderr)))
+
     def expect_rosters(self, *command, **options):
         for arguments, roster in (["teachers"], NETWORKED), (["--local", "local"], LOCAL):
-            run = subprocess.run([*command, *arguments], cwd=self.folder, check=True,
-                                 stdout=subprocess.PIPE, **options)
-            self.assertEqual(text_of(run.stdout), roster)
+            self.assertEqual(self.run_example(*command, *arguments, **options), (0, roster, ""))
+        code, printed, _ = self.run_example(*command, "--charset", "windows-1250", "teachers", **options)
+        self.assertEqual((code, printed), (0, NETWORKED.translate({0xC5: 0x139, 0xF1: 0x144})))
+        for arguments in ["missing"], ["--local", "missing"], ["local"]:
+            code, printed, complaint = self.run_example(*command, *arguments, **options)
+            self.assertEqual((code, printed), (1, ""))
+            self.assertRegex(complaint, rf"^print_store[.py]*: {arguments[-1]}: no .* there: .*kivadmin")
+        code, _, complaint = self.run_example(*command, "--charset", "none", "teachers", **options)
+        self.assertEqual(code, 2, complaint)
+        shutil.rmtree(self.folder / "teachers/Classes.zep/MrBjrk/Classes.zep")
+        code, printed, complaint = self.run_example(*command, "teachers", **options)
+        self.assertEqual((code, printed), (1, "Mr Björk\nMs Hill\n" + LOCAL))
+        self.assertIn("unable to read the classes of Mr Björk;", complaint)
+        shutil.copytree(ROOT / "tests/golden/teachers/store", self.folder / "teachers",
+                        dirs_exist_ok=True)
 
     def compile_and_run(self, compiler, standard, source):
         program = self.folder / "example"
@@ -79,6 +89,26 @@ class Examples(unittest.TestCase):
             self.skipTest("the interpreter is of another build than the library")
         self.expect_rosters(sys.executable, ROOT / "examples/print_store.py",
                             env=dict(os.environ, KIVSTORE_LIBRARY=str(LIBRARY)))
+
+    def test_the_one_in_c_sharp_has_the_block_of_the_header(self):
+        header = (ROOT / "include/kivstore/general_proc.h").read_text(encoding="utf-8")
+        source = (ROOT / "examples/print_store.cs").read_text(encoding="utf-8")
+        kinds = {"int32_t": "int", "uint8_t": "byte", "const char*": "IntPtr", "char": "fixed byte",
+                 "uint16_t": "ushort", "int16_t": "short"}
+        wanted = [(at, kinds[kind], name + length) for kind, name, length, at in re.findall(
+            r"^ +([\w ]+\*?) (\w+)(\[\d+\])?; +/\* (0x\w\w) (?:in|out)", header, re.M)]
+        self.assertEqual(len(wanted), 25)
+        self.assertEqual(re.findall(r"FieldOffset\((0x\w\w)\)\] public ([\w ]+) (\w+(?:\[\d+\])?);",
+                                    source), wanted)
+
+    @unittest.skipIf("--under" in str(sys.argv), "compiled there by nobody")
+    def test_the_one_in_c_sharp_runs(self):
+        if FLAGS_OF_BUILD or not shutil.which("mcs") or not shutil.which("mono"):
+            self.skipTest("no mcs and mono for this build")
+        program = self.folder / "print_store.exe"
+        subprocess.run(["mcs", "-unsafe", "-warnaserror", f"-out:{program}",
+                        ROOT / "examples/print_store.cs"], check=True)
+        self.expect_rosters("mono", program, env=dict(os.environ, LD_LIBRARY_PATH=str(LIBRARY.parent)))
 
     @unittest.skipIf("--under" in str(sys.argv), "no compiler there")
     def test_the_header_is_strict_c_and_cpp(self):
