@@ -20,7 +20,9 @@ add_custom_target(kivstore_manuals ALL)
 set(KIVSTORE_PAGES "")
 if(has_pages)
   set(KIVSTORE_PAGES ${PROJECT_BINARY_DIR}/man)
-  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.scd)
+  set(sources kivadmin.1 kivadmin-backup.1 kivadmin-check.1 kivadmin-import.1 kivadmin-init.1 kivadmin-options.1
+              kivadmin-roster.1 kivreport.1 kivstore.3 kivstore.5 kivstore.7)
+  list(TRANSFORM sources REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/docs/man/\\1.scd")
   add_custom_command(
     OUTPUT ${KIVSTORE_PAGES}/made
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${KIVSTORE_PAGES}

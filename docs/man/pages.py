@@ -60,7 +60,7 @@ def add_line(part, line):
     """An entry's head, or more of its explanation."""
     if line.startswith(" " * COLUMN):
         part[-1][1] += (" " if part[-1][1] else "") + line.strip()
-    elif line[COLUMN - 1:COLUMN] == " " and len(line) > COLUMN:
+    elif line[COLUMN - 1:COLUMN] == " " and len(line) > COLUMN and line[:COLUMN - 1][-6:] != "Needs:":
         part.append([line[:COLUMN].strip(), line[COLUMN:].strip()])
     else:
         part.append([line.strip(), ""])
