@@ -37,9 +37,12 @@ void LayOut(const CommonOptions& common, bool isQuiet) {
   if (!session.IsDryRun()) {
     Complete(session);
   }
-  const std::string done =
-      (wasThere ? "completed the store of kind " : "laid out a store of kind ") +
-      std::string(NameOf(session.Kind())) + " at " + kivhost::HeldRoot(common.root);
+  const std::string did = !wasThere ? "laid out a"
+                          : session.HasChanged() || session.IsDryRun()
+                              ? "completed the"
+                              : "nothing to complete in the";
+  const std::string done = did + " store of kind " + std::string(NameOf(session.Kind())) + " at " +
+                           kivhost::HeldRoot(common.root);
   if (isQuiet) {
     session.Log(done);
     session.TellShortfall();

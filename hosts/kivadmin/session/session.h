@@ -53,6 +53,8 @@ class Session {
   bool HasTeachers() const { return store.HasTeachers(); }
   bool HasLocks() const { return Kind() != SiteKind::kLocal; }
   bool IsDryRun() const { return dryRun; }
+  // Since the last line in the log.
+  bool HasChanged() const { return notingServices.HasChanged(); }
   bool IsLooking() const { return lookingServices != nullptr; }
   kivstore::SSite& Site() const { return store.Site(); }
   kivstore::SZEPApp& App() const { return store.App(); }
