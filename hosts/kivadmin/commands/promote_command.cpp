@@ -49,10 +49,11 @@ void AddPromoteCommand(const Command& app, CommonOptions& common) {
   const Command promote = app.AddCommand(
       "promote",
       "The change of year: whole classes go to a new name, a new teacher, or both, with options\n"
-      "and games. The map is a CSV file with the header from_teacher,from_class,to_teacher,\n"
-      "to_class; an empty to_class leaves school, which kivadmin undelete brings back. Into a\n"
-      "class that is there and stays the students move. With a line that cannot be taken nothing\n"
-      "is done. Shows the plan first, and asks; without a terminal it needs --yes.");
+      "and games. The map is a CSV file with the header\n"
+      "from_teacher,from_class,to_teacher,to_class; an empty to_class leaves school, which\n"
+      "kivadmin undelete brings back. Into a class that is there and stays the students move.\n"
+      "With a line that cannot be taken nothing is done. Shows the plan first, and asks; without\n"
+      "a terminal it needs --yes.");
   PromoteArguments& arguments = AddRun(promote, common, Promote);
   AddPlanArguments(promote, common, arguments.plan);
   promote.AddOption("--map", arguments.map, "The file, or - for standard input")
