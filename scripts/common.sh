@@ -54,9 +54,9 @@ need_mono() {
        /usr/lib/mono/4.5/I18N.West.dll libmono-i18n-west4.0-cil
 }
 
-# What makes the manual pages, and what looks at them.
+# What makes the manual pages, what looks at them, and the shells that take the completions.
 need_man_tools() {
-  need scdoc scdoc mandoc mandoc
+  need scdoc scdoc mandoc mandoc zsh zsh fish fish
 }
 
 # A database takes the example's lines as a school would give them to it.
