@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "hosts/common/color.h"
 #include "hosts/common/unicode.h"
 
 namespace kivreport {
@@ -46,6 +47,20 @@ std::string CutTo(const std::string& text, size_t cells, bool unicode) {
     return text;
   }
   return std::string(kivhost::FirstCells(text, cells - 1)) + (unicode ? "…" : "~");
+}
+
+std::string ColoredNote(const std::string& text, bool hasColor) {
+  return hasColor ? kivhost::Colored(text, kivhost::Color::kRed) : text;
+}
+
+std::string ColoredCell(const std::string& cell, const std::string& column, bool hasColor) {
+  const std::string text = cell.substr(0, cell.find_last_not_of(' ') + 1);
+  const bool isIdle = text == "idle";
+  if (!hasColor || column != "standing" || !(isIdle || text == "not begun")) {
+    return cell;
+  }
+  return kivhost::Colored(text, isIdle ? kivhost::Color::kYellow : kivhost::Color::kRed) +
+         cell.substr(text.size());
 }
 
 std::string Bar(int done, int all) {

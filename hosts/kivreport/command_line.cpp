@@ -63,25 +63,9 @@ void NeedSense(const CommandLine& line) {
   const bool hasRows = line.format == Format::kCsv || line.format == Format::kNdjson;
   Refuse(hasRows && !line.history.empty(), "--history: a row a student has no place for it");
   Refuse(line.width && line.format != Format::kTable, "--width: only a table has one");
+  Refuse(line.color == kivhost::ColorWish::kAlways && line.format != Format::kTable,
+         "--color: only a table has one");
   Refuse(line.raw && line.format != Format::kCsv, "--raw: only CSV is changed for spreadsheets");
-}
-
-// Those of the line that are about one store; where the report goes is not.
-std::vector<std::string> OptionsForEach(int argc, const char* const* argv) {
-  std::vector<std::string> options;
-  for (int i = 1; i < argc; ++i) {
-    const std::string word = argv[i];
-    const std::string name = word.substr(0, word.find('='));
-    const bool takesValue =
-        name == "--stores" || name == "--jobs" || name == "-o" || name == "--output";
-    if (takesValue) {
-      i += name == word;
-    } else if (name != "--force" && name != "--bom" && name != "--quiet") {
-      options.push_back(word);
-    }
-  }
-  options.emplace_back("--quiet");
-  return options;
 }
 
 // A list of stores has no root, and what tells of one store only has no list.
@@ -170,6 +154,7 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
                 "Fit the table to so many columns, 0 for as many as it takes; else to the "
                 "terminal's")
       .Takes("N");
+  kivhost::AddColorOption(app, line.color);
   app.AddChoice<Language>("--lang", line.language,
                           "The language of a page and of a workbook; else what LC_ALL, LC_MESSAGES "
                           "or LANG says",
@@ -187,7 +172,6 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
   TakeNumbers(line, numbers);
   NeedSense(line);
   NeedStore(line);
-  line.forEach = OptionsForEach(argc, argv);
   return line;
 }
 

@@ -4,8 +4,8 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "hosts/common/color.h"
 #include "hosts/kivreport/report_writer.h"
 #include "hosts/kivreport/selection.h"
 
@@ -17,7 +17,6 @@ struct CommandLine {
   std::string root;    // empty with a list of stores
   std::string stores;  // the list
   int jobs = 4;
-  std::vector<std::string> forEach;  // the options that each store of the list is read with
   Format format = Format::kTable;
   std::string output = "-";
   bool roster = false;
@@ -38,6 +37,7 @@ struct CommandLine {
   std::optional<std::string> charset;
   bool byteOrderMark = false;
   bool quiet = false;
+  kivhost::ColorWish color = kivhost::ColorWish::kAuto;
   Language language = LanguageOfEnvironment();
 };
 

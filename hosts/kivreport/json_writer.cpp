@@ -80,7 +80,8 @@ class Writer {
                         {"class", name(place.group)},
                         {"student", name(place.student)},
                         {"path", place.unread->path},
-                        {"reason", place.unread->what}});
+                        {"reason", place.unread->what},
+                        {"message", place.unread->reason}});
     }
     json["complete"] = unread.empty();
     if (!unread.empty()) {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <regex>
 
 #include "hosts/common/host_error.h"
 #include "hosts/common/whole_file.h"
+#include "hosts/kivreport/json_reading.h"
 
 namespace kivreport {
 namespace {
@@ -20,31 +20,10 @@ constexpr size_t kLargest = size_t{1} << 30;
   throw kivhost::HostError(kivhost::kWrongUsage, path + ": " + why);
 }
 
-// What `Value` is not counts as not there.
-template <class Value>
-Value ValueAt(const json& object, const char* key, Value otherwise) {
-  const auto found = object.is_object() ? object.find(key) : object.end();
-  if (!object.is_object() || found == object.end()) {
-    return otherwise;
-  }
-  const auto* const value = found->get_ptr<const Value*>();
-  return value != nullptr ? *value : otherwise;
-}
-
-const json& ListAt(const json& object, const char* key) {
-  static const json kNone = json::array();
-  const bool isThere = object.is_object() && object.contains(key) && object[key].is_array();
-  return isThere ? object[key] : kNone;
-}
-
 std::optional<int> MissionOf(const json& student) {
-  const auto mission = student.is_object() ? student.find("current_mission") : student.end();
-  if (!student.is_object() || mission == student.end() || !mission->is_number_integer()) {
-    return std::nullopt;
-  }
-  const auto number = mission->get<int64_t>();
-  return number >= 1 && number <= INT16_MAX ? std::optional(static_cast<int>(number))
-                                            : std::nullopt;
+  const auto mission = ValueAt<int64_t>(student, "current_mission", 0);
+  return mission >= 1 && mission <= INT16_MAX ? std::optional(static_cast<int>(mission))
+                                              : std::nullopt;
 }
 
 void AddClasses(KeptReport& report, const json& holder, const std::string& teacher) {

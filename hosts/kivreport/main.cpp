@@ -15,6 +15,7 @@
 #include "hosts/kivreport/many_stores.h"
 #include "hosts/kivreport/report_reader.h"
 #include "hosts/kivreport/report_writer.h"
+#include "hosts/kivreport/store_arguments.h"
 #include "kivstore/general_proc.h"
 
 namespace kivreport {
@@ -83,6 +84,12 @@ std::optional<size_t> WidthOf(const CommandLine& line) {
   return line.output == "-" ? kivhost::OutputColumns() : std::nullopt;
 }
 
+// By itself a file has none.
+bool HasColor(const CommandLine& line) {
+  const bool isWished = line.color == kivhost::ColorWish::kAlways;
+  return isWished || (line.output == "-" && kivhost::HasColor(line.color));
+}
+
 Form FormOf(const CommandLine& line) {
   Form form;
   form.format = line.format;
@@ -97,6 +104,7 @@ Form FormOf(const CommandLine& line) {
   form.showsUnicode = kivhost::ShowsUnicode();
   form.language = line.language;
   form.marksStanding = line.idleDays.has_value();
+  form.hasColor = isTable && HasColor(line);
   return form;
 }
 
@@ -214,19 +222,24 @@ void WriteReportOf(const Task& task) {
 
 // What is not read is told behind all that is.
 int RunMany(const CommandLine& line) {
-  if (line.format != Format::kTable && RowFormOf(line.format) == nullptr &&
-      line.format != Format::kJson) {
-    throw HostError(kWrongUsage, "--stores: in text only: table, csv, json or ndjson");
-  }
+  ManyStores task;
+  task.list = line.stores;
+  task.jobs = static_cast<size_t>(line.jobs);
+  task.form = FormOf(line);
+  task.arguments = ArgumentsForEach(line, task.form);
+  task.idleDays = line.idleDays.value_or(task.idleDays);
+  task.part = PartOf(line);
+  task.progress = !line.roster;
   kivhost::WholeFile file(line.output, line.force);
   file.Write(Opening(line));
-  const size_t unread = ReportManyStores(
-      {line.stores, static_cast<size_t>(line.jobs), line.format, line.raw, line.forEach},
-      [&](std::string_view text) { file.Write(text); });
+  const SchoolsRead read = ReportManyStores(task, [&](std::string_view text) { file.Write(text); });
   file.Finish();
-  if (unread > 0) {
-    throw HostError(kNoStore, "incomplete: " + kivhost::Counted(unread, "school") +
+  if (read.unread > 0) {
+    throw HostError(kNoStore, "incomplete: " + kivhost::Counted(read.unread, "school") +
                                   " could not be read, or not all of it");
+  }
+  if (read.with == 0) {
+    throw HostError(kRefused, line.stores + ": no school has what was asked for");
   }
   return kDone;
 }

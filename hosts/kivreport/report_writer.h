@@ -22,6 +22,7 @@ struct Form {
   std::optional<size_t> width;     // of the terminal that a table is to fit; nothing: a pipe
   bool showsUnicode = false;       // that terminal
   bool marksStanding = false;      // also in a pipe
+  bool hasColor = false;           // of a table's marks: idle, not begun, not read
   Language language = Language::kEnglish;  // of a page and of a workbook
 };
 
@@ -43,8 +44,9 @@ void WriteSheets(std::ostream& out, const Report& report, const Form& form);
 // "current_mission":3,"previous_mission":2,"vocab_level":1, and the other columns}]}]}]}; in a
 // local store "classes" stands at the top. With names only, each level says its counts instead of
 // missions. "complete" is true, or false with
-// "unread":[{"teacher":...,"class":...,"student":...,"path":...,"reason":...}]. Behind it
-// "school", "root", "written_at", "part" if it was limited to one, and of a comparison
+// "unread":[{"teacher":...,"class":...,"student":...,"path":...,"reason":...,"message":...}], the
+// message being the reason with its path and what to do. Behind it "school", "root", "written_at",
+// "part" if it was limited to one, and of a comparison
 // "since":{"written_at":...,"report":...,"left":[{"teacher":...,"class":...,"name":...,"mission":...,
 // "note":...}]}, of kept reports "history":[{"teacher":...,"class":...,
 // "points":[{"written_at":...,"median":...,"students":...}],

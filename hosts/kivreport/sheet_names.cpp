@@ -55,16 +55,28 @@ bool SheetNames::Take(const std::string& name) {
 }
 
 std::string SheetNames::NameFor(const std::string& group, const std::string& teacher) {
-  std::string name = Legal(group);
-  if (Take(name)) {
-    return name;
+  for (const std::string& name : {Legal(group), Legal(group + ", " + teacher)}) {
+    if (Take(name)) {
+      return name;
+    }
   }
-  name = Legal(group + ", " + teacher);
-  for (int number = 2; !Take(name); ++number) {
-    const std::string end = " (" + std::to_string(number) + ")";
-    name = Cut(Legal(group), kLongest - end.size()) + end;
+  return Numbered(group);
+}
+
+std::string SheetNames::NameAmongSchools(const std::string& group, const std::string& school) {
+  const std::string name = Legal(group + ", " + school);
+  return Take(name) ? name : Numbered(name);
+}
+
+// A search from 2 on each time would take long for a thousand classes of one name.
+std::string SheetNames::Numbered(const std::string& name) {
+  for (size_t& number = last.try_emplace(kivhost::FoldCase(name), 1).first->second;;) {
+    const std::string end = " (" + std::to_string(++number) + ")";
+    const std::string numbered = Cut(Legal(name), kLongest - end.size()) + end;
+    if (Take(numbered)) {
+      return numbered;
+    }
   }
-  return name;
 }
 
 }  // namespace kivreport

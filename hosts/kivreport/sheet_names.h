@@ -1,6 +1,8 @@
 // Names for the sheets of a workbook.
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <set>
 #include <string>
 
@@ -11,13 +13,17 @@ namespace kivreport {
 class SheetNames {
  public:
   // For a class: its own name as far as that may stand; with the teacher's behind it where another
-  // class has it already, and else with a number.
+  // class has it already, and else with a number. Of many schools each class has its school's name
+  // behind it at once.
   std::string NameFor(const std::string& group, const std::string& teacher);
+  std::string NameAmongSchools(const std::string& group, const std::string& school);
 
  private:
+  std::string Numbered(const std::string& name);
   bool Take(const std::string& name);
 
-  std::set<std::string> taken;  // folded
+  std::set<std::string> taken;         // folded
+  std::map<std::string, size_t> last;  // number of a name, likewise
 };
 
 }  // namespace kivreport

@@ -91,11 +91,11 @@ void WriteChange(std::ostream& out, const Since& since, const Change& change) {
       << Printable(since.Name()) << ")\n";
 }
 
-void WriteSheet(std::ostream& out, const Row& row, bool unicode) {
+void WriteSheet(std::ostream& out, const Row& row, const Form& form) {
   out << Printable(row.student.name) << '\n'
       << Printable(PlaceName(row.teacher, row.group)) << "\n\n";
   if (row.student.unread) {
-    out << "  not read, " << row.student.unread->what << '\n';
+    out << "  " << ColoredNote("not read, " + row.student.unread->what, form.hasColor) << '\n';
     return;
   }
   const Progress& progress = *row.student.progress;
@@ -107,7 +107,7 @@ void WriteSheet(std::ostream& out, const Row& row, bool unicode) {
   if (row.report.since && row.student.change) {
     WriteChange(out, *row.report.since, *row.student.change);
   }
-  WriteMissions(out, progress, unicode);
+  WriteMissions(out, progress, form.width && form.showsUnicode);
   if (progress.keys) {
     WriteKeys(out, *progress.keys);
   } else {
@@ -124,13 +124,12 @@ void WriteSheets(std::ostream& out, const Report& report, const Form& form) {
       for (const Student& student : group.students) {
         out << (isFirst ? "" : "\n");
         isFirst = false;
-        WriteSheet(out, {report, teacher.name, group.name, student},
-                   form.width && form.showsUnicode);
+        WriteSheet(out, {report, teacher.name, group.name, student}, form);
       }
     }
   }
   for (const std::string& reason : ReasonsOf(report)) {
-    out << "incomplete: " << Printable(reason) << '\n';
+    out << ColoredNote("incomplete: " + Printable(reason), form.hasColor) << '\n';
   }
 }
 

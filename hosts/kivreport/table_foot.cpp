@@ -113,7 +113,7 @@ void WriteFoot(std::ostream& out, const Report& report, const Form& form) {
     WriteHistory(out, report, form.width && form.showsUnicode);
   }
   for (const std::string& reason : ReasonsOf(report)) {
-    out << "incomplete: " << Printable(reason) << '\n';
+    out << ColoredNote("incomplete: " + Printable(reason), form.hasColor) << '\n';
   }
 }
 

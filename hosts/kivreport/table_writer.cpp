@@ -142,14 +142,15 @@ std::vector<size_t> MeasureColumns(const std::vector<TableLine>& lines, size_t c
 }
 
 std::string TextOfLine(const TableLine& line, const Columns& columns,
-                       const std::vector<size_t>& widths) {
+                       const std::vector<size_t>& widths, bool hasColor) {
   std::string text;
   for (size_t i = 0; i < line.cells.size(); ++i) {
     const bool isNote = line.isNote && i + 1 == line.cells.size();
     text += i > 0 ? "  " : "";
-    text += isNote                 ? line.cells[i]
-            : columns[i]->isNumber ? PadLeft(line.cells[i], widths[i])
-                                   : PadRight(line.cells[i], widths[i]);
+    text += isNote ? ColoredNote(line.cells[i], hasColor)
+            : columns[i]->isNumber
+                ? PadLeft(line.cells[i], widths[i])
+                : ColoredCell(PadRight(line.cells[i], widths[i]), columns[i]->name, hasColor);
   }
   text.erase(text.find_last_not_of(' ') + 1);
   return text;
@@ -165,10 +166,12 @@ void WriteTable(std::ostream& out, const Report& report, const Form& form) {
   for (const size_t width : widths) {
     rule.cells.emplace_back(width, '-');
   }
-  out << TextOfLine(lines.front(), columns, widths) << '\n'
-      << TextOfLine(rule, columns, widths) << '\n';
-  std::for_each(lines.begin() + 1, lines.end(),
-                [&](const TableLine& line) { out << TextOfLine(line, columns, widths) << '\n'; });
+  const auto write = [&](const TableLine& line) {
+    out << TextOfLine(line, columns, widths, form.hasColor) << '\n';
+  };
+  write(lines.front());
+  write(rule);
+  std::for_each(lines.begin() + 1, lines.end(), write);
   WriteFoot(out, report, form);
 }
 

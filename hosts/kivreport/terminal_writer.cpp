@@ -112,9 +112,9 @@ class TerminalTable {
   void AddNote(const std::string& indent, const std::string& name,
                const std::optional<Unread>& unread, bool isPart) {
     if (unread) {
-      lines.push_back(
-          {indent + Printable(name) + (isPart ? ": not all read, " : ": not read, ") + unread->what,
-           {}});
+      const std::string note =
+          Printable(name) + (isPart ? ": not all read, " : ": not read, ") + unread->what;
+      lines.push_back({indent + ColoredNote(note, form.hasColor), {}});
     }
   }
 
@@ -182,7 +182,9 @@ class TerminalTable {
     std::string text = kIndent;
     for (size_t i = 0; i < cells.size(); ++i) {
       const std::string cell = CutTo(cells[i], widths[i], form.showsUnicode);
-      text += columns[i]->isNumber ? PadLeft(cell, widths[i]) : PadRight(cell, widths[i]);
+      text += columns[i]->isNumber
+                  ? PadLeft(cell, widths[i])
+                  : ColoredCell(PadRight(cell, widths[i]), columns[i]->name, form.hasColor);
       text += std::string(kGap, ' ');
     }
     text.erase(text.find_last_not_of(' ') + 1);

@@ -1,203 +1,154 @@
 #include "hosts/kivreport/workbook_writer.h"
 
-#include <xlsxwriter.h>
-
-#include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hosts/common/host_error.h"
-#include "hosts/common/unicode.h"
 #include "hosts/kivreport/page/change_cells.h"
 #include "hosts/kivreport/page/class_figures.h"
-#include "hosts/kivreport/page/markup.h"
+#include "hosts/kivreport/schools_form.h"
 #include "hosts/kivreport/scratch_folder.h"
 #include "hosts/kivreport/sheet_names.h"
+#include "hosts/kivreport/workbook_sheet.h"
 
 namespace kivreport {
 namespace {
 
-constexpr double kNarrowest = 9, kWidest = 48;  // columns, in characters
+[[noreturn]] void ThrowUnwritten(lxw_error error) {
+  throw kivhost::HostError(
+      kivhost::kNoStore, std::string("the workbook could not be written: ") + lxw_strerror(error));
+}
 
-struct Formats {
-  explicit Formats(lxw_workbook* book, Language language)
-      : title(workbook_add_format(book)),
-        head(workbook_add_format(book)),
-        date(workbook_add_format(book)),
-        moment(workbook_add_format(book)),
-        idle(workbook_add_format(book)),
-        unbegun(workbook_add_format(book)),
-        link(workbook_get_default_url_format(book)) {
-    format_set_bold(title);
-    format_set_font_size(title, 14);
-    format_set_bold(head);
-    format_set_text_wrap(head);
-    format_set_align(head, LXW_ALIGN_VERTICAL_TOP);
-    format_set_bottom(head, LXW_BORDER_THIN);
-    format_set_bg_color(head, 0xE8EEF5);
-    const bool german = language == Language::kGerman;
-    format_set_num_format(date, german ? "dd.mm.yyyy" : "d mmm yyyy");
-    format_set_num_format(moment, german ? "dd.mm.yyyy hh:mm" : "d mmm yyyy hh:mm");
-    for (lxw_format* const format : {date, moment}) {
-      format_set_align(format, LXW_ALIGN_LEFT);
-    }
-    format_set_bg_color(idle, 0xFDEEC9);
-    format_set_bg_color(unbegun, 0xFCE4E2);
-  }
-
-  lxw_format *title, *head, *date, *moment, *idle, *unbegun, *link;
-};
-
-// Writes one sheet, and knows how wide each column has to be.
-class Sheet {
+// The library writes to a named file alone.
+class BookFile {
  public:
-  Sheet(lxw_workbook* book, const std::string& name)
-      : sheet(workbook_add_worksheet(book, name.c_str())) {
-    if (sheet == nullptr) {
-      throw kivhost::HostError(kivhost::kNoStore, name + ": the workbook takes no such sheet");
+  BookFile()
+      : folder(scratch.Path()), path(scratch.PathOf("report.xlsx")), book(Open(path, folder)) {}
+  ~BookFile() {
+    if (book != nullptr) {
+      workbook_close(book);
     }
   }
+  BookFile(const BookFile&) = delete;
+  BookFile& operator=(const BookFile&) = delete;
 
-  void Text(lxw_row_t row, lxw_col_t column, const std::string& text,
-            lxw_format* format = nullptr) {
-    worksheet_write_string(sheet, row, column, Presentable(text).c_str(), format);
-    Widen(column, static_cast<double>(kivhost::CountCells(text)));
-  }
+  lxw_workbook* Book() const { return book; }
 
-  void Number(lxw_row_t row, lxw_col_t column, double number) {
-    worksheet_write_number(sheet, row, column, number, nullptr);
-  }
-
-  // "2026-11-20T10:15:00"; what is no time stays empty.
-  void Time(lxw_row_t row, lxw_col_t column, const std::string& time, lxw_format* format) {
-    lxw_datetime parts{};
-    if (std::sscanf(time.c_str(), "%4d-%2d-%2dT%2d:%2d", &parts.year, &parts.month, &parts.day,
-                    &parts.hour, &parts.min) == 5) {
-      worksheet_write_datetime(sheet, row, column, &parts, format);
-      Widen(column, 11);
+  void WriteTo(const WriteText& write) {
+    if (const lxw_error error = workbook_close(std::exchange(book, nullptr));
+        error != LXW_NO_ERROR) {
+      ThrowUnwritten(error);
     }
-  }
-
-  // To the sheet of that name.
-  void Link(lxw_row_t row, lxw_col_t column, const std::string& sheetName, const std::string& text,
-            lxw_format* format) {
-    std::string quoted;
-    for (const char c : sheetName) {
-      quoted += c == '\'' ? "''" : std::string(1, c);
-    }
-    worksheet_write_url_opt(sheet, row, column, ("internal:'" + quoted + "'!A1").c_str(), format,
-                            Presentable(text).c_str(), nullptr);
-    Widen(column, static_cast<double>(kivhost::CountCells(text)));
-  }
-
-  void Head(lxw_row_t row, const std::vector<std::string_view>& texts, lxw_format* format) {
-    for (size_t i = 0; i < texts.size(); ++i) {
-      const std::string text(texts[i]);
-      worksheet_write_string(sheet, row, static_cast<lxw_col_t>(i), text.c_str(), format);
-      Widen(static_cast<lxw_col_t>(i), kNarrowest);
-    }
-    worksheet_set_row(sheet, row, 2 * LXW_DEF_ROW_HEIGHT, nullptr);
-  }
-
-  // Red at the course's begin, green at its end, whoever is in the class.
-  void ScaleMissions(lxw_row_t first, lxw_row_t last, lxw_col_t column) {
-    lxw_conditional_format scale{};
-    scale.type = LXW_CONDITIONAL_3_COLOR_SCALE;
-    scale.min_rule_type = scale.mid_rule_type = scale.max_rule_type =
-        LXW_CONDITIONAL_RULE_TYPE_NUMBER;
-    scale.min_value = 1;
-    scale.mid_value = (1 + kMissions) / 2.0;
-    scale.max_value = kMissions;
-    scale.min_color = 0xF8A7A0;
-    scale.mid_color = 0xFFF0B3;
-    scale.max_color = 0x9AD6A5;
-    worksheet_conditional_format_range(sheet, first, column, last, column, &scale);
-  }
-
-  // The head stays in sight, is repeated on paper, and filters the rows below it.
-  void Finish(lxw_row_t head, lxw_row_t last) {
-    const auto lastColumn = static_cast<lxw_col_t>(widths.size() - 1);
-    worksheet_freeze_panes(sheet, head + 1, 1);
-    worksheet_autofilter(sheet, head, 0, std::max(last, head), lastColumn);
-    worksheet_repeat_rows(sheet, head, head);
-    worksheet_fit_to_pages(sheet, 1, 0);
-    worksheet_set_paper(sheet, 9);  // A4
-    worksheet_set_footer(sheet, "&L&A&R&P / &N");
-    for (size_t i = 0; i < widths.size(); ++i) {
-      const auto column = static_cast<lxw_col_t>(i);
-      worksheet_set_column(sheet, column, column, std::min(widths[i] + 2, kWidest), nullptr);
+    std::ifstream file(path, std::ios::binary);
+    std::string block(1 << 16, '\0');
+    while (file.read(block.data(), static_cast<std::streamsize>(block.size())), file.gcount() > 0) {
+      write(std::string_view(block).substr(0, static_cast<size_t>(file.gcount())));
     }
   }
 
  private:
-  void Widen(lxw_col_t column, double width) {
-    widths.resize(std::max<size_t>(widths.size(), column + 1u), kNarrowest);
-    widths[column] = std::max(widths[column], width);
+  static lxw_workbook* Open(const std::string& path, std::string& folder) {
+    lxw_workbook_options options{};
+    options.tmpdir = folder.data();
+    lxw_workbook* const book = workbook_new_opt(path.c_str(), &options);
+    if (book == nullptr) {
+      ThrowUnwritten(LXW_ERROR_MEMORY_MALLOC_FAILED);
+    }
+    return book;
   }
 
-  lxw_worksheet* const sheet;
-  std::vector<double> widths;
+  const ScratchFolder scratch;
+  std::string folder;
+  const std::string path;
+  lxw_workbook* book;
 };
 
-class Workbook {
+// The summary's head stands at a fixed row, so that what is above it may be written last.
+class Workbook : public SchoolsForm {
  public:
-  Workbook(lxw_workbook* book, const Report& report, Language language)
-      : book(book),
-        report(report),
+  // `whole` is the one school, or what many are of.
+  Workbook(const Report& whole, Language language, bool ofMany)
+      : whole(whole),
         words(language),
+        indent(ofMany ? 1 : 0),
         changeHead(words.Filled(Word::kChangeSince, {SinceWhen()})),
-        formats(book, language) {}
+        formats(file.Book(), language),
+        summary(file.Book(), names.NameFor(std::string(words[Word::kSummary]), ""), indent) {
+    summary.Head(kHeadRow, Headed(SummaryHead()), formats.head);
+  }
 
-  void Write() {
-    Sheet summary(book, names.NameFor(std::string(words[Word::kSummary]), ""));
-    lxw_row_t row = WriteFacts(summary) + 1;
-    const lxw_row_t head = row++;
-    summary.Head(head, SummaryHead(), formats.head);
-    for (const Teacher& teacher : report.teachers) {
+  void Add(const Report& school) override {
+    for (const Teacher& teacher : school.teachers) {
       for (const Class& group : teacher.classes) {
-        const std::string name = names.NameFor(group.name, teacher.name);
-        WriteClass(name, group);
-        WriteSummary(summary, row++, {teacher, group, name});
+        const std::string name = indent > 0 ? names.NameAmongSchools(group.name, school.school)
+                                            : names.NameFor(group.name, teacher.name);
+        WriteClass({school, teacher, group, name});
+        WriteSummary({school, teacher, group, name});
       }
     }
-    if (report.progress) {
-      summary.ScaleMissions(head + 1, row, kMedianColumn);
+    for (const UnreadPlace& place : ListUnread(school)) {
+      unread.push_back(
+          {school.school, place.group, place.teacher, place.student, place.unread->reason});
     }
-    summary.Finish(head, row - 1);
-    row = WriteLeft(summary, row + 1);
-    WriteUnread(summary, row + 1);
+  }
+
+  void AddUnread(const std::string& school, const std::string& reason) override {
+    summary.Lead(row, school);
+    summary.Text(row++, 0, words.Filled(Word::kNotRead, {reason}));
+    unread.push_back({school, "", "", "", reason});
+  }
+
+  void Finish(const WriteText& write) override {
+    if (whole.progress) {
+      summary.ScaleMissions(kHeadRow + 1, row, kMedianColumn);
+    }
+    WriteFacts();
+    summary.Finish(kHeadRow, row - 1);
+    WriteLeft();
+    WriteUnread();
+    file.WriteTo(write);
   }
 
  private:
+  static constexpr lxw_row_t kHeadRow = 5;
   static constexpr lxw_col_t kMissionColumn = 1;  // of a class
   static constexpr lxw_col_t kMedianColumn = 3;   // of the summary
 
   struct ClassSheet {
+    const Report& school;
     const Teacher& teacher;
     const Class& group;
     const std::string& name;
   };
+  struct UnreadLine {
+    std::string school, group, teacher, student, reason;
+  };
 
-  // What the report is of; answers the row below.
-  lxw_row_t WriteFacts(Sheet& sheet) {
-    sheet.Text(0, 0, report.school, formats.title);
-    lxw_row_t row = 1;
-    sheet.Text(row, 0, std::string(words[Word::kWritten]));
-    sheet.Time(row++, 1, report.when, formats.moment);
-    sheet.Text(row, 0, std::string(words[Word::kStore]));
-    sheet.Text(row++, 1, report.root);
-    const bool isComplete = ListUnread(report).empty();
-    sheet.Text(row++, 0, std::string(words[isComplete ? Word::kComplete : Word::kIncomplete]));
-    return row;
+  void WriteFacts() {
+    summary.Indent(0);
+    summary.Text(0, 0, whole.school, formats.title);
+    summary.Text(1, 0, std::string(words[Word::kWritten]));
+    summary.Time(1, 1, whole.when, formats.moment);
+    summary.Text(2, 0, std::string(words[Word::kStore]));
+    summary.Text(2, 1, whole.root);
+    summary.Text(3, 0, std::string(words[unread.empty() ? Word::kComplete : Word::kIncomplete]));
+    summary.Indent(indent);
+  }
+
+  std::vector<std::string_view> Headed(std::vector<std::string_view> head) const {
+    if (indent > 0) {
+      head.insert(head.begin(), words[Word::kSchool]);
+    }
+    return head;
   }
 
   std::vector<std::string_view> SummaryHead() const {
     std::vector<std::string_view> head{words[Word::kClass], words[Word::kTeacher],
                                        words[Word::kHowMany]};
-    if (report.progress) {
+    if (whole.progress) {
       for (const Word word :
            {Word::kMedian, Word::kFrom, Word::kTo, Word::kNotBegun, Word::kIdle}) {
         head.push_back(words[word]);
@@ -206,148 +157,144 @@ class Workbook {
     return head;
   }
 
-  void WriteSummary(Sheet& sheet, lxw_row_t row, const ClassSheet& place) {
-    sheet.Link(row, 0, place.name, place.group.name, formats.link);
-    sheet.Text(row, 1, place.teacher.name);
+  void WriteSummary(const ClassSheet& place) {
+    summary.Lead(row, place.school.school);
+    summary.Link(row, 0, place.name, place.group.name, formats.link);
+    summary.Text(row, 1, place.teacher.name);
     if (place.group.IsKnown()) {
-      sheet.Number(row, 2, static_cast<double>(place.group.students.size()));
+      summary.Number(row, 2, static_cast<double>(place.group.students.size()));
     }
-    const ClassFigures figures = FiguresOf(report, place.group);
+    const ClassFigures figures = FiguresOf(place.school, place.group);
     if (figures.known > 0) {
       lxw_col_t column = kMedianColumn;
       for (const double number :
            {figures.median, static_cast<double>(figures.least), static_cast<double>(figures.most),
             static_cast<double>(figures.notBegun), static_cast<double>(figures.idle)}) {
-        sheet.Number(row, column++, number);
+        summary.Number(row, column++, number);
       }
     }
+    ++row;
   }
 
-  // Who is not there any more; answers the row below.
-  lxw_row_t WriteLeft(Sheet& sheet, lxw_row_t row) {
-    if (!report.since || report.since->left.empty()) {
-      return row;
+  // Who is not there any more.
+  void WriteLeft() {
+    ++row;
+    if (!whole.since || whole.since->left.empty()) {
+      return;
     }
-    sheet.Text(row++, 0, words.Filled(Word::kLeftSince, {SinceWhen()}), formats.head);
-    for (const Departed& departed : report.since->left) {
-      sheet.Text(row, 0, departed.group);
-      sheet.Text(row, 1, departed.teacher);
-      sheet.Text(row, 2, departed.name);
+    summary.Text(row++, 0, words.Filled(Word::kLeftSince, {SinceWhen()}), formats.head);
+    for (const Departed& departed : whole.since->left) {
+      summary.Text(row, 0, departed.group);
+      summary.Text(row, 1, departed.teacher);
+      summary.Text(row, 2, departed.name);
       if (departed.mission) {
-        sheet.Number(row, 3, *departed.mission);
+        summary.Number(row, 3, *departed.mission);
       }
-      sheet.Text(row++, 4, departed.note);
+      summary.Text(row++, 4, departed.note);
     }
-    return row;
   }
 
   std::string SinceWhen() const {
-    return report.since ? words.Date(report.since->Name()) : std::string();
+    return whole.since ? words.Date(whole.since->Name()) : std::string();
   }
 
-  void WriteUnread(Sheet& sheet, lxw_row_t row) {
-    for (const UnreadPlace& place : ListUnread(report)) {
+  void WriteUnread() {
+    ++row;
+    for (const UnreadLine& line : unread) {
+      summary.Lead(row, line.school);
       lxw_col_t column = 0;
-      for (const std::string* text :
-           {&place.group, &place.teacher, &place.student, &place.unread->reason}) {
-        sheet.Text(row, column++, *text);
+      for (const std::string* text : {&line.group, &line.teacher, &line.student, &line.reason}) {
+        summary.Text(row, column++, *text);
       }
       ++row;
     }
   }
 
-  void WriteClass(const std::string& name, const Class& group) {
-    Sheet sheet(book, name);
+  void WriteClass(const ClassSheet& place) {
+    Sheet sheet(file.Book(), place.name, indent);
     std::vector<std::string_view> head{words[Word::kStudent]};
-    if (report.progress) {
+    if (whole.progress) {
       for (const Word word : {Word::kMission, Word::kPrevious, Word::kVocabulary, Word::kLessons,
                               Word::kLastWork, Word::kRemark}) {
         head.push_back(words[word]);
       }
     }
-    if (report.progress && report.since) {
+    if (whole.progress && whole.since) {
       head.push_back(changeHead);
       head.push_back(words[Word::kChange]);
     }
-    sheet.Head(0, head, formats.head);
-    lxw_row_t row = 0;
-    for (const Student& student : group.students) {
-      WriteStudent(sheet, ++row, student);
+    sheet.Head(0, Headed(head), formats.head);
+    lxw_row_t last = 0;
+    for (const Student& student : place.group.students) {
+      sheet.Lead(++last, place.school.school);
+      WriteStudent(sheet, last, place.school, student);
     }
-    if (report.progress && row > 0) {
-      sheet.ScaleMissions(1, row, kMissionColumn);
+    if (whole.progress && last > 0) {
+      sheet.ScaleMissions(1, last, kMissionColumn);
     }
-    sheet.Finish(0, row);
+    sheet.Finish(0, last);
   }
 
-  void WriteStudent(Sheet& sheet, lxw_row_t row, const Student& student) {
-    sheet.Text(row, 0, student.name);
+  void WriteStudent(Sheet& sheet, lxw_row_t at, const Report& school, const Student& student) {
+    sheet.Text(at, 0, student.name);
     lxw_col_t column = kMissionColumn;
     if (student.progress) {
       const Progress& progress = *student.progress;
       for (const int number : {progress.currentMission, progress.previousMission,
                                progress.vocabLevel, progress.lessonsDone}) {
-        sheet.Number(row, column++, number);
+        sheet.Number(at, column++, number);
       }
-      sheet.Time(row, column++, progress.lastWork, formats.date);
-      WriteRemark(sheet, row, column++, student);
-      WriteChange(sheet, row, column, student);
+      sheet.Time(at, column++, progress.lastWork, formats.date);
+      WriteRemark(sheet, at, column++, school, student);
+      WriteChange(sheet, at, column, student);
     } else if (student.unread) {
       constexpr lxw_col_t kRemarkColumn = 6;
-      sheet.Text(row, kRemarkColumn, words.Filled(Word::kNotRead, {student.unread->what}));
+      sheet.Text(at, kRemarkColumn, words.Filled(Word::kNotRead, {student.unread->what}));
     }
   }
 
-  void WriteChange(Sheet& sheet, lxw_row_t row, lxw_col_t column, const Student& student) {
+  void WriteChange(Sheet& sheet, lxw_row_t at, lxw_col_t column, const Student& student) {
     if (student.change && student.change->missions) {
-      sheet.Number(row, column, *student.change->missions);
+      sheet.Number(at, column, *student.change->missions);
     }
     if (student.change) {
-      sheet.Text(row, static_cast<lxw_col_t>(column + 1), ChangeInWords(*student.change, words));
+      sheet.Text(at, static_cast<lxw_col_t>(column + 1), ChangeInWords(*student.change, words));
     }
   }
 
-  void WriteRemark(Sheet& sheet, lxw_row_t row, lxw_col_t column, const Student& student) {
-    const Standing standing = StandingOf(report, student);
+  void WriteRemark(Sheet& sheet, lxw_row_t at, lxw_col_t column, const Report& school,
+                   const Student& student) {
+    const Standing standing = StandingOf(school, student);
     if (standing == Standing::kNotBegun) {
-      sheet.Text(row, column, std::string(words[Word::kNever]), formats.unbegun);
+      sheet.Text(at, column, std::string(words[Word::kNever]), formats.unbegun);
     } else if (standing == Standing::kIdle) {
-      const std::string days = std::to_string(DaysIdle(report, student).value_or(0));
-      sheet.Text(row, column, words.Filled(Word::kIdleFor, {days}), formats.idle);
+      const std::string days = std::to_string(DaysIdle(school, student).value_or(0));
+      sheet.Text(at, column, words.Filled(Word::kIdleFor, {days}), formats.idle);
     }
   }
 
-  lxw_workbook* const book;
-  const Report& report;
+  const Report& whole;
   const Words words;
+  const lxw_col_t indent;  // of the columns, behind the school's
   const std::string changeHead;
-  Formats formats;
+  BookFile file;
+  SheetFormats formats;
   SheetNames names;
+  Sheet summary;
+  lxw_row_t row = kHeadRow + 1;  // of the summary, the next to be written
+  std::vector<UnreadLine> unread;
 };
-
-[[noreturn]] void ThrowUnwritten(lxw_error error) {
-  throw kivhost::HostError(
-      kivhost::kNoStore, std::string("the workbook could not be written: ") + lxw_strerror(error));
-}
 
 }  // namespace
 
-// The library writes to a named file alone.
 void WriteWorkbook(std::ostream& out, const Report& report, Language language) {
-  const ScratchFolder scratch;
-  std::string folder = scratch.Path();
-  const std::string path = scratch.PathOf("report.xlsx");
-  lxw_workbook_options options{};
-  options.tmpdir = folder.data();
-  lxw_workbook* const book = workbook_new_opt(path.c_str(), &options);
-  if (book == nullptr) {
-    ThrowUnwritten(LXW_ERROR_MEMORY_MALLOC_FAILED);
-  }
-  Workbook(book, report, language).Write();
-  if (const lxw_error error = workbook_close(book); error != LXW_NO_ERROR) {
-    ThrowUnwritten(error);
-  }
-  out << std::ifstream(path, std::ios::binary).rdbuf();
+  Workbook book(report, language, false);
+  book.Add(report);
+  book.Finish([&out](std::string_view bytes) { out << bytes; });
+}
+
+std::unique_ptr<SchoolsForm> SchoolsWorkbook(const Report& whole, const Form& form) {
+  return std::make_unique<Workbook>(whole, form.language, true);
 }
 
 }  // namespace kivreport

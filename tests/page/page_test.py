@@ -78,6 +78,12 @@ def run(*words, expect=0, **environment):
     return result.stdout
 
 
+def list_stores(path, stores):
+    with open(path, "w", encoding="utf-8", newline="") as file:
+        csv.writer(file).writerows([("name", "data root"), *stores])
+    return f"--stores={path}"
+
+
 def roster(path, rows):
     with open(path, "w", encoding="utf-8", newline="") as file:
         writer = csv.writer(file)
@@ -134,6 +140,13 @@ class Pages(unittest.TestCase):
                               old.read_text("utf-8")), "utf-8")
         cls.pages["change"] = cls.report(teachers, "html", "--since", old, "--history", kept)
         cls.pages["student"] = cls.report(cls.roots["many"], "html", "--student", "Student 500")
+        # One of them cannot be read, one not all of it.
+        torn = shutil.copytree(teachers, cls.folder / "torn")
+        next(torn.rglob("Room12/Students/index.lok")).unlink()
+        cls.schools = {"Hill": teachers, "Gone": cls.folder / "gone", "<b>Dale": cls.roots["local"],
+                       "Torn": torn}
+        cls.pages["schools"] = cls.report(
+            list_stores(cls.folder / "north.csv", cls.schools.items()), "html", expect=3)
         cls.browser = Browser()
         cls.addClassCleanup(cls.browser.close)
 
@@ -214,6 +227,39 @@ class Pages(unittest.TestCase):
         self.assertTrue([name for role, name in self.browser.named()
                          if role == "image" and "over time: 31 Dec 2025: " in name])
 
+    def test_many_schools_are_told_beside_each_other_and_each_below(self):
+        self.browser.open(self.pages["schools"])
+        self.assertEqual(self.texts(".school > h2"), list(self.schools))
+        rows = dict(zip(self.texts("#glance ~ div tbody th a"),
+                        self.texts("#glance ~ div tbody td:nth-child(2)")))
+        self.assertIn("not read: ", rows.pop("Gone"))
+        self.assertEqual(rows, {"Hill": "3", "<b>Dale": "2", "Torn": "3"})
+        self.assertEqual([text.split(":")[0] for text in self.texts(".notice li")],
+                         ["Gone", "Torn, Ms Hill, Room 12"])
+        self.browser.run("document.querySelector('#glance ~ div th button').click()")
+        self.assertEqual(self.texts("#glance ~ div tbody th a"), sorted(self.schools))
+        everybody = len(self.texts(f"{STUDENTS} th"))
+        self.browser.run("document.getElementById('words').value = 'room dale';"
+                         "document.getElementById('find').dispatchEvent(new Event('input'))")
+        self.assertEqual((everybody, self.texts(f"{STUDENTS} th")),
+                         (11, ["Ann Lee", "José Núñez", "Mei"]))
+        self.assertEqual(self.texts(".school > h2"), ["<b>Dale"])
+
+    def test_memory_does_not_grow_with_the_schools(self):
+        most = []
+        for count in (3, 24):
+            stores = list_stores(self.folder / f"{count}.csv", [(f"School {number}", self.roots["many"])
+                                                                for number in range(count)])
+            path = self.folder / f"{count}.html"
+            process = subprocess.Popen([BIN / "kivreport", stores, "--format=html", "--output", path,
+                                        "--jobs=1"])
+            _, code, usage = os.wait4(process.pid, 0)
+            process.returncode = code
+            self.assertEqual(code, 0)
+            most.append(usage.ru_maxrss)
+        self.assertGreater(path.read_text("utf-8").count("<tr"), 24 * MANY)
+        self.assertLess(most[1], 1.3 * most[0])
+
     def test_a_student_alone_has_missions_and_keys(self):
         self.browser.open(self.pages["student"])
         self.assertEqual(len(self.texts(".missions li")), 25)
@@ -248,7 +294,7 @@ class Pages(unittest.TestCase):
             self.assertTrue(all(b <= a + 1 for a, b in zip(levels, levels[1:])), levels)
 
     def test_text_is_readable_light_and_dark_and_no_page_is_wider_than_a_phone(self):
-        for kind in ("teachers", "hostile", "change", "student"):
+        for kind in ("teachers", "hostile", "change", "student", "schools"):
             self.browser.open(self.pages[kind])
             for scheme in ("light", "dark"):
                 self.browser.ask("Emulation.setEmulatedMedia", features=[
@@ -275,6 +321,15 @@ class Pages(unittest.TestCase):
             self.assertLessEqual(max(map(len, begun)), 1)
             self.assertEqual([page for page in pages[1:] if "mission" not in page], [])
 
+    def test_on_paper_each_school_begins_a_page_and_each_class_names_its_school(self):
+        self.browser.open(self.pages["schools"])
+        heads = self.texts(".school > h2") + self.texts("section.group h4")
+        paper = self.folder / "schools.pdf"
+        paper.write_bytes(base64.b64decode(self.browser.ask("Page.printToPDF")["data"]))
+        pages = run("pdftotext", "-layout", paper, "-").split("\f")[:-1]
+        lines = [" ".join(page.split("\n")[0].split()) for page in pages[1:]]
+        self.assertEqual(sorted(lines), sorted(heads))
+
     def test_it_is_written_in_the_language_of_the_environment_or_of_the_line(self):
         root = self.roots["teachers"]
         for words, locale, title in (([], "de_DE.UTF-8", "Lernstand"),
@@ -293,10 +348,10 @@ class Workbooks(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.folder)
 
-    def sheets(self, root):
+    def sheets(self, root, expect=0):
         """By name: the sheet's tree, and its cells by place, numbers as numbers."""
         path = self.folder / "report.xlsx"
-        run(BIN / "kivreport", root, "--format=xlsx", "--output", path, "--force")
+        run(BIN / "kivreport", root, "--format=xlsx", "--output", path, "--force", expect=expect)
         with zipfile.ZipFile(path) as book:
             self.assertIsNone(book.testzip())
             strings = ["".join(item.itertext()) for item in
@@ -339,6 +394,24 @@ class Workbooks(unittest.TestCase):
         while f"A{row}" in cells:
             yield tuple(cells[f"{column}{row}"] for column in "ABCD")
             row += 1
+
+    def test_of_many_schools_each_row_begins_with_its_school(self):
+        root = shutil.copytree(GOLDEN / "teachers" / "store", self.folder / "store")
+        schools = {"A school of the longest name": root, "=Hill": root, "Gone": self.folder / "gone"}
+        sheets = self.sheets(list_stores(self.folder / "north.csv", schools.items()), expect=3)
+        summary = sheets.pop("Summary")[1]
+        column = [summary.get(f"A{row}") for row in range(6, 14)]
+        self.assertEqual(column, ["School"] + 3 * ["A school of the longest name"] + 3 * ["=Hill"]
+                         + ["Gone"])
+        self.assertIn("not read: ", summary["B13"])
+        self.assertEqual((summary["B8"], summary["D8"]), ("Room 12", 3))
+        self.assertEqual(len(sheets), 6)
+        self.assertIn("Room 12, =Hill", sheets)
+        for name, (_, cells) in sheets.items():
+            self.assertLessEqual(len(name), 31)
+            self.assertEqual((cells["A1"], cells["B1"]), ("School", "Student"))
+            self.assertIn(cells["A2"], schools)
+            self.assertIsInstance(cells["C2"], float)
 
     def test_names_are_texts_and_sheets_have_names_that_may_stand(self):
         sheets = self.sheets(lay_hostile(self.folder))

@@ -1,4 +1,4 @@
-// How the students of a class stand over the course's missions.
+// How the students of a class, or of a school, stand over the course's missions.
 #pragma once
 
 #include <array>
@@ -21,6 +21,7 @@ struct ClassFigures {
 };
 
 ClassFigures FiguresOf(const Report& report, const Class& group);
+ClassFigures FiguresOf(const Report& report);
 
 // The place of a mission in the course, 1 to 25.
 int WithinCourse(int mission);

@@ -93,13 +93,14 @@ std::string StudentHead(const Report& report, const Words& words) {
 }
 
 std::string StudentTable(const ClassPlace& place, const Words& words) {
-  StudentRows rows(place.report, words);
+  StudentRows rows(place.school.report, words);
   for (const Student& student : place.group.students) {
     rows.Add(student);
   }
   return "<div class=\"scroll\"><table class=\"students sortable\"><caption class=\"unseen\">" +
          words.Filled(Word::kStudentsOf, {place.FullName()}) + "</caption>\n" +
-         StudentHead(place.report, words) + "<tbody>\n" + rows.Take() + "</tbody></table></div>\n";
+         StudentHead(place.school.report, words) + "<tbody>\n" + rows.Take() +
+         "</tbody></table></div>\n";
 }
 
 // "12 students · median mission 3 · from 3 to 9"
@@ -116,7 +117,7 @@ std::string FiguresLine(const ClassPlace& place, const ClassFigures& figures, co
   }
   if (figures.idle > 0) {
     add(words.Filled(Word::kCountIdle,
-                     {std::to_string(figures.idle), std::to_string(place.report.idleDays)}));
+                     {std::to_string(figures.idle), std::to_string(place.school.report.idleDays)}));
   }
   return "<p class=\"quiet\">" + line + "</p>\n";
 }
@@ -124,7 +125,7 @@ std::string FiguresLine(const ClassPlace& place, const ClassFigures& figures, co
 std::string StudentSheets(const ClassPlace& place, const Words& words) {
   std::string sheets;
   for (const Student& student : place.group.students) {
-    sheets += StudentSheet(place.report, student, words);
+    sheets += StudentSheet(place.school, student, words);
   }
   return sheets;
 }
@@ -138,22 +139,23 @@ std::string ClassContents(const ClassPlace& place, const Words& words) {
   if (place.group.students.empty()) {
     return place.group.unread ? contents : "<p>" + std::string(words[Word::kNoStudents]) + "</p>\n";
   }
-  if (place.sheets) {
+  if (place.school.sheets) {
     return contents + StudentSheets(place, words);
   }
-  const ClassFigures figures = FiguresOf(place.report, place.group);
+  const ClassFigures figures = FiguresOf(place.school.report, place.group);
   contents += FiguresLine(place, figures, words);
   if (figures.known > 0) {
     contents += ColumnChart(figures, place.FullName(), words);
   }
-  contents += MedianTimeline(place.report, place.group, place.FullName(), words);
+  contents += MedianTimeline(place.school.report, place.group, place.FullName(), words);
   return contents + StudentTable(place, words);
 }
 
 }  // namespace
 
 std::string ClassPlace::FullName() const {
-  return Escaped(group.name) + (teacher.name.empty() ? "" : ", " + Escaped(teacher.name));
+  return Escaped(group.name) + (teacher.name.empty() ? "" : ", " + Escaped(teacher.name)) +
+         (school.ofMany ? ", " + Escaped(school.report.school) : "");
 }
 
 std::string ColumnHead(std::string_view text, const char* kind) {
@@ -163,12 +165,21 @@ std::string ColumnHead(std::string_view text, const char* kind) {
 
 std::string ClassSection(const ClassPlace& place, const Words& words) {
   const std::string number = std::to_string(place.number);
-  const std::string teacher =
-      place.teacher.name.empty() ? ""
-                                 : " <small><bdi>" + Escaped(place.teacher.name) + "</bdi></small>";
-  return "<section class=\"group\" id=\"c" + number + "\" aria-labelledby=\"h" + number +
-         "\">\n<h3 id=\"h" + number + "\"><bdi>" + Escaped(place.group.name) + "</bdi>" + teacher +
-         "</h3>\n" + ClassContents(place, words) + "</section>\n";
+  const std::string heading = place.school.Heading(3);
+  std::string whose;
+  const auto add = [&whose](const std::string& name) {
+    whose += (whose.empty() ? " <small><bdi>" : ", <bdi>") + Escaped(name) + "</bdi>";
+  };
+  if (!place.teacher.name.empty()) {
+    add(place.teacher.name);
+  }
+  if (place.school.ofMany) {
+    add(place.school.report.school);
+  }
+  return "<section class=\"group\" id=\"c" + number + "\" aria-labelledby=\"h" + number + "\">\n<" +
+         heading + " id=\"h" + number + "\"><bdi>" + Escaped(place.group.name) + "</bdi>" + whose +
+         (whose.empty() ? "</" : "</small></") + heading + ">\n" + ClassContents(place, words) +
+         "</section>\n";
 }
 
 }  // namespace kivreport

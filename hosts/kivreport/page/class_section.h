@@ -9,14 +9,25 @@
 
 namespace kivreport {
 
-struct ClassPlace {
+// A school on the page: the only one, or one of many. These stand a level of headings deeper, and
+// each class names its school.
+struct SchoolPlace {
   const Report& report;
+  size_t firstClass;  // its number, from 1, over the whole page
+  bool sheets;        // a sheet for each student, and no table
+  bool ofMany;
+
+  // "h3", or "h4" among many.
+  std::string Heading(int level) const { return 'h' + std::to_string(level + (ofMany ? 1 : 0)); }
+};
+
+struct ClassPlace {
+  const SchoolPlace& school;
   const Teacher& teacher;
   const Class& group;
-  size_t number;  // from 1, over the whole report
-  bool sheets;    // a sheet for each student, and no table
+  size_t number;
 
-  // "Room 12, Ms Hill", escaped.
+  // "Room 12, Ms Hill, East", escaped.
   std::string FullName() const;
 };
 

@@ -57,7 +57,7 @@
   // Each class with its students, and what each of them is found by.
   let groups = null;
   const readGroups = () => [...document.querySelectorAll("section.group")].map((section) => {
-    const title = fold(section.querySelector("h3").textContent);
+    const title = fold(section.querySelector("h3, h4").textContent);
     const rows = [...section.querySelectorAll("tbody tr")];
     return {section, rows: rows.map((row) => [row, fold(row.cells[0].textContent) + " " + title])};
   });
@@ -87,10 +87,12 @@
       section.hidden = !isAll && here === 0;
       count += here;
     }
-    for (const teacher of document.querySelectorAll("section.teacher")) {
-      teacher.hidden = !isAll && !teacher.querySelector("section.group:not([hidden])");
+    for (const above of document.querySelectorAll("section.teacher, section.school")) {
+      above.hidden = !isAll && !above.querySelector("section.group:not([hidden])");
     }
-    document.getElementById("overview").hidden = !isAll;
+    for (const glance of document.querySelectorAll("section.glance")) {
+      glance.hidden = !isAll;
+    }
     showFound(count, isAll);
   };
 

@@ -25,8 +25,13 @@ std::string Mission(int mission, const Progress& progress, const Words& words) {
                             "<span class=\"unseen\">" + told + "</span></li>";
 }
 
-std::string MissionRow(const Progress& progress, const Words& words) {
-  std::string row = "<h5>" + std::string(words[Word::kStand]) + "</h5>\n<ol class=\"missions\">";
+std::string Headed(const SchoolPlace& school, std::string_view text) {
+  const std::string heading = school.Heading(5);
+  return '<' + heading + '>' + std::string(text) + "</" + heading + ">\n";
+}
+
+std::string MissionRow(const SchoolPlace& school, const Progress& progress, const Words& words) {
+  std::string row = Headed(school, words[Word::kStand]) + "<ol class=\"missions\">";
   for (int mission = 1; mission <= kMissions; ++mission) {
     row += Mission(mission, progress, words);
   }
@@ -40,8 +45,8 @@ std::string Hand(std::string_view name, const KeyCount& count, const Words& word
          "</li>";
 }
 
-std::string KeysPart(const Keys& keys, const Words& words) {
-  return "<h5>" + std::string(words[Word::kKeys]) + "</h5>\n<ul>" +
+std::string KeysPart(const SchoolPlace& school, const Keys& keys, const Words& words) {
+  return Headed(school, words[Word::kKeys]) + "<ul>" +
          Hand(words[Word::kBothHands], keys.All(), words) +
          Hand(words[Word::kLeftHand], keys.Of(kivstore::kLeftHand), words) +
          Hand(words[Word::kRightHand], keys.Of(kivstore::kRightHand), words) + "</ul>\n" +
@@ -70,16 +75,18 @@ std::string Facts(const Report& report, const Student& student, const Words& wor
 
 }  // namespace
 
-std::string StudentSheet(const Report& report, const Student& student, const Words& words) {
-  std::string sheet = "<article>\n<h4><bdi>" + Escaped(student.name) + "</bdi></h4>\n";
+std::string StudentSheet(const SchoolPlace& school, const Student& student, const Words& words) {
+  const std::string heading = school.Heading(4);
+  std::string sheet =
+      "<article>\n<" + heading + "><bdi>" + Escaped(student.name) + "</bdi></" + heading + ">\n";
   if (student.unread) {
     sheet += "<p>" + words.Filled(Word::kNotRead, {Escaped(student.unread->what)}) + "</p>\n";
   } else if (student.progress) {
-    sheet += Facts(report, student, words) + MissionRow(*student.progress, words);
+    sheet += Facts(school.report, student, words) + MissionRow(school, *student.progress, words);
     if (student.history.size() > 1) {
-      sheet += MissionLine(report, student, words) + '\n';
+      sheet += MissionLine(school.report, student, words) + '\n';
     }
-    sheet += student.progress->keys ? KeysPart(*student.progress->keys, words)
+    sheet += student.progress->keys ? KeysPart(school, *student.progress->keys, words)
                                     : "<p>" + std::string(words[Word::kNoGame]) + "</p>\n";
   }
   return sheet + "</article>\n";

@@ -3,11 +3,10 @@
 
 #include <string>
 
-#include "hosts/kivreport/model.h"
-#include "hosts/kivreport/page/texts.h"
+#include "hosts/kivreport/page/class_section.h"
 
 namespace kivreport {
 
-std::string StudentSheet(const Report& report, const Student& student, const Words& words);
+std::string StudentSheet(const SchoolPlace& school, const Student& student, const Words& words);
 
 }  // namespace kivreport

@@ -104,6 +104,21 @@ constexpr Entry kEntries[] = {
       "Gefüllt: die Lektion ist fertig. Umrahmt: die jetzige Mission."}},
     {Word::kNoGame, {"No saved game.", "Kein gespeichertes Spiel."}},
     {Word::kPart, {"Only: {}", "Nur: {}"}},
+    {Word::kNothingFound,
+     {"Nothing here of what was asked for.", "Hier ist nichts von dem, was gesucht wurde."}},
+    {Word::kSchools, {"school|schools", "Schule|Schulen"}},
+    {Word::kSchool, {"School", "Schule"}},
+    {Word::kClassCount, {"Classes", "Klassen"}},
+    {Word::kSearchSchools,
+     {"Search students, classes, schools", "Namen, Klassen oder Schulen suchen"}},
+    {Word::kSchoolsOverview, {"The schools at a glance", "Die Schulen im Überblick"}},
+    {Word::kSchoolsCaption,
+     {"Schools, with how far their students have come",
+      "Schulen und wie weit ihre Lernenden sind"}},
+    {Word::kOverviewOf,
+     {"Classes of {}, with how far their students have come",
+      "Klassen von {} und wie weit ihre Lernenden sind"}},
+    {Word::kPartlyRead, {"not all read", "nicht alles gelesen"}},
 };
 
 constexpr bool IsInOrder() {

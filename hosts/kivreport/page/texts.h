@@ -91,6 +91,15 @@ enum class Word {
   kMissionsLegend,
   kNoGame,
   kPart,
+  kNothingFound,
+  kSchools,
+  kSchool,
+  kClassCount,
+  kSearchSchools,
+  kSchoolsOverview,
+  kSchoolsCaption,
+  kOverviewOf,
+  kPartlyRead,
   kCount
 };
 
