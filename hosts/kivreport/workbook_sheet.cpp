@@ -18,6 +18,8 @@ constexpr double kNarrowest = 9, kWidest = 48;  // columns, in characters
 SheetFormats::SheetFormats(lxw_workbook* book, Language language)
     : title(workbook_add_format(book)),
       head(workbook_add_format(book)),
+      numberHead(workbook_add_format(book)),
+      dateHead(workbook_add_format(book)),
       date(workbook_add_format(book)),
       moment(workbook_add_format(book)),
       idle(workbook_add_format(book)),
@@ -25,16 +27,22 @@ SheetFormats::SheetFormats(lxw_workbook* book, Language language)
       link(workbook_get_default_url_format(book)) {
   format_set_bold(title);
   format_set_font_size(title, 14);
-  format_set_bold(head);
-  format_set_text_wrap(head);
-  format_set_align(head, LXW_ALIGN_VERTICAL_TOP);
-  format_set_bottom(head, LXW_BORDER_THIN);
-  format_set_bg_color(head, 0xE8EEF5);
+  for (lxw_format* const format : {head, numberHead, dateHead}) {
+    format_set_bold(format);
+    format_set_text_wrap(format);
+    format_set_align(format, LXW_ALIGN_VERTICAL_TOP);
+    format_set_bottom(format, LXW_BORDER_THIN);
+    format_set_bg_color(format, 0xE8EEF5);
+  }
+  format_set_align(numberHead, LXW_ALIGN_RIGHT);
   const bool german = language == Language::kGerman;
   format_set_num_format(date, german ? "dd.mm.yyyy" : "d mmm yyyy");
   format_set_num_format(moment, german ? "dd.mm.yyyy hh:mm" : "d mmm yyyy hh:mm");
   for (lxw_format* const format : {date, moment}) {
     format_set_align(format, LXW_ALIGN_LEFT);
+  }
+  for (lxw_format* const format : {date, dateHead}) {
+    format_set_indent(format, 1);
   }
   format_set_bg_color(idle, 0xFDEEC9);
   format_set_bg_color(unbegun, 0xFCE4E2);
@@ -68,7 +76,7 @@ void Sheet::Time(lxw_row_t row, lxw_col_t column, const std::string& time, lxw_f
   if (std::sscanf(time.c_str(), "%4d-%2d-%2dT%2d:%2d", &parts.year, &parts.month, &parts.day,
                   &parts.hour, &parts.min) == 5) {
     worksheet_write_datetime(sheet, row, At(column), &parts, format);
-    Widen(At(column), 11);
+    Widen(At(column), 12);
   }
 }
 
@@ -87,11 +95,13 @@ void Sheet::Link(lxw_row_t row, lxw_col_t column, const std::string& sheetName,
   Widen(At(column), static_cast<double>(kivhost::CountCells(text)));
 }
 
-void Sheet::Head(lxw_row_t row, const std::vector<std::string_view>& texts, lxw_format* format) {
-  for (size_t i = 0; i < texts.size(); ++i) {
-    const std::string text(texts[i]);
-    worksheet_write_string(sheet, row, static_cast<lxw_col_t>(i), text.c_str(), format);
-    Widen(static_cast<lxw_col_t>(i), kNarrowest);
+void Sheet::Head(lxw_row_t row, const std::vector<ColumnTitle>& titles,
+                 const SheetFormats& formats) {
+  lxw_format* const looks[] = {formats.head, formats.numberHead, formats.dateHead};
+  lxw_col_t column = 0;
+  for (const ColumnTitle& title : titles) {
+    worksheet_write_string(sheet, row, column, std::string(title.text).c_str(), looks[title.kind]);
+    Widen(column++, kNarrowest);
   }
   worksheet_set_row(sheet, row, 2 * LXW_DEF_ROW_HEIGHT, nullptr);
 }

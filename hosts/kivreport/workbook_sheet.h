@@ -14,7 +14,14 @@ namespace kivreport {
 struct SheetFormats {
   SheetFormats(lxw_workbook* book, Language language);
 
-  lxw_format *title, *head, *date, *moment, *idle, *unbegun, *link;
+  lxw_format *title, *head, *numberHead, *dateHead, *date, *moment, *idle, *unbegun, *link;
+};
+
+// A column's, which stands as what is below it.
+struct ColumnTitle {
+  enum Kind { kText, kNumber, kDate };
+  std::string_view text;
+  Kind kind = kText;
 };
 
 // Knows how wide each column has to be. Columns count from the indent on: where that is 1, Lead
@@ -34,7 +41,8 @@ class Sheet {
   // To the sheet of that name; a plain text where a sheet takes no more links.
   void Link(lxw_row_t row, lxw_col_t column, const std::string& sheetName, const std::string& text,
             lxw_format* format);
-  void Head(lxw_row_t row, const std::vector<std::string_view>& texts, lxw_format* format);
+  // From the very first column on.
+  void Head(lxw_row_t row, const std::vector<ColumnTitle>& titles, const SheetFormats& formats);
   // Red at the course's begin, green at its end, whoever is in the class.
   void ScaleMissions(lxw_row_t first, lxw_row_t last, lxw_col_t column);
   // The head stays in sight, is repeated on paper, and filters the rows below it.

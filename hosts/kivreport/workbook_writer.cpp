@@ -77,7 +77,7 @@ class Workbook : public SchoolsForm {
         changeHead(words.Filled(Word::kChangeSince, {SinceWhen()})),
         formats(file.Book(), language),
         summary(file.Book(), names.NameFor(std::string(words[Word::kSummary]), ""), indent) {
-    summary.Head(kHeadRow, Headed(SummaryHead()), formats.head);
+    summary.Head(kHeadRow, Headed(SummaryHead()), formats);
   }
 
   void Add(const Report& school) override {
@@ -138,21 +138,37 @@ class Workbook : public SchoolsForm {
     summary.Indent(indent);
   }
 
-  std::vector<std::string_view> Headed(std::vector<std::string_view> head) const {
+  std::vector<ColumnTitle> Headed(std::vector<ColumnTitle> head) const {
     if (indent > 0) {
-      head.insert(head.begin(), words[Word::kSchool]);
+      head.insert(head.begin(), {words[Word::kSchool]});
     }
     return head;
   }
 
-  std::vector<std::string_view> SummaryHead() const {
-    std::vector<std::string_view> head{words[Word::kClass], words[Word::kTeacher],
-                                       words[Word::kHowMany]};
+  std::vector<ColumnTitle> SummaryHead() const {
+    std::vector<ColumnTitle> head{{words[Word::kClass]}, {words[Word::kTeacher]}};
+    head.push_back({words[Word::kHowMany], ColumnTitle::kNumber});
     if (whole.progress) {
       for (const Word word :
            {Word::kMedian, Word::kFrom, Word::kTo, Word::kNotBegun, Word::kIdle}) {
-        head.push_back(words[word]);
+        head.push_back({words[word], ColumnTitle::kNumber});
       }
+    }
+    return head;
+  }
+
+  std::vector<ColumnTitle> ClassHead() const {
+    std::vector<ColumnTitle> head{{words[Word::kStudent]}};
+    if (whole.progress) {
+      for (const Word word : {Word::kMission, Word::kPrevious, Word::kVocabulary, Word::kLessons}) {
+        head.push_back({words[word], ColumnTitle::kNumber});
+      }
+      head.push_back({words[Word::kLastWork], ColumnTitle::kDate});
+      head.push_back({words[Word::kRemark]});
+    }
+    if (whole.progress && whole.since) {
+      head.push_back({changeHead, ColumnTitle::kNumber});
+      head.push_back({words[Word::kChange]});
     }
     return head;
   }
@@ -212,18 +228,7 @@ class Workbook : public SchoolsForm {
 
   void WriteClass(const ClassSheet& place) {
     Sheet sheet(file.Book(), place.name, indent);
-    std::vector<std::string_view> head{words[Word::kStudent]};
-    if (whole.progress) {
-      for (const Word word : {Word::kMission, Word::kPrevious, Word::kVocabulary, Word::kLessons,
-                              Word::kLastWork, Word::kRemark}) {
-        head.push_back(words[word]);
-      }
-    }
-    if (whole.progress && whole.since) {
-      head.push_back(changeHead);
-      head.push_back(words[Word::kChange]);
-    }
-    sheet.Head(0, Headed(head), formats.head);
+    sheet.Head(0, Headed(ClassHead()), formats);
     lxw_row_t last = 0;
     for (const Student& student : place.group.students) {
       sheet.Lead(++last, place.school.school);
@@ -233,6 +238,10 @@ class Workbook : public SchoolsForm {
       sheet.ScaleMissions(1, last, kMissionColumn);
     }
     sheet.Finish(0, last);
+    if (place.group.unread) {
+      const Word word = place.group.IsKnown() ? Word::kNotAllRead : Word::kNotRead;
+      sheet.Text(last + 1, 0, words.Filled(word, {place.group.unread->what}));
+    }
   }
 
   void WriteStudent(Sheet& sheet, lxw_row_t at, const Report& school, const Student& student) {

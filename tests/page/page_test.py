@@ -13,6 +13,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 import zipfile
@@ -76,6 +77,17 @@ def run(*words, expect=0, **environment):
     if result.returncode != expect:
         raise AssertionError(f"{words}: {result.returncode}\n{result.stderr}")
     return result.stdout
+
+
+def most_memory(*words):
+    """In KiB, of the process itself; what it took is told until it ends."""
+    most = 0
+    with subprocess.Popen(words) as process:
+        status = pathlib.Path(f"/proc/{process.pid}/status")
+        while process.poll() is None:
+            most = max(most, *map(int, re.findall(r"VmHWM:\s+(\d+)", status.read_text())), 0)
+            time.sleep(0.002)
+    return most
 
 
 def list_stores(path, stores):
@@ -246,18 +258,16 @@ class Pages(unittest.TestCase):
         self.assertEqual(self.texts(".school > h2"), ["<b>Dale"])
 
     def test_memory_does_not_grow_with_the_schools(self):
+        if b"__asan_init" in (BIN / "kivreport").read_bytes():
+            self.skipTest("the sanitizer keeps what was freed")
         most = []
         for count in (3, 24):
             stores = list_stores(self.folder / f"{count}.csv", [(f"School {number}", self.roots["many"])
                                                                 for number in range(count)])
             path = self.folder / f"{count}.html"
-            process = subprocess.Popen([BIN / "kivreport", stores, "--format=html", "--output", path,
-                                        "--jobs=1"])
-            _, code, usage = os.wait4(process.pid, 0)
-            process.returncode = code
-            self.assertEqual(code, 0)
-            most.append(usage.ru_maxrss)
-        self.assertGreater(path.read_text("utf-8").count("<tr"), 24 * MANY)
+            most.append(most_memory(BIN / "kivreport", stores, "--format=html", "--output", path,
+                                    "--jobs=1"))
+            self.assertGreater(path.read_text("utf-8").count("<tr"), count * MANY)
         self.assertLess(most[1], 1.3 * most[0])
 
     def test_a_student_alone_has_missions_and_keys(self):
