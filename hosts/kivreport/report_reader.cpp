@@ -144,6 +144,11 @@ class Reader {
         own.classes.push_back(classes[i]);
       }
     }
+    const bool isOther = !request.group.IsAll() && entry.classes.empty() && !entry.unread;
+    if (teacher != nullptr && isOther) {
+      report.teachers.pop_back();
+      chosen.pop_back();
+    }
   }
 
   using Students = std::vector<std::pair<SLoginNameObj, Student>>;
