@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "hosts/common/console.h"
 
@@ -19,7 +20,11 @@ ProgressBar::ProgressBar(const char* what, size_t total, bool quiet)
     : what(what), total(total), shown(!quiet && total > 0 && ErrorIsTerminal()) {}
 
 ProgressBar::~ProgressBar() {
-  if (drawn) {
+  Clear();
+}
+
+void ProgressBar::Clear() {
+  if (std::exchange(drawn, false)) {
     std::fputs("\r\x1B[K", stderr);
   }
 }

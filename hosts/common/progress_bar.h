@@ -14,6 +14,8 @@ class ProgressBar {
   ProgressBar& operator=(const ProgressBar&) = delete;
 
   void Advance();
+  // What is told next stands in its place.
+  void Clear();
 
  private:
   using Clock = std::chrono::steady_clock;

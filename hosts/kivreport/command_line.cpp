@@ -96,9 +96,7 @@ void AddContents(const kivhost::CommandLine& app, CommandLine& line, Numbers& nu
   app.AddOption("--idle-days", numbers.idleDays,
                 "Mark who has not worked for so many days; a terminal shows it anyway [14]")
       .Takes("N");
-  app.AddChoice<Sort>("--sort", line.sort, "The order of a class's students",
-                      {{"store", Sort::kStore}, {"name", Sort::kName}, {"mission", Sort::kMission}},
-                      "store");
+  app.AddChoice<Sort>("--sort", line.sort, "The order of a class's students", kSortWords, "store");
   static const std::string columns = "These columns in this order, of " + ColumnNames();
   app.AddOption("--columns", line.columns, columns.c_str()).Takes("NAME,...");
   app.AddOption("--since", line.since,
@@ -110,42 +108,33 @@ void AddContents(const kivhost::CommandLine& app, CommandLine& line, Numbers& nu
       .Takes("FOLDER");
 }
 
-}  // namespace
-
-std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
-                                            const std::function<std::string()>& version) {
-  CommandLine line;
-  const kivhost::CommandLine app(
-      "kivreport", "Prints the rosters of a store and how far each student has come.", version);
+void AddSources(const kivhost::CommandLine& app, CommandLine& line, Numbers& numbers) {
   app.AddRoot("DATA_ROOT", line.root, "The data root of the store").MayBeLeftOut();
-  app.AddChoice<Format>("-f,--format", line.format, "The form of the report",
-                        {{"table", Format::kTable},
-                         {"csv", Format::kCsv},
-                         {"json", Format::kJson},
-                         {"ndjson", Format::kNdjson},
-                         {"html", Format::kHtml},
-                         {"xlsx", Format::kXlsx}},
+  app.AddChoice<Format>("-f,--format", line.format, "The form of the report", kFormatWords,
                         "table");
   app.AddOption("-o,--output", line.output,
                 "Write to this file, which is there only when it is whole; - is standard output")
       .Takes("FILE");
-  Numbers numbers;
   app.AddOption(
          "--stores", line.stores,
          "Instead of DATA_ROOT: many stores, of a CSV file with the heading name,data root; in "
          "front stands the school")
       .Takes("LIST.csv");
   app.AddOption("--jobs", numbers.jobs, "So many of them are read at a time [4]").Takes("N");
-  AddContents(app, line, numbers);
+}
+
+void AddReading(const kivhost::CommandLine& app, CommandLine& line) {
   app.AddChoice<Mode>("--mode", line.mode, "The kind of store; auto looks at its folders",
-                      {{"auto", Mode::kAuto}, {"local", Mode::kLocal}, {"network", Mode::kNetwork}},
-                      "auto");
+                      kModeWords, "auto");
   app.AddFlag("--force", line.force,
               "Take --mode although the folders tell another; replace a file that is there");
   app.AddOption("--charset", line.charset,
                 "The character set of the store's texts; else what kivstore.conf says, or "
                 "windows-1252")
       .Takes("NAME");
+}
+
+void AddLooks(const kivhost::CommandLine& app, CommandLine& line, Numbers& numbers) {
   app.AddFlag("--bom", line.byteOrderMark, "Begin with a byte order mark, for spreadsheets");
   app.AddFlag("--raw", line.raw,
               "CSV: no apostrophe before a name that a spreadsheet would take for a formula, one "
@@ -160,6 +149,28 @@ std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
                           "or LANG says",
                           {{"en", Language::kEnglish}, {"de", Language::kGerman}});
   app.AddFlag("--quiet", line.quiet, "No progress bar");
+}
+
+}  // namespace
+
+const std::vector<std::pair<std::string, Format>> kFormatWords{
+    {"table", Format::kTable},   {"csv", Format::kCsv},   {"json", Format::kJson},
+    {"ndjson", Format::kNdjson}, {"html", Format::kHtml}, {"xlsx", Format::kXlsx}};
+const std::vector<std::pair<std::string, Sort>> kSortWords{
+    {"store", Sort::kStore}, {"name", Sort::kName}, {"mission", Sort::kMission}};
+const std::vector<std::pair<std::string, Mode>> kModeWords{
+    {"auto", Mode::kAuto}, {"local", Mode::kLocal}, {"network", Mode::kNetwork}};
+
+std::optional<CommandLine> ParseCommandLine(int argc, char** argv,
+                                            const std::function<std::string()>& version) {
+  CommandLine line;
+  Numbers numbers;
+  const kivhost::CommandLine app(
+      "kivreport", "Prints the rosters of a store and how far each student has come.", version);
+  AddSources(app, line, numbers);
+  AddContents(app, line, numbers);
+  AddReading(app, line);
+  AddLooks(app, line, numbers);
   app.SetFooter(
       "Exit codes:\n"
       "  0  good\n"

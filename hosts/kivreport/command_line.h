@@ -4,6 +4,8 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "hosts/common/color.h"
 #include "hosts/kivreport/report_writer.h"
@@ -40,6 +42,11 @@ struct CommandLine {
   kivhost::ColorWish color = kivhost::ColorWish::kAuto;
   Language language = LanguageOfEnvironment();
 };
+
+// The words that the line has for them.
+extern const std::vector<std::pair<std::string, Format>> kFormatWords;
+extern const std::vector<std::pair<std::string, Sort>> kSortWords;
+extern const std::vector<std::pair<std::string, Mode>> kModeWords;
 
 // Nothing if the help or the version was asked for and shown. `version` is asked only for
 // --version. Throws wrong usage.

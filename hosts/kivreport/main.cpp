@@ -111,7 +111,7 @@ Form FormOf(const CommandLine& line) {
 // A page and a workbook have their own layout, and a workbook is no text.
 void NeedFitting(const CommandLine& line) {
   const bool isWorkbook = line.format == Format::kXlsx;
-  if (!line.columns.empty() && (isWorkbook || line.format == Format::kHtml)) {
+  if (!line.columns.empty() && HasOwnLayout(line.format)) {
     throw HostError(kWrongUsage, "--columns: a page and a workbook have columns of their own");
   }
   if (isWorkbook && line.byteOrderMark) {
@@ -220,6 +220,11 @@ void WriteReportOf(const Task& task) {
   RequireAll(report);
 }
 
+// A bar and a report on the same terminal would run into each other.
+bool ShowsNoBar(const CommandLine& line) {
+  return line.quiet || (line.output == "-" && kivhost::OutputIsTerminal());
+}
+
 // What is not read is told behind all that is.
 int RunMany(const CommandLine& line) {
   ManyStores task;
@@ -227,6 +232,7 @@ int RunMany(const CommandLine& line) {
   task.jobs = static_cast<size_t>(line.jobs);
   task.form = FormOf(line);
   task.arguments = ArgumentsForEach(line, task.form);
+  task.quiet = ShowsNoBar(line);
   task.idleDays = line.idleDays.value_or(task.idleDays);
   task.part = PartOf(line);
   task.progress = !line.roster;

@@ -6,6 +6,7 @@
 
 #include "hosts/common/host_error.h"
 #include "hosts/common/iso_time.h"
+#include "hosts/common/progress_bar.h"
 #include "hosts/kivreport/cells.h"
 #include "hosts/kivreport/json_report.h"
 #include "hosts/kivreport/schools_form.h"
@@ -24,16 +25,21 @@ SchoolsRead ReadAll(const ManyStores& task, const TakeSchool& take) {
   const std::vector<StoreOfList> stores = ReadStoreList(task.list);
   StoreReadings readings(stores, task.arguments, task.jobs);
   SchoolsRead read;
+  std::string told;
+  kivhost::ProgressBar bar("schools", stores.size(), task.quiet);
   for (size_t i = 0; i < stores.size(); ++i) {
     const ChildResult result = readings.Take(i);
     ++(result.exitCode == kDone      ? read.with
        : result.exitCode == kRefused ? read.without
                                      : read.unread);
     if (result.exitCode != kDone) {
-      std::cerr << "kivreport: " << Printable(stores[i].school) << ": " << ReasonOf(result) << '\n';
+      told += "kivreport: " + Printable(stores[i].school) + ": " + ReasonOf(result) + '\n';
     }
     take(stores[i].school, result);
+    bar.Advance();
   }
+  bar.Clear();
+  std::cerr << told;
   return read;
 }
 
@@ -85,8 +91,7 @@ SchoolsRead WriteModels(const ManyStores& task, const WriteText& write) {
 
 SchoolsRead ReportManyStores(const ManyStores& task,
                              const std::function<void(std::string_view)>& write) {
-  const bool isModel = task.form.format == Format::kHtml || task.form.format == Format::kXlsx;
-  return isModel ? WriteModels(task, write) : WriteTexts(task, write);
+  return HasOwnLayout(task.form.format) ? WriteModels(task, write) : WriteTexts(task, write);
 }
 
 }  // namespace kivreport

@@ -30,6 +30,7 @@ struct ManyStores {
   size_t jobs = 1;   // so many are read at a time
   Form form;
   std::vector<std::string> arguments;  // for each process, but for the root
+  bool quiet = false;                  // no progress bar
   // As the model has it.
   int idleDays = 14;
   std::vector<std::pair<std::string, std::string>> part;
@@ -42,8 +43,8 @@ struct SchoolsRead {
   size_t with = 0;
 };
 
-// Writes the schools in the order of the list; what one of them said that has not all is told on
-// standard error. Throws wrong usage for a list that is none.
+// Writes the schools in the order of the list; what those said that have not all is told behind
+// them on standard error. Throws wrong usage for a list that is none.
 SchoolsRead ReportManyStores(const ManyStores& task,
                              const std::function<void(std::string_view)>& write);
 

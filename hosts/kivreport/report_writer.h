@@ -13,6 +13,11 @@ namespace kivreport {
 
 enum class Format { kTable, kCsv, kJson, kNdjson, kHtml, kXlsx };
 
+// A page and a workbook have columns of their own.
+constexpr bool HasOwnLayout(Format format) {
+  return format == Format::kHtml || format == Format::kXlsx;
+}
+
 // How it is written.
 struct Form {
   Format format = Format::kTable;

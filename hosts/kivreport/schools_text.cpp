@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "hosts/common/csv_text.h"
+#include "hosts/common/host_error.h"
 #include "hosts/kivreport/cells.h"
 #include "hosts/kivreport/json_value.h"
 #include "hosts/kivreport/store_readings.h"
@@ -19,11 +20,16 @@ Json Unread(const std::string& school, const ChildResult& result) {
   return {{"school", school}, {"complete", false}, {"reason", ReasonOf(result)}};
 }
 
+// Behind its last line a process that was ended may have left a part of one.
+std::string WholeLines(const ChildResult& result) {
+  return result.output.substr(0, result.output.rfind('\n') + 1);
+}
+
 std::string NdjsonOf(const std::string& school, const ChildResult& result) {
   if (IsUnread(result)) {
     return Dumped(Unread(school, result));
   }
-  std::istringstream lines(result.output);
+  std::istringstream lines(WholeLines(result));
   std::string text;
   std::string name = Dumped(school);
   name.pop_back();  // its end of line
@@ -61,7 +67,7 @@ std::string SchoolsText::Of(const std::string& school, const ChildResult& result
   const bool isBegin = std::exchange(isFirst, false);
   switch (form.format) {
     case Format::kCsv:
-      return !IsUnread(result) ? CsvRows(school, result.output)
+      return !IsUnread(result) ? CsvRows(school, WholeLines(result))
              : columns > 0     ? CsvUnread(school)
                                : (ahead.push_back(school), "");
     case Format::kNdjson:
@@ -88,12 +94,17 @@ std::string SchoolsText::End(bool isComplete) {
 std::string SchoolsText::CsvRows(const std::string& school, const std::string& text) {
   std::string rows;
   bool isHeading = true;
-  kivhost::ReadCsv({school, text}, [&](CsvRow& row) {
+  const auto take = [&](CsvRow& row) {
     const bool isHead = std::exchange(isHeading, false);
     row.fields.insert(row.fields.begin(), isHead ? "school" : GuardedName(school, form.raw));
     rows += !isHead ? FormatCsv(row.fields) : columns == 0 ? CsvHeading(row.fields) : "";
     return true;
-  });
+  };
+  try {
+    kivhost::ReadCsv({school, text}, take);
+  } catch (const kivhost::HostError&) {
+    // Likewise within a text of several lines; the rows ahead of it are whole.
+  }
   return rows;
 }
 

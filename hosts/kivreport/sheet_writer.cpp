@@ -128,9 +128,7 @@ void WriteSheets(std::ostream& out, const Report& report, const Form& form) {
       }
     }
   }
-  for (const std::string& reason : ReasonsOf(report)) {
-    out << ColoredNote("incomplete: " + Printable(reason), form.hasColor) << '\n';
-  }
+  WriteReasons(out, report, form);
 }
 
 }  // namespace kivreport

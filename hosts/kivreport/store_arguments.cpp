@@ -1,6 +1,8 @@
 #include "hosts/kivreport/store_arguments.h"
 
+#include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace kivreport {
 namespace {
@@ -28,32 +30,19 @@ class Arguments {
   std::vector<std::string> words;
 };
 
-const char* FormatFor(Format format) {
-  switch (format) {
-    case Format::kTable:
-      return "table";
-    case Format::kCsv:
-      return "csv";
-    case Format::kNdjson:
-      return "ndjson";
-    default:
-      return "json";
-  }
-}
-
-const char* NameOf(Sort sort) {
-  return sort == Sort::kStore ? "store" : sort == Sort::kName ? "name" : "mission";
-}
-
-const char* NameOf(Mode mode) {
-  return mode == Mode::kAuto ? "auto" : mode == Mode::kLocal ? "local" : "network";
+template <class Value>
+std::string WordOf(const std::vector<std::pair<std::string, Value>>& words, Value value) {
+  return std::find_if(words.begin(), words.end(),
+                      [&](const auto& word) { return word.second == value; })
+      ->first;
 }
 
 }  // namespace
 
 std::vector<std::string> ArgumentsForEach(const CommandLine& line, const Form& form) {
   Arguments each;
-  each.Option("--format", FormatFor(form.format));
+  each.Option("--format",
+              WordOf(kFormatWords, HasOwnLayout(form.format) ? Format::kJson : form.format));
   each.Flag("--roster", line.roster);
   each.Option("--teacher", line.teacher);
   each.Option("--class", line.group);
@@ -61,9 +50,9 @@ std::vector<std::string> ArgumentsForEach(const CommandLine& line, const Form& f
   each.Option("--min-mission", line.lowestMission);
   each.Option("--max-mission", line.highestMission);
   each.Option("--idle-days", line.idleDays);
-  each.Option("--sort", NameOf(line.sort));
+  each.Option("--sort", WordOf(kSortWords, line.sort));
   each.Option("--columns", line.columns);
-  each.Option("--mode", NameOf(line.mode));
+  each.Option("--mode", WordOf(kModeWords, line.mode));
   each.Option("--charset", line.charset.value_or(""));
   each.Flag("--raw", line.raw);
   each.Flag("--force", line.force);

@@ -100,6 +100,12 @@ std::string PlaceName(const std::string& teacher, const std::string& group) {
   return teacher.empty() ? group : teacher + ", " + group;
 }
 
+void WriteReasons(std::ostream& out, const Report& report, const Form& form) {
+  for (const std::string& reason : ReasonsOf(report)) {
+    out << ColoredNote("incomplete: " + Printable(reason), form.hasColor) << '\n';
+  }
+}
+
 void WriteFoot(std::ostream& out, const Report& report, const Form& form) {
   out << '\n';
   WriteCounts(out, report);
@@ -112,9 +118,7 @@ void WriteFoot(std::ostream& out, const Report& report, const Form& form) {
   if (!report.times.empty()) {
     WriteHistory(out, report, form.width && form.showsUnicode);
   }
-  for (const std::string& reason : ReasonsOf(report)) {
-    out << ColoredNote("incomplete: " + Printable(reason), form.hasColor) << '\n';
-  }
+  WriteReasons(out, report, form);
 }
 
 }  // namespace kivreport

@@ -8,6 +8,8 @@
 
 namespace kivreport {
 
+// "incomplete: ", a line for each reason.
+void WriteReasons(std::ostream& out, const Report& report, const Form& form);
 void WriteFoot(std::ostream& out, const Report& report, const Form& form);
 
 // "Ms Hill, Room 12".
