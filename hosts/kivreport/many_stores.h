@@ -9,9 +9,10 @@
 //   html     the schools at a glance, and each with its classes
 //   xlsx     a column in front on every sheet
 //
-// A school that cannot be read is told so: a row without a teacher in CSV, {"school":...,
-// "complete":false,"reason":...} in both forms of JSON, a line below its name elsewhere. For a page
-// and a workbook the processes give JSON, which is read back into the model.
+// A school that cannot be read, or not to its end, is told so: a row without values in CSV,
+// {"school":...,"complete":false,"reason":...} as a line of JSON, in the other forms as its own
+// report tells it, and below its name if there is none. For a page and a workbook the processes
+// give JSON, which is read back into the model.
 #pragma once
 
 #include <cstddef>

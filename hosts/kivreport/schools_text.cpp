@@ -26,9 +26,6 @@ std::string WholeLines(const ChildResult& result) {
 }
 
 std::string NdjsonOf(const std::string& school, const ChildResult& result) {
-  if (IsUnread(result)) {
-    return Dumped(Unread(school, result));
-  }
   std::istringstream lines(WholeLines(result));
   std::string text;
   std::string name = Dumped(school);
@@ -36,7 +33,7 @@ std::string NdjsonOf(const std::string& school, const ChildResult& result) {
   for (std::string line; std::getline(lines, line);) {
     text += "{\"school\":" + name + ',' + line.substr(line.find('{') + 1) + '\n';
   }
-  return text;
+  return IsIncomplete(result) ? text + Dumped(Unread(school, result)) : text;
 }
 
 std::string JsonOf(const std::string& school, const ChildResult& result) {
@@ -67,9 +64,7 @@ std::string SchoolsText::Of(const std::string& school, const ChildResult& result
   const bool isBegin = std::exchange(isFirst, false);
   switch (form.format) {
     case Format::kCsv:
-      return !IsUnread(result) ? CsvRows(school, WholeLines(result))
-             : columns > 0     ? CsvUnread(school)
-                               : (ahead.push_back(school), "");
+      return CsvRows(school, WholeLines(result)) + (IsIncomplete(result) ? CsvUnread(school) : "");
     case Format::kNdjson:
       return NdjsonOf(school, result);
     case Format::kJson:
@@ -90,7 +85,7 @@ std::string SchoolsText::End(bool isComplete) {
 }
 
 // The rows of all schools stand below one heading, which is the first one's that was read. A school
-// that was not is a row without values.
+// that was not, or not to its end, has a row without values.
 std::string SchoolsText::CsvRows(const std::string& school, const std::string& text) {
   std::string rows;
   bool isHeading = true;
@@ -117,7 +112,11 @@ std::string SchoolsText::CsvHeading(const std::vector<std::string>& heading) {
   return text;
 }
 
-std::string SchoolsText::CsvUnread(const std::string& school) const {
+std::string SchoolsText::CsvUnread(const std::string& school) {
+  if (columns == 0) {
+    ahead.push_back(school);
+    return "";
+  }
   std::vector<std::string> fields(columns);
   fields[0] = GuardedName(school, form.raw);
   return FormatCsv(fields);

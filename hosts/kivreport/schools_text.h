@@ -21,7 +21,7 @@ class SchoolsText {
  private:
   std::string CsvRows(const std::string& school, const std::string& text);
   std::string CsvHeading(const std::vector<std::string>& heading);
-  std::string CsvUnread(const std::string& school) const;
+  std::string CsvUnread(const std::string& school);
 
   const Form& form;
   bool isFirst = true;             // of the schools

@@ -126,8 +126,12 @@ std::string ReasonOf(const ChildResult& result) {
   return said.empty() ? "ended with " + std::to_string(result.exitCode) : std::string(said);
 }
 
+bool IsIncomplete(const ChildResult& result) {
+  return result.exitCode > kRefused;
+}
+
 bool IsUnread(const ChildResult& result) {
-  return result.exitCode > kRefused && result.output.empty();
+  return IsIncomplete(result) && result.output.empty();
 }
 
 }  // namespace kivreport

@@ -55,7 +55,8 @@ class StoreReadings {
 // The last line of what a process said, without the program's name.
 std::string ReasonOf(const kivhost::ChildResult& result);
 
-// It told nothing of its store.
+// Not all of its store could be read; and it told nothing of it.
+bool IsIncomplete(const kivhost::ChildResult& result);
 bool IsUnread(const kivhost::ChildResult& result);
 
 }  // namespace kivreport
