@@ -33,13 +33,13 @@ def kivadmin(*words):
                    stdout=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
 
 
-def shown(columns, locale, *words):
+def shown(columns, locale, *words, no_color="1"):
     """What a terminal of so many columns is given."""
     pid, side = pty.fork()
     if pid == 0:
         size = struct.pack("HHHH", 24, columns, 0, 0)
         fcntl.ioctl(0, termios.TIOCSWINSZ, size)
-        environment = {**os.environ, "LC_ALL": locale}
+        environment = {**os.environ, "LC_ALL": locale, "NO_COLOR": no_color}
         os.execve(BIN / "kivreport", ["kivreport", *words, "--charset", "utf-8"], environment)
     data = b""
     try:
@@ -101,6 +101,8 @@ def main():
                               check=True, env={**os.environ, "LC_ALL": UTF8},
                               stdout=subprocess.PIPE).stdout.decode()
         need(same == shown(80, UTF8, root), "--width shows what a terminal does", same)
+        coloured = shown(80, UTF8, root, no_color="")
+        need("\x1b[31mnot begun\x1b[0m" in coloured, "who has not begun is red", coloured)
 
 
 if __name__ == "__main__":
