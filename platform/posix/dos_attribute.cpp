@@ -39,13 +39,15 @@ int BinaryBits(std::string_view value) {
     return kNowhere;
   }
   const size_t versionAt = (textEnd + 2) & ~size_t{1};
-  const size_t validAt = (versionAt + 7) & ~size_t{3};
-  if (value.size() < validAt + 8) {
+  const size_t infoAt = (versionAt + 7) & ~size_t{3};
+  if (value.size() < infoAt + 8) {
     return kNowhere;
   }
   const unsigned version = ByteAt(value, versionAt) | ByteAt(value, versionAt + 1) << 8;
-  const bool known = version >= 3 && version <= 5 && (ByteAt(value, validAt) & 1) != 0;
-  return known ? static_cast<int>(validAt) + 4 : kNowhere;
+  if (version == 0 || version > 5) {
+    return kNowhere;
+  }
+  return static_cast<int>(version == 1 ? infoAt : infoAt + 4);
 }
 
 }  // namespace

@@ -6,14 +6,14 @@
 // little-endian:
 //
 //   padding to an even offset
-//   version    16 bits, 3 to 5 are known here
+//   version    16 bits, 1 to 5 are known here
 //   version    16 bits, once more
 //   padding to an offset divisible by 4
-//   valid      32 bits; bit 0: the attribute bits below are valid
+//   flags      32 bits, not in version 1; what they say of the bits the file servers do not ask
 //   bits       32 bits
 //   more that is of no interest here
 //
-// and the valid bits of the long form go before the text. A value of another form says nothing.
+// and the bits of the long form go before the text. A value of another form says nothing.
 #pragma once
 
 #include <string_view>

@@ -296,8 +296,12 @@ TEST(DosAttribute, ReadsTheTextAndTheLongForm) {
                // Versions 4 and 5, without a text.
                {"\0\0\4\0\4\0\0\0\x51\0\0\0\x03\0\0\0"s, 3},
                {"\0\0\5\0\5\0\0\0\x11\0\0\0\x21\0\0\0"s, 1},
-               // Bits that are not valid, a version of the future, a cut value.
-               {"\0\0\4\0\4\0\0\0\x10\0\0\0\x02\0\0\0"s, 0},
+               // Versions of old, and flags that say nothing of the bits.
+               {"0x20\0\0\1\0\1\0\0\0\x22\0\0\0\0\0\0\0"s, 2},
+               {"\0\0\2\0\2\0\0\0\0\0\0\0\x21\0\0\0"s, 1},
+               {"\0\0\4\0\4\0\0\0\x10\0\0\0\x02\0\0\0"s, 2},
+               // A version of the future, none, a cut value.
+               {"\0\0\0\0\0\0\0\0\x11\0\0\0\x02\0\0\0"s, 0},
                {"\0\0\6\0\6\0\0\0\x11\0\0\0\x02\0\0\0"s, 0},
                {"\0\0\4\0\4\0\0\0\x11\0\0\0\x02\0\0"s, 0},
                {"0x22\0\0\4\0\4\0\0\0"s, 2}};
