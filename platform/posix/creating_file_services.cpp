@@ -14,6 +14,7 @@
 #include "platform/posix/dos_mark.h"
 #include "platform/posix/file_locks.h"
 #include "platform/posix/folder_reader.h"
+#include "platform/posix/group_share.h"
 #include "platform/posix/guarded_open.h"
 #include "platform/posix/kept_buffer.h"
 #include "platform/posix/posix_file_services.h"
@@ -94,7 +95,7 @@ void CopyAttributes(int from, int to, mode_t mode) {
   if (length > 0) {
     (void)fsetxattr(to, kDosAttributeName, mark, static_cast<size_t>(length), 0);
   }
-  (void)fchmod(to, mode & 0777);
+  (void)fchmod(to, mode);
 }
 
 // What was opened to be copied; a file is locked.
@@ -106,7 +107,8 @@ int TakeSource(const Descriptor& source, struct stat& facts) {
 }
 
 // A target that could not be filled does not stay.
-int CopyOneFile(int source, const struct stat& facts, int base, const char* name) {
+int CopyOneFile(int source, const struct stat& facts, int base, const char* name,
+                mode_t groupRights) {
   const LockedFile target(openat(base, name, kMakeFlags, 0600));
   if (!target.IsOpen()) {
     return errno;
@@ -117,21 +119,22 @@ int CopyOneFile(int source, const struct stat& facts, int base, const char* name
     unlinkat(base, name, 0);
     return failure;
   }
-  CopyAttributes(source, target.Get(), facts.st_mode);
+  CopyAttributes(source, target.Get(), WithGroupRights(facts.st_mode & 0777, groupRights));
   return 0;
 }
 
 // The top of a copied tree. The copy of a folder into itself ends when it meets this.
 struct MadeFolder {
   dev_t device;
-  ino_t number;
+  ino_t number;        // 0 before it is made
+  mode_t groupRights;  // where it stands
 };
 
 int CopyEntries(FolderReader& from, int to, const MadeFolder& top, int depth);
 
-// Without `top`, this is the top.
+// Before `top` is made, this is the top.
 int CopyOneFolder(int base, const char* name, const struct stat& facts, int toBase,
-                  const char* toName, const MadeFolder* top, int depth) {
+                  const char* toName, const MadeFolder& top, int depth) {
   FolderReader from;
   int failure = from.Open(name, base, O_NOFOLLOW);
   if (failure != 0 || depth > kMaxDepth) {
@@ -145,9 +148,10 @@ int CopyOneFolder(int base, const char* name, const struct stat& facts, int toBa
   if (!to.IsOpen() || fstat(to.Get(), &made) != 0) {
     return errno;
   }
-  const MadeFolder own{made.st_dev, made.st_ino};
-  failure = CopyEntries(from, to.Get(), top != nullptr ? *top : own, depth);
-  CopyAttributes(from.GetDescriptor(), to.Get(), facts.st_mode);
+  const MadeFolder own{made.st_dev, made.st_ino, top.groupRights};
+  failure = CopyEntries(from, to.Get(), top.number != 0 ? top : own, depth);
+  const mode_t mode = WithGroupRights(facts.st_mode & 0777, top.groupRights);
+  CopyAttributes(from.GetDescriptor(), to.Get(), mode | (made.st_mode & S_ISGID));
   return failure;
 }
 
@@ -160,13 +164,13 @@ int CopyEntry(int base, const char* name, int to, const MadeFolder& top, int dep
     return failure;
   }
   if (S_ISREG(facts.st_mode)) {
-    return CopyOneFile(source.Get(), facts, to, name);
+    return CopyOneFile(source.Get(), facts, to, name, top.groupRights);
   }
   const bool isTop = facts.st_dev == top.device && facts.st_ino == top.number;
   if (isTop || !S_ISDIR(facts.st_mode)) {
     return EINVAL;
   }
-  return CopyOneFolder(base, name, facts, to, name, &top, depth + 1);
+  return CopyOneFolder(base, name, facts, to, name, top, depth + 1);
 }
 
 int CopyEntries(FolderReader& from, int to, const MadeFolder& top, int depth) {
@@ -181,7 +185,7 @@ int CopyEntries(FolderReader& from, int to, const MadeFolder& top, int depth) {
   return from.HasFailed() ? EIO : 0;
 }
 
-int CopyTo(const char* from, const GuardedFolder& place) {
+int CopyTo(const char* from, const GuardedFolder& place, mode_t groupRights) {
   LockedFile source;
   struct stat facts;
   int failure = OpenGuarded(from, kSourceFlags, source);
@@ -192,11 +196,11 @@ int CopyTo(const char* from, const GuardedFolder& place) {
     return failure;
   }
   if (S_ISREG(facts.st_mode)) {
-    return CopyOneFile(source.Get(), facts, place.Get(), place.Name());
+    return CopyOneFile(source.Get(), facts, place.Get(), place.Name(), groupRights);
   }
-  return S_ISDIR(facts.st_mode)
-             ? CopyOneFolder(AT_FDCWD, from, facts, place.Get(), place.Name(), nullptr, 0)
-             : EINVAL;
+  return S_ISDIR(facts.st_mode) ? CopyOneFolder(AT_FDCWD, from, facts, place.Get(), place.Name(),
+                                                {0, 0, groupRights}, 0)
+                                : EINVAL;
 }
 
 int MakeFolderAt(const char* path, mode_t mode) {
@@ -207,25 +211,28 @@ int MakeFolderAt(const char* path, mode_t mode) {
   if (mkdirat(folder.Get(), folder.Name(), mode) != 0) {
     return errno;
   }
+  GiveFolderToGroup(folder.Get(), folder.Name(), GroupRightsBeside(path));
   InheritMark(path, folder.Get(), folder.Name());
   return 0;
 }
 
-int MakeFileIn(int folder, const NewFile& file) {
+int MakeFileIn(int folder, const NewFile& file, mode_t groupRights) {
   const Descriptor made(openat(folder, file.name, kMakeFlags, 0666));
   if (!made.IsOpen()) {
     return errno;
   }
+  GiveToGroup(made.Get(), groupRights);
   const int failure = WriteAll(made.Get(), file.bytes, static_cast<size_t>(file.count));
   return failure != 0 || file.count == 0 || fsync(made.Get()) == 0 ? failure : errno;
 }
 
-int FillFolder(const GuardedFolder& place, const NewFile* files, int count) {
+int FillFolder(const GuardedFolder& place, const NewFile* files, int count, mode_t groupRights) {
   const Descriptor folder(
       openat(place.Get(), place.Name(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   int failure = folder.IsOpen() ? 0 : errno;
+  GiveToGroup(folder.Get(), groupRights);
   for (int i = 0; i < count && failure == 0; ++i) {
-    failure = MakeFileIn(folder.Get(), files[i]);
+    failure = MakeFileIn(folder.Get(), files[i], groupRights);
   }
   return failure;
 }
@@ -252,7 +259,7 @@ int MakeWholeAt(const char* making, const char* path, const NewFile* files, int 
     return failure;
   }
   InheritMark(path, folder.Get(), folder.Name());
-  failure = FillFolder(folder, files, count);
+  failure = FillFolder(folder, files, count, GroupRightsBeside(making));
   if (failure == 0) {
     failure = folder.MoveTo(place);
   }
@@ -284,6 +291,9 @@ bool SCreatingFileServices::MakeFile(const char* path, SystemError& error) {
   if (error == SystemError::kNone) {
     Descriptor made;
     const int failure = OpenGuarded(place.Text(), kMakeFlags, made, 0666);
+    if (failure == 0) {
+      GiveToGroup(made.Get(), GroupRightsBeside(place.Text()));
+    }
     // Who made it in the meantime has done what was wanted.
     error = failure == EEXIST ? SystemError::kNone : ToSystemError(failure);
   }
@@ -325,7 +335,8 @@ bool SCreatingFileServices::CopyFileTo(const char* from, const char* to, SystemE
     error = ToSystemError(folder.Open(place.Text()));
   }
   if (error == SystemError::kNone) {
-    error = OnPath(from, [&](const char* source) { return CopyTo(source, folder); });
+    const mode_t groupRights = GroupRightsBeside(place.Text());
+    error = OnPath(from, [&](const char* source) { return CopyTo(source, folder, groupRights); });
   }
   return error == SystemError::kNone;
 }
