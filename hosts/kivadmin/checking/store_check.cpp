@@ -10,6 +10,7 @@
 #include "game/game_dob.h"
 #include "hosts/common/empty_file.h"
 #include "hosts/common/failure_text.h"
+#include "hosts/kivadmin/checking/group_rights.h"
 #include "hosts/kivadmin/checking/mount_facts.h"
 #include "hosts/kivadmin/session/action_log.h"
 #include "records/tutor_options_dob.h"
@@ -70,6 +71,7 @@ std::vector<Finding> StoreCheck::Run() {
   findings.clear();
   CheckForeignEntries();
   CheckMount();
+  CheckRights();
   if (session.HasTeachers()) {
     CheckList(session.TopFolder(), &StoreCheck::CheckTeacher);
   } else {
@@ -143,6 +145,15 @@ void StoreCheck::CheckMount() {
     Report("mount", session.TopFolder(),
            "other machines do not see locks that are taken through this mount (" + mount->type +
                " at " + mount->place + "): " + change);
+  }
+}
+
+// Of a store that a group shares.
+void StoreCheck::CheckRights() {
+  for (const RightsTrouble& trouble : FindRightsTroubles(PartsOf(session))) {
+    if (!IsBehindForeign(trouble.path)) {
+      findings.push_back({"rights", trouble.path, trouble.what, false});
+    }
   }
 }
 

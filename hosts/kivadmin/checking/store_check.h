@@ -15,7 +15,7 @@ namespace kivadmin {
 
 struct Finding {
   // "index", "longname", "nameless", "lock", "options", "game", "twin", "name", "folder", "busy",
-  // "link", "file", "mount"
+  // "link", "file", "mount", "rights"
   std::string kind;
   std::string path;
   std::string what;
@@ -39,6 +39,7 @@ class StoreCheck {
   using CheckEntry = void (StoreCheck::*)(const kivstore::SFileSpec&);
 
   void CheckMount();
+  void CheckRights();
   void CheckTeacher(const kivstore::SFileSpec& folder);
   void CheckClassList(const kivstore::SFileSpec& folder);
   void CheckClass(const kivstore::SFileSpec& folder);

@@ -19,10 +19,10 @@ struct ImportArguments {
 void Import(const CommonOptions& common, const ImportArguments& arguments) {
   RosterFile roster = ReadRosterFile(arguments.file, arguments.format);
   if (arguments.laysOut) {
-    LayOut(common, arguments.plan.isJson);
+    LayOut(common, {.group = {}, .isQuiet = arguments.plan.isJson});
   }
-  const Session session(
-      common, arguments.laysOut ? Session::Access::kLayOut : Session::Access::kChange);
+  const Session session(common,
+                        arguments.laysOut ? Session::Access::kLayOut : Session::Access::kChange);
   FitToStore(roster, session.HasTeachers());
   School school(session);
   Plan plan = PlanRoster(session, school, roster, {.keepsTwins = arguments.keepsTwins});

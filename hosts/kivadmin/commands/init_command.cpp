@@ -6,10 +6,8 @@
 namespace kivadmin {
 namespace {
 
-struct NoArguments {};
-
-void Init(const CommonOptions& common, const NoArguments&) {
-  LayOut(common);
+void Init(const CommonOptions& common, const LayOutWish& wish) {
+  LayOut(common, wish);
 }
 
 }  // namespace
@@ -20,8 +18,12 @@ void AddInitCommand(const Command& app, CommonOptions& common) {
       "Lay out a store: classes folder, indexes, options, and the lock files of a networked "
       "store.\n"
       "A store that is there is completed. Without --kind a new store is one with teachers.");
-  AddRun(init, common, Init);
+  LayOutWish& wish = AddRun(init, common, Init);
   AddChangeArguments(init, common, true);
+  init.AddOption("--group", wish.group,
+                 "Give the store to the members of this group: folders set-group, everything open "
+                 "to the group\nand to nobody else. Not on Windows")
+      .Takes("NAME");
 }
 
 }  // namespace kivadmin

@@ -3,7 +3,9 @@
 #include <filesystem>
 
 #include "hosts/common/interruption.h"
+#include "hosts/kivadmin/checking/group_rights.h"
 #include "hosts/kivadmin/rosters/layout_maker.h"
+#include "platform/platform.h"
 
 namespace kivadmin {
 namespace {
@@ -23,11 +25,19 @@ void Complete(const Session& session) {
   });
 }
 
+std::string Did(const Session& session, bool wasThere, bool hasGroup) {
+  return !wasThere                                                ? "laid out a"
+         : session.HasChanged() || session.IsDryRun() || hasGroup ? "completed the"
+                                                                  : "nothing to complete in the";
+}
+
 }  // namespace
 
-void LayOut(const CommonOptions& common, bool isQuiet) {
+void LayOut(const CommonOptions& common, const LayOutWish& wish) {
+  // Ahead of making anything.
+  const auto group = wish.group ? std::optional(NeedGroup(*wish.group)) : std::nullopt;
   if (common.charset) {
-    kivhost::NeedCharset(*common.charset);  // ahead of making anything
+    kivhost::NeedCharset(*common.charset);
   }
   if (!common.dryRun) {
     NeedRoot(common);
@@ -36,14 +46,15 @@ void LayOut(const CommonOptions& common, bool isQuiet) {
   const bool wasThere = session.TopFolder().IsExistingFolder();
   if (!session.IsDryRun()) {
     Complete(session);
+    if (group) {
+      GiveToGroup(PartsOf(session), *group, !kivstore::Platform().files->IsShared());
+    }
   }
-  const std::string did = !wasThere ? "laid out a"
-                          : session.HasChanged() || session.IsDryRun()
-                              ? "completed the"
-                              : "nothing to complete in the";
-  const std::string done = did + " store of kind " + std::string(NameOf(session.Kind())) + " at " +
-                           kivhost::HeldRoot(common.root);
-  if (isQuiet) {
+  const std::string done = Did(session, wasThere, group.has_value()) + " store of kind " +
+                           std::string(NameOf(session.Kind())) + " at " +
+                           kivhost::HeldRoot(common.root) +
+                           (group ? " for the group \"" + *wish.group + '"' : "");
+  if (wish.isQuiet) {
     session.Log(done);
     session.TellShortfall();
   } else {
