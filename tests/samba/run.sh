@@ -23,7 +23,7 @@ bin=build/release/bin
 [ "$(id -u)" = 0 ] || cannot "it takes the superuser"
 # samba-common-bin brings smbpasswd and smbstatus.
 need /usr/sbin/smbd samba /usr/lib/python3/dist-packages/samba/samba3 python3-samba \
-     smbstatus samba-common-bin unshare util-linux ip iproute2 || cannot "there is no Samba"
+     smbstatus samba-common-bin smbclient smbclient unshare util-linux ip iproute2 || cannot "there is no Samba"
 namespaces="--mount --net --pid --ipc --fork --mount-proc --kill-child=KILL"
 # shellcheck disable=SC2086
 unshare $namespaces true 2>/dev/null || cannot "no namespaces of its own are to be had"
