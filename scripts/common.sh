@@ -88,6 +88,9 @@ build() {
   fi
 }
 
+# The version, from the one place where it stands.
+project_version() { sed -n 's/^project(kivstore VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt; }
+
 # The compilers for Windows, and what the hosts need there.
 need_windows_tools() {
   need x86_64-w64-mingw32-g++-posix g++-mingw-w64-x86-64-posix \
