@@ -35,7 +35,7 @@ std::string Did(const Session& session, bool wasThere, bool hasGroup) {
 
 void LayOut(const CommonOptions& common, const LayOutWish& wish) {
   // Ahead of making anything.
-  const auto group = wish.group ? std::optional(NeedGroup(*wish.group)) : std::nullopt;
+  const uint32_t group = wish.group ? NeedGroup(*wish.group) : 0;
   if (common.charset) {
     kivhost::NeedCharset(*common.charset);
   }
@@ -46,14 +46,14 @@ void LayOut(const CommonOptions& common, const LayOutWish& wish) {
   const bool wasThere = session.TopFolder().IsExistingFolder();
   if (!session.IsDryRun()) {
     Complete(session);
-    if (group) {
-      GiveToGroup(PartsOf(session), *group, !kivstore::Platform().files->IsShared());
+    if (wish.group) {
+      GiveToGroup(PartsOf(session), group, !kivstore::Platform().files->IsShared());
     }
   }
-  const std::string done = Did(session, wasThere, group.has_value()) + " store of kind " +
+  const std::string done = Did(session, wasThere, wish.group.has_value()) + " store of kind " +
                            std::string(NameOf(session.Kind())) + " at " +
                            kivhost::HeldRoot(common.root) +
-                           (group ? " for the group \"" + *wish.group + '"' : "");
+                           (wish.group ? " for the group \"" + *wish.group + '"' : "");
   if (wish.isQuiet) {
     session.Log(done);
     session.TellShortfall();
