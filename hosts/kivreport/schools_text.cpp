@@ -16,7 +16,7 @@ using kivhost::ChildResult;
 using kivhost::CsvRow;
 using kivhost::FormatCsv;
 
-Json Unread(const std::string& school, const ChildResult& result) {
+Json UnreadJson(const std::string& school, const ChildResult& result) {
   return {{"school", school}, {"complete", false}, {"reason", ReasonOf(result)}};
 }
 
@@ -33,13 +33,13 @@ std::string NdjsonOf(const std::string& school, const ChildResult& result) {
   for (std::string line; std::getline(lines, line);) {
     text += "{\"school\":" + name + ',' + line.substr(line.find('{') + 1) + '\n';
   }
-  return IsIncomplete(result) ? text + Dumped(Unread(school, result)) : text;
+  return IsIncomplete(result) ? text + Dumped(UnreadJson(school, result)) : text;
 }
 
 std::string JsonOf(const std::string& school, const ChildResult& result) {
   const Json own = Json::parse(result.output, nullptr, false);
   if (!own.is_object()) {
-    return Dumped(Unread(school, result), 2);
+    return Dumped(UnreadJson(school, result), 2);
   }
   Json json{{"school", school}};
   for (const auto& [key, value] : own.items()) {

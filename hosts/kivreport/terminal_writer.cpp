@@ -13,7 +13,7 @@ namespace kivreport {
 namespace {
 
 constexpr const char* kIndent = "  ";
-constexpr size_t kGap = 2;
+constexpr size_t kColumnGap = 2;
 constexpr size_t kDateLength = 10;  // of "2026-11-20T10:15:00"
 constexpr size_t kShortest = 12;    // to which a text is cut
 
@@ -165,9 +165,9 @@ class TerminalTable {
   size_t LineWidth() const {
     size_t width = std::string(kIndent).size();
     for (const size_t column : widths) {
-      width += column + kGap;
+      width += column + kColumnGap;
     }
-    return width - kGap;
+    return width - kColumnGap;
   }
 
   void WriteHead(std::ostream& out, const char* Column::*head) const {
@@ -185,7 +185,7 @@ class TerminalTable {
       text += columns[i]->isNumber
                   ? PadLeft(cell, widths[i])
                   : ColoredCell(PadRight(cell, widths[i]), columns[i]->name, form.hasColor);
-      text += std::string(kGap, ' ');
+      text += std::string(kColumnGap, ' ');
     }
     text.erase(text.find_last_not_of(' ') + 1);
     out << text << '\n';

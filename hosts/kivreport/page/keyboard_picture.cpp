@@ -9,7 +9,7 @@
 namespace kivreport {
 namespace {
 
-constexpr int kKey = 44, kGap = 4;  // a key, and between two
+constexpr int kKey = 44, kKeyGap = 4;  // a key, and between two
 
 // A row of keys, moved to the right as on a real keyboard.
 struct KeyRow {
@@ -20,8 +20,8 @@ constexpr KeyRow kRows[] = {
     {"`1234567890-=", 0}, {"QWERTYUIOP[]\\", 72}, {"ASDFGHJKL;'", 84}, {"ZXCVBNM,./", 108}};
 constexpr int kSpaceLeft = 180, kSpaceWidth = 260;
 constexpr int64_t kTelling = 10;  // keystrokes: with fewer a key's share says little
-constexpr int kKeyboardWidth = 72 + 13 * (kKey + kGap);
-constexpr int kKeyboardHeight = 5 * (kKey + kGap);
+constexpr int kKeyboardWidth = 72 + 13 * (kKey + kKeyGap);
+constexpr int kKeyboardHeight = 5 * (kKey + kKeyGap);
 
 int PercentOf(const KeyCount& count) {
   return count.keystrokes > 0
@@ -57,7 +57,7 @@ std::string DrawRow(const Keys& keys, const KeyRow& row, int y) {
   for (const char key : row.keys) {
     const auto index = static_cast<size_t>(kivstore::KeyIndexOf(key));
     drawn += DrawKey(x, y, kKey, keys.byKey[index], std::string(1, key));
-    x += kKey + kGap;
+    x += kKey + kKeyGap;
   }
   return drawn;
 }
@@ -82,7 +82,7 @@ std::string KeyboardPicture(const Keys& keys, const Words& words) {
   int y = 0;
   for (const KeyRow& row : kRows) {
     drawn += DrawRow(keys, row, y);
-    y += kKey + kGap;
+    y += kKey + kKeyGap;
   }
   drawn += DrawKey(kSpaceLeft, y, kSpaceWidth, keys.byKey[kivstore::kSpaceKey],
                    std::string(words[Word::kSpaceBar]));
