@@ -1,9 +1,8 @@
 // The start of a lesson: so many hosts at once ask who is in their class and how far their student
 // has come. Tells how long they took, and how long of it they waited at locks that others held.
 //
-//   lesson ROOT HOSTS [SECONDS]     networked store; 25 hosts a class, the first teacher's classes
-//   in
-//                                   turn; all at once, or one after the other within the seconds
+//   lesson ROOT HOSTS [SECONDS]     networked store; 25 hosts a class, of the first teacher; all at
+//                                   once, or one after the other within the seconds
 //
 // Each host is a process and asks as a tutor that starts: commands 1, 3 and 5, and 6 for its own
 // student. One that is told no asks anew, as a user would, and is counted.

@@ -60,24 +60,24 @@ lay_out_root() {
   mkdir "$root"
   tar xf "$work/root.tar" -C "$root" --exclude='./dev/*'
   mknod -m 666 "$root/dev/null" c 1 3
-  mkdir -m 777 "$root/work"
-  cp -R --parents examples scripts/use_installed.sh debian/tests "$root/work"
-  mkdir "$root/work/packages"
-  cp "$packages"/*.deb "$root/work/packages"
+  mkdir -m 777 "$root/trial"
+  cp -R --parents examples scripts/use_installed.sh debian/tests "$root/trial"
+  mkdir "$root/trial/packages"
+  cp "$packages"/*.deb "$root/trial/packages"
 }
 
-in_root() { env -i PATH=/usr/bin:/bin:/usr/sbin:/sbin HOME=/work chroot "$@"; }
+in_root() { env -i PATH=/usr/bin:/bin:/usr/sbin:/sbin HOME=/trial chroot "$@"; }
 
 # Everything but what dpkg and the loader note for themselves.
 everything() {
-  (cd "$root" && find . \( -path ./work -o -path ./var/lib/dpkg -o -path ./var/log -o -path ./tmp \
+  (cd "$root" && find . \( -path ./trial -o -path ./var/lib/dpkg -o -path ./var/log -o -path ./tmp \
      -o -path ./var/cache/ldconfig -o -path ./etc/ld.so.cache \) -prune -o \
      -printf '%p %y %m %u:%g %l\n' -type f -exec md5sum {} +) | LC_ALL=C sort
 }
 
 use() {
   everything >"$work/before"
-  in_root "$root" sh -c 'dpkg -i /work/packages/*.deb' >"$work/dpkg.log" 2>&1 || {
+  in_root "$root" sh -c 'dpkg -i /trial/packages/*.deb' >"$work/dpkg.log" 2>&1 || {
     cat "$work/dpkg.log" >&2
     return 1
   }
@@ -86,7 +86,7 @@ use() {
   in_root "$root" dpkg --verify $names
   echo "good: installed"
   in_root --userspec=nobody:nogroup "$root" \
-    env AUTOPKGTEST_TMP=/work/use sh -c 'cd /work && debian/tests/use-installed'
+    env AUTOPKGTEST_TMP=/trial/use sh -c 'cd /trial && debian/tests/use-installed'
   # shellcheck disable=SC2086
   in_root "$root" dpkg --purge $names >>"$work/dpkg.log" 2>&1
   everything >"$work/after"

@@ -7,7 +7,7 @@
 
 #include "hosts/kivreport/columns.h"
 #include "hosts/kivreport/model.h"
-#include "hosts/kivreport/page/texts.h"
+#include "hosts/kivreport/texts.h"
 
 namespace kivreport {
 

@@ -30,4 +30,15 @@ ScratchFolder::~ScratchFolder() {
   fs::remove_all(folder, ignored);
 }
 
+void ScratchFolder::WriteFrom(std::istream& file,
+                              const std::function<void(std::string_view)>& write) const {
+  std::string block(1 << 16, '\0');
+  while (file.read(block.data(), static_cast<std::streamsize>(block.size())), file.gcount() > 0) {
+    write(std::string_view(block).substr(0, static_cast<size_t>(file.gcount())));
+  }
+  if (!file.eof()) {
+    throw kivhost::HostError(kivhost::kNoStore, Path() + ": a temporary file cannot be read");
+  }
+}
+
 }  // namespace kivreport

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <istream>
 #include <string>
+#include <string_view>
 
 namespace kivreport {
 
@@ -16,6 +19,8 @@ class ScratchFolder {
 
   std::string Path() const { return folder.string(); }
   std::string PathOf(const char* name) const { return (folder / name).string(); }
+  // What a file in it holds from here on. Throws HostError if it cannot be read to its end.
+  void WriteFrom(std::istream& file, const std::function<void(std::string_view)>& write) const;
 
  private:
   std::filesystem::path folder;

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "hosts/kivreport/page/texts.h"
+#include "hosts/kivreport/texts.h"
 
 namespace kivreport {
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "hosts/common/host_error.h"
+#include "hosts/kivreport/class_figures.h"
 #include "hosts/kivreport/page/change_cells.h"
-#include "hosts/kivreport/page/class_figures.h"
 #include "hosts/kivreport/schools_form.h"
 #include "hosts/kivreport/scratch_folder.h"
 #include "hosts/kivreport/sheet_names.h"
@@ -43,10 +43,7 @@ class BookFile {
       ThrowUnwritten(error);
     }
     std::ifstream file(path, std::ios::binary);
-    std::string block(1 << 16, '\0');
-    while (file.read(block.data(), static_cast<std::streamsize>(block.size())), file.gcount() > 0) {
-      write(std::string_view(block).substr(0, static_cast<size_t>(file.gcount())));
-    }
+    scratch.WriteFrom(file, write);
   }
 
  private:

@@ -6,7 +6,7 @@
 #include <ostream>
 
 #include "hosts/kivreport/model.h"
-#include "hosts/kivreport/page/texts.h"
+#include "hosts/kivreport/texts.h"
 
 namespace kivreport {
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "hosts/kivreport/page/class_figures.h"
-#include "hosts/kivreport/page/texts.h"
+#include "hosts/kivreport/class_figures.h"
+#include "hosts/kivreport/texts.h"
 
 namespace kivreport {
 

@@ -1,8 +1,8 @@
 #include "hosts/kivreport/page/class_section.h"
 
+#include "hosts/kivreport/class_figures.h"
 #include "hosts/kivreport/page/change_cells.h"
 #include "hosts/kivreport/page/charts.h"
-#include "hosts/kivreport/page/class_figures.h"
 #include "hosts/kivreport/page/markup.h"
 #include "hosts/kivreport/page/student_sheet.h"
 #include "hosts/kivreport/page/timeline.h"

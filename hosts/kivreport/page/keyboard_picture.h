@@ -4,7 +4,7 @@
 #include <string>
 
 #include "hosts/kivreport/model.h"
-#include "hosts/kivreport/page/texts.h"
+#include "hosts/kivreport/texts.h"
 
 namespace kivreport {
 

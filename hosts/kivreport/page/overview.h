@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/kivreport/page/class_figures.h"
+#include "hosts/kivreport/class_figures.h"
 #include "hosts/kivreport/page/class_section.h"
-#include "hosts/kivreport/page/texts.h"
+#include "hosts/kivreport/texts.h"
 
 namespace kivreport {
 

@@ -3,7 +3,7 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "hosts/kivreport/page/class_figures.h"
+#include "hosts/kivreport/class_figures.h"
 #include "hosts/kivreport/page/markup.h"
 #include "hosts/kivreport/page/page_assets.h"
 

@@ -3,8 +3,8 @@
 #include <fstream>
 
 #include "hosts/common/host_error.h"
+#include "hosts/kivreport/class_figures.h"
 #include "hosts/kivreport/page/charts.h"
-#include "hosts/kivreport/page/class_figures.h"
 #include "hosts/kivreport/page/markup.h"
 #include "hosts/kivreport/page/overview.h"
 #include "hosts/kivreport/page/page_parts.h"
@@ -82,11 +82,7 @@ class Page : public SchoolsForm {
     if (!waiting) {
       throw kivhost::HostError(kivhost::kNoStore, scratch.Path() + ": cannot be written to");
     }
-    std::string block(1 << 16, '\0');
-    while (waiting.read(block.data(), static_cast<std::streamsize>(block.size())),
-           waiting.gcount() > 0) {
-      write(std::string_view(block).substr(0, static_cast<size_t>(waiting.gcount())));
-    }
+    scratch.WriteFrom(waiting, write);
   }
 
   std::string NameCell(const std::string& school, std::string_view remark) const {

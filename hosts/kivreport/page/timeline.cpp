@@ -23,7 +23,7 @@ struct Point {
   double mission;
 };
 
-// DrawDays since some day; times that are none fall on the first.
+// Days since some day; times that are none fall on the first.
 double DayNumber(const std::string& time) {
   int year = 1970;
   unsigned month = 1, day = 1;

@@ -1,4 +1,4 @@
-#include "hosts/kivreport/page/texts.h"
+#include "hosts/kivreport/texts.h"
 
 #include <array>
 #include <cmath>
@@ -39,8 +39,8 @@ constexpr Entry kEntries[] = {
       "the highest mission, the mark on it is the median. In the strips a darker field has more "
       "students.",
       "Die Kästchen einer Säule sind Lernende bei dieser Mission; die Linie darunter reicht von "
-      "der "
-      "niedrigsten zur höchsten Mission, die Marke darauf ist der Median. In den Streifen stehen "
+      "der niedrigsten zur höchsten Mission, die Marke darauf ist der Median. In den Streifen "
+      "stehen "
       "dunklere Felder für mehr Lernende."}},
     {Word::kMedian, {"Median mission", "Mission im Median"}},
     {Word::kFromTo, {"From – to", "Von – bis"}},

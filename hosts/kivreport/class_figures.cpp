@@ -1,4 +1,4 @@
-#include "hosts/kivreport/page/class_figures.h"
+#include "hosts/kivreport/class_figures.h"
 
 #include <algorithm>
 #include <vector>
