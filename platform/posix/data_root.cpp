@@ -22,21 +22,21 @@ constinit NeverDestroyed<DataRoot> gDataRoot;
 // The file systems that this process has met. A store lies on one or two.
 class KnownFileSystems {
  public:
-  bool IsShared(dev_t fileSystem, const char* path) {
+  FileSystemKind KindOf(dev_t fileSystem, const char* path) {
     for (unsigned i = 0; i < std::min(count, kRoom); ++i) {
       if (known[i].fileSystem == fileSystem) {
-        return known[i].isShared;
+        return known[i].kind;
       }
     }
-    const bool isShared = KindOfFileSystem(path) == FileSystemKind::kShared;
-    known[count++ % kRoom] = {fileSystem, isShared};
-    return isShared;
+    const FileSystemKind kind = KindOfFileSystem(path);
+    known[count++ % kRoom] = {fileSystem, kind};
+    return kind;
   }
 
  private:
   struct Known {
     dev_t fileSystem;
-    bool isShared;
+    FileSystemKind kind;
   };
   static constexpr unsigned kRoom = 8;
 
@@ -55,6 +55,7 @@ DataRoot& KeptDataRoot() {
 void DataRoot::Keep(const char* path) {
   folder.Reset(-1);
   hasMet = isShared = isSpelledRight = false;
+  kind = FileSystemKind::kLocal;
   const PosixPath posix(path);
   length = 0;
   if (posix.Check() != SystemError::kNone || posix.View().size() + 2 > sizeof text) {
@@ -106,19 +107,31 @@ void DataRoot::Meet(dev_t fileSystem, const char* path) {
   if ((hasMet && fileSystem == met) || WayTo(path) == nullptr) {
     return;
   }
+  Take(fileSystem, path);
+}
+
+void DataRoot::Take(dev_t fileSystem, const char* path) {
   met = fileSystem;
   hasMet = true;
-  isShared = gKnownFileSystems.IsShared(fileSystem, path) || isShared;
+  kind = gKnownFileSystems.KindOf(fileSystem, path);
+  isShared |= kind != FileSystemKind::kLocal;
+}
+
+void DataRoot::MeetItself() {
+  struct stat facts;
+  if (!hasMet && length != 0 && Open() == 0 && fstat(Get(), &facts) == 0) {
+    Take(facts.st_dev, text);
+  }
 }
 
 bool DataRoot::IsShared() {
-  struct stat facts;
-  if (!hasMet && length != 0 && Open() == 0 && fstat(Get(), &facts) == 0) {
-    hasMet = true;
-    met = facts.st_dev;
-    isShared = gKnownFileSystems.IsShared(met, text);
-  }
+  MeetItself();
   return isShared;
+}
+
+bool DataRoot::IsWindowsShare() {
+  MeetItself();
+  return kind == FileSystemKind::kWindowsShare;
 }
 
 }  // namespace kivstore

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "platform/posix/descriptor.h"
+#include "platform/posix/file_system_kind.h"
 
 namespace kivstore {
 
@@ -36,6 +37,8 @@ class DataRoot {
   void Meet(dev_t fileSystem, const char* path);
   // Whether other machines may change what was met below the root, or without any look the root.
   bool IsShared();
+  // Whether what was met last is of that kind.
+  bool IsWindowsShare();
 
  private:
   static constexpr int kRoom = 4096;
@@ -43,11 +46,14 @@ class DataRoot {
   std::string_view View() const { return {text, static_cast<size_t>(length)}; }
   bool IsSpelledBy(const char* path);
   int OpenAs(const char* path);
+  void Take(dev_t fileSystem, const char* path);
+  void MeetItself();
 
   Descriptor folder;
   dev_t met = 0;
   bool hasMet = false;
   bool isShared = false;
+  FileSystemKind kind = FileSystemKind::kLocal;
   int length = 0;  // with the slash that ends it; 0: nothing is kept
   char text[kRoom] = "";
 };

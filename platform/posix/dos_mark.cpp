@@ -5,13 +5,35 @@
 #include <sys/xattr.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "platform/posix/data_root.h"
 #include "platform/posix/folder_reader.h"
 
 namespace kivstore {
 namespace {
+
+// Of a share its client tells the attributes themselves, 32 bits in this machine's order.
+constexpr char kShareAttributes[] = "user.cifs.dosattrib";
+
+bool IsOnShare() {
+  return KeptDataRoot().IsWindowsShare();
+}
+
+unsigned ShareBits(uint32_t bits, ssize_t length) {
+  return length == sizeof bits ? bits & (kDosReadOnly | kDosHidden) : 0;
+}
+
+int ChangeOnShare(int file, unsigned bit, bool set) {
+  uint32_t bits = 0;
+  if (fgetxattr(file, kShareAttributes, &bits, sizeof bits) != sizeof bits) {
+    return ENODATA;
+  }
+  bits = set ? bits | bit : bits & ~bit;
+  return fsetxattr(file, kShareAttributes, &bits, sizeof bits, 0) == 0 ? 0 : errno;
+}
 
 unsigned BitsOf(const char* mark, ssize_t length) {
   return length > 0 ? DosBits({mark, static_cast<size_t>(length)}) : 0;
@@ -19,10 +41,6 @@ unsigned BitsOf(const char* mark, ssize_t length) {
 
 int WriteMark(int file, const char* mark, size_t length) {
   return fsetxattr(file, kDosAttributeName, mark, length, 0) == 0 ? 0 : errno;
-}
-
-bool BearsMark(int folder) {
-  return fgetxattr(folder, kDosAttributeName, nullptr, 0) >= 0;
 }
 
 bool FolderOfBearsMark(std::string_view place) {
@@ -47,7 +65,15 @@ void MarkTree(int base, const char* name, int depth) {
 
 }  // namespace
 
+bool BearsMark(int folder) {
+  return IsOnShare() || fgetxattr(folder, kDosAttributeName, nullptr, 0) >= 0;
+}
+
 unsigned MarkOf(int file) {
+  if (IsOnShare()) {
+    uint32_t bits = 0;
+    return ShareBits(bits, fgetxattr(file, kShareAttributes, &bits, sizeof bits));
+  }
   char mark[kMaxDosAttribute];
   return BitsOf(mark, fgetxattr(file, kDosAttributeName, mark, sizeof mark));
 }
@@ -59,6 +85,12 @@ unsigned MarkOf(const char* path) {
 }
 
 int ReadMark(const char* path, unsigned& bits) {
+  if (IsOnShare()) {
+    uint32_t told = 0;
+    const ssize_t length = getxattr(path, kShareAttributes, &told, sizeof told);
+    bits = ShareBits(told, length);
+    return length < 0 ? errno : 0;
+  }
   char mark[kMaxDosAttribute];
   const ssize_t length = getxattr(path, kDosAttributeName, mark, sizeof mark);
   bits = BitsOf(mark, length);
@@ -66,6 +98,9 @@ int ReadMark(const char* path, unsigned& bits) {
 }
 
 int ChangeMark(int file, unsigned bit, bool set) {
+  if (IsOnShare()) {
+    return ChangeOnShare(file, bit, set);
+  }
   char mark[kMaxDosAttribute];
   const ssize_t length = fgetxattr(file, kDosAttributeName, mark, sizeof mark);
   const bool isStated = length > 0 && ChangeDosBit(mark, static_cast<int>(length), bit, set);
@@ -83,7 +118,7 @@ int MarkFolder(int folder) {
 }
 
 void InheritMark(const char* place, int base, const char* name) {
-  if (FolderOfBearsMark(place)) {
+  if (!IsOnShare() && FolderOfBearsMark(place)) {
     MarkTree(base, name, 0);
   }
 }

@@ -35,6 +35,8 @@ class FolderHold {
   // 0; EAGAIN if a file below is open anywhere or the tree is deeper than any store's; or that
   // there are not handles enough to know.
   int Take(const char* folder);
+  void LetGo() { held.clear(); }
+  bool IsEmpty() const { return held.empty(); }
   // The file that was in the way, with its path; empty if none was.
   const std::string& GetBlocker() const { return blocker; }
 

@@ -4,6 +4,7 @@
 #include <sys/vfs.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 
@@ -11,11 +12,14 @@ namespace kivstore {
 namespace {
 
 // As the kernel and the makers of the others give them out.
-constexpr uint32_t kSharedMagics[] = {
-    0x00006969,  // NFS
+constexpr uint32_t kWindowsMagics[] = {
     0x0000517B,  // SMB, by the old client
     0xFF534D42,  // CIFS
     0xFE534D42,  // SMB 2 and above
+};
+
+constexpr uint32_t kOtherSharedMagics[] = {
+    0x00006969,  // NFS
     0x65735546,  // FUSE: sshfs, GlusterFS, virtiofs, ...
     0x00C36400,  // Ceph
     0x01021997,  // 9p
@@ -33,11 +37,17 @@ constexpr uint32_t kSharedMagics[] = {
     0xBACBACBC,  // folders that VMware shares
 };
 
+template <size_t count>
+bool IsOneOf(const uint32_t (&magics)[count], const struct statfs& facts) {
+  return std::find(std::begin(magics), std::end(magics), static_cast<uint32_t>(facts.f_type)) !=
+         std::end(magics);
+}
+
 FileSystemKind KindOf(const struct statfs& facts) {
-  const auto magic = static_cast<uint32_t>(facts.f_type);
-  const bool isShared = std::find(std::begin(kSharedMagics), std::end(kSharedMagics), magic) !=
-                        std::end(kSharedMagics);
-  return isShared ? FileSystemKind::kShared : FileSystemKind::kLocal;
+  if (IsOneOf(kWindowsMagics, facts)) {
+    return FileSystemKind::kWindowsShare;
+  }
+  return IsOneOf(kOtherSharedMagics, facts) ? FileSystemKind::kShared : FileSystemKind::kLocal;
 }
 
 }  // namespace

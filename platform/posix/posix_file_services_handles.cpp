@@ -173,8 +173,7 @@ SystemError SPosixFileServices::Exposure(FileHandle file) {
   const int descriptor = file->descriptor.Get();
   const int failure = LeaseAlone(descriptor);
   // In use: a lease can be had, and just now another program is in the way.
-  if (failure == 0 || failure == EAGAIN ||
-      KindOfFileSystem(descriptor) == FileSystemKind::kShared) {
+  if (failure == 0 || failure == EAGAIN || KindOfFileSystem(descriptor) != FileSystemKind::kLocal) {
     return SystemError::kNone;
   }
   return failure == EACCES ? SystemError::kAccessDenied : SystemError::kOther;

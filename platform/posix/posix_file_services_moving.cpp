@@ -9,6 +9,7 @@
 #include "platform/base/bytes.h"
 #include "platform/posix/dos_mark.h"
 #include "platform/posix/file_locks.h"
+#include "platform/posix/file_system_kind.h"
 #include "platform/posix/fresh_reading.h"
 #include "platform/posix/guarded_open.h"
 #include "platform/posix/posix_file_services.h"
@@ -129,8 +130,25 @@ int HoldForMove(const PosixPath& source, const GuardedFolder& folder, const stru
   return S_ISREG(facts.st_mode) ? HoldToMove(folder, hold) : 0;
 }
 
-int Rename(const GuardedFolder& from, const GuardedFolder& to) {
+int Rename(const GuardedFolder& from, const GuardedFolder& to, bool respelled) {
+  if (!respelled) {
+    return from.MoveTo(to);
+  }
   return renameat(from.Get(), from.Name(), to.Get(), to.Name()) == 0 ? 0 : errno;
+}
+
+// The hold on a folder can itself be what the server of a share refuses for. There it is let go:
+// that nobody else has a file open below is then seen to by the server, in the renaming itself.
+int RenameHeld(const PosixPath& source, const GuardedFolder& from, const GuardedFolder& to,
+               bool respelled, FolderHold& hold) {
+  const int failure = Rename(from, to, respelled);
+  const bool mayBeHold = failure == EACCES || failure == EBUSY || failure == ETXTBSY;
+  if (!mayBeHold || hold.IsEmpty() ||
+      KindOfFileSystem(source.Text()) != FileSystemKind::kWindowsShare) {
+    return failure;
+  }
+  hold.LetGo();
+  return Rename(from, to, respelled);
 }
 
 }  // namespace
@@ -178,7 +196,7 @@ bool SPosixFileServices::Move(const char* from, const char* to, SystemError& err
     InheritMark(target.Text(), sourceFolder.Get(), sourceFolder.Name());
   }
   if (failure == 0) {
-    failure = respelled ? Rename(sourceFolder, targetFolder) : sourceFolder.MoveTo(targetFolder);
+    failure = RenameHeld(source, sourceFolder, targetFolder, respelled, folderHold);
   }
   error = ToSystemError(failure);
   return failure == 0;

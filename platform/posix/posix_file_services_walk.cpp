@@ -2,7 +2,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 
 #include <cstdio>
 #include <cstring>
@@ -53,7 +52,7 @@ class PosixFolderWalk : public IFolderWalk {
 
 int PosixFolderWalk::Open(const char* path) {
   const int failure = reader.OpenHere(path);
-  if (failure != 0 || fgetxattr(reader.GetDescriptor(), kDosAttributeName, nullptr, 0) < 0) {
+  if (failure != 0 || !BearsMark(reader.GetDescriptor())) {
     return failure;
   }
   const size_t size = std::strlen(path) + 1;
