@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "hosts/common/host_error.h"
+#include "hosts/common/scratch_folder.h"
 #include "hosts/kivreport/class_figures.h"
 #include "hosts/kivreport/page/change_cells.h"
 #include "hosts/kivreport/schools_form.h"
-#include "hosts/kivreport/scratch_folder.h"
 #include "hosts/kivreport/sheet_names.h"
 #include "hosts/kivreport/workbook_sheet.h"
 
@@ -57,7 +57,7 @@ class BookFile {
     return book;
   }
 
-  const ScratchFolder scratch;
+  const kivhost::ScratchFolder scratch;
   std::string folder;
   const std::string path;
   lxw_workbook* book;

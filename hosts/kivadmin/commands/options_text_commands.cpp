@@ -5,6 +5,7 @@
 #include "hosts/kivadmin/commands/options_commands.h"
 #include "hosts/kivadmin/options/options_import.h"
 #include "hosts/kivadmin/options/options_text_file.h"
+#include "hosts/kivadmin/roster_files/plain_file.h"
 
 namespace kivadmin {
 namespace {
@@ -21,6 +22,9 @@ void Export(const CommonOptions& common, const TextFileArguments& arguments) {
   kivstore::STeacherOptionsDob options;
   TryOptions(session, chosen.Get(), [&](auto& stored) { options.Copy(stored); });
   WriteOptionsText(options, arguments.file);
+  if (arguments.file == "-") {
+    return;
+  }
   const bool isDecided = options.GetModified() > kivstore::SDateTime::None();
   std::cout << "exported the options of " << chosen.Text(session) << " to " << arguments.file
             << (isDecided ? "" : "; nothing is decided there yet") << '\n';
@@ -44,7 +48,7 @@ std::string TakenText(const OptionsTaken& result) {
 }
 
 void Import(const CommonOptions& common, const TextFileArguments& arguments) {
-  const OptionsText text(arguments.file, ReadOptionsText(arguments.file));
+  const OptionsText text(NameOfFile(arguments.file), ReadOptionsText(arguments.file));
   const Session session(common, Session::Access::kChange);
   const ChosenPlace chosen(session, arguments.names);
   const OptionsTaken result = ImportOptions(session, chosen.Get(), text);
@@ -62,7 +66,7 @@ void AddOptionsExport(const Command& options, CommonOptions& common) {
   TextFileArguments& arguments = AddRun(command, common, Export);
   AddStoreArguments(command, common);
   AddLevelOptions(command, arguments.names);
-  command.AddOption("FILE", arguments.file, "The text file").Require();
+  command.AddOption("FILE", arguments.file, "The text file; - is standard output").Require();
 }
 
 void AddOptionsImport(const Command& options, CommonOptions& common) {
@@ -74,7 +78,7 @@ void AddOptionsImport(const Command& options, CommonOptions& common) {
   TextFileArguments& arguments = AddRun(command, common, Import);
   AddChangeArguments(command, common);
   AddLevelOptions(command, arguments.names);
-  command.AddOption("FILE", arguments.file, "The text file").Require();
+  command.AddOption("FILE", arguments.file, "The text file; - is standard input").Require();
 }
 
 }  // namespace kivadmin

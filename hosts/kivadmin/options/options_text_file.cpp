@@ -1,12 +1,15 @@
 #include "hosts/kivadmin/options/options_text_file.h"
 
 #include <filesystem>
+#include <iostream>
 #include <utility>
 
 #include "archive/pref_file.h"
 #include "hosts/common/console.h"
+#include "hosts/common/scratch_folder.h"
 #include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/options/options_text.h"
+#include "hosts/kivadmin/roster_files/plain_file.h"
 #include "hosts/kivadmin/session/file_services_scope.h"
 
 namespace kivadmin {
@@ -35,9 +38,22 @@ bool SaveAndCompare(STeacherOptionsDob& options, const fs::path& path) {
   return stored.IsEqual(options);
 }
 
+void PrintOptionsText(STeacherOptionsDob& options) {
+  const kivhost::ScratchFolder scratch;
+  const std::string written = scratch.PathOf("options.txt");
+  if (!SaveAndCompare(options, written)) {
+    throw HostError(kWrongUsage, scratch.Path() + ": a temporary file could not be written");
+  }
+  std::cout << ReadOptionsText(written);
+}
+
 }  // namespace
 
 void WriteOptionsText(STeacherOptionsDob& options, const std::string& file) {
+  if (file == "-") {
+    PrintOptionsText(options);
+    return;
+  }
   std::error_code error;
   const fs::path target = fs::absolute(fs::path(file), error);
   fs::path beside = target;
@@ -57,8 +73,12 @@ void WriteOptionsText(STeacherOptionsDob& options, const std::string& file) {
 }
 
 std::string ReadOptionsText(const std::string& file) {
-  return kivhost::ReadWholeFile(file, kivstore::SPrefFile::kLongestText, "a file of options",
-                                kWrongUsage);
+  constexpr const char* kKind = "a file of options";
+  constexpr size_t kLongest = kivstore::SPrefFile::kLongestText;
+  if (file != "-") {
+    return kivhost::ReadWholeFile(file, kLongest, kKind, kWrongUsage);
+  }
+  return ReadStandardInput(kLongest, kKind);
 }
 
 }  // namespace kivadmin

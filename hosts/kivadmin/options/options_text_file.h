@@ -7,9 +7,10 @@
 
 namespace kivadmin {
 
-// Beside the file and then into its place, so that one that is there stays until the new is whole.
+// Beside the file and then into its place, so that one that is there stays until the new is whole;
+// "-" is standard output.
 void WriteOptionsText(kivstore::STeacherOptionsDob& options, const std::string& file);
-// Throws wrong usage for a file that cannot be read or is too large.
+// Throws wrong usage for a file that cannot be read or is too large; "-" is standard input.
 std::string ReadOptionsText(const std::string& file);
 
 }  // namespace kivadmin

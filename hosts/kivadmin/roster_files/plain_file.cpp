@@ -15,19 +15,6 @@ namespace fs = std::filesystem;
 using kivhost::HostError;
 using kivhost::kWrongUsage;
 
-std::string ReadStandardInput(const char* kind) {
-  kivhost::TakeInputAsBytes();
-  std::string bytes;
-  char block[1 << 16];
-  while (std::cin.read(block, sizeof block), std::cin.gcount() > 0) {
-    bytes.append(block, static_cast<size_t>(std::cin.gcount()));
-    if (bytes.size() > kLongestRosterFile) {
-      throw HostError(kWrongUsage, std::string("standard input: too large for ") + kind);
-    }
-  }
-  return bytes;
-}
-
 // Nothing is opened that could wait for somebody else, and nothing read that is too long.
 void NeedPlainFile(const std::string& path, const char* kind) {
   std::error_code error;
@@ -50,9 +37,22 @@ std::string NameOfFile(const std::string& path) {
   return path == "-" ? "standard input" : path;
 }
 
+std::string ReadStandardInput(size_t most, const char* kind) {
+  kivhost::TakeInputAsBytes();
+  std::string bytes;
+  char block[1 << 16];
+  while (std::cin.read(block, sizeof block), std::cin.gcount() > 0) {
+    bytes.append(block, static_cast<size_t>(std::cin.gcount()));
+    if (bytes.size() > most) {
+      throw HostError(kWrongUsage, std::string("standard input: too large for ") + kind);
+    }
+  }
+  return bytes;
+}
+
 std::string ReadPlainFile(const std::string& path, const char* kind) {
   if (path == "-") {
-    return ReadStandardInput(kind);
+    return ReadStandardInput(kLongestRosterFile, kind);
   }
   NeedPlainFile(path, kind);
   return kivhost::ReadWholeFile(path, kLongestRosterFile, kind, kWrongUsage);

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "hosts/common/host_error.h"
+#include "hosts/common/scratch_folder.h"
 #include "hosts/kivreport/class_figures.h"
 #include "hosts/kivreport/page/charts.h"
 #include "hosts/kivreport/page/markup.h"
@@ -10,7 +11,6 @@
 #include "hosts/kivreport/page/page_parts.h"
 #include "hosts/kivreport/page/teacher_section.h"
 #include "hosts/kivreport/schools_form.h"
-#include "hosts/kivreport/scratch_folder.h"
 
 namespace kivreport {
 namespace {
@@ -113,7 +113,7 @@ class Page : public SchoolsForm {
   const Report& whole;
   const Words words;
   const bool sheets;
-  const ScratchFolder scratch;
+  const kivhost::ScratchFolder scratch;
   std::fstream waiting;
   PageCounts counts;
   size_t nextClass = 1;

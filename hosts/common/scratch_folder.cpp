@@ -1,11 +1,11 @@
-#include "hosts/kivreport/scratch_folder.h"
+#include "hosts/common/scratch_folder.h"
 
 #include <random>
 #include <system_error>
 
 #include "hosts/common/host_error.h"
 
-namespace kivreport {
+namespace kivhost {
 
 namespace fs = std::filesystem;
 
@@ -16,13 +16,13 @@ ScratchFolder::ScratchFolder() {
   std::error_code error;
   const fs::path parent = fs::temp_directory_path(error);
   for (int i = 0; !error && i < kTries; ++i) {
-    folder = parent / ("kivreport-" + std::to_string(random()));
+    folder = parent / ("kivstore-" + std::to_string(random()));
     if (fs::create_directory(folder, error)) {
       fs::permissions(folder, fs::perms::owner_all, error);
       return;
     }
   }
-  throw kivhost::HostError(kivhost::kNoStore, parent.string() + ": no temporary file can be made");
+  throw HostError(kNoStore, parent.string() + ": no temporary file can be made");
 }
 
 ScratchFolder::~ScratchFolder() {
@@ -37,8 +37,8 @@ void ScratchFolder::WriteFrom(std::istream& file,
     write(std::string_view(block).substr(0, static_cast<size_t>(file.gcount())));
   }
   if (!file.eof()) {
-    throw kivhost::HostError(kivhost::kNoStore, Path() + ": a temporary file cannot be read");
+    throw HostError(kNoStore, Path() + ": a temporary file cannot be read");
   }
 }
 
-}  // namespace kivreport
+}  // namespace kivhost

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace kivreport {
+namespace kivhost {
 
 class ScratchFolder {
  public:
@@ -26,4 +26,4 @@ class ScratchFolder {
   std::filesystem::path folder;
 };
 
-}  // namespace kivreport
+}  // namespace kivhost
