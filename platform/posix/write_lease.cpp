@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include "platform/posix/data_root.h"
 #include "platform/posix/file_system_kind.h"
 
 namespace kivstore {
@@ -29,9 +30,13 @@ bool LiesOnThisMachine(int file) {
 }
 
 // Whoever of ours has just opened the file meets our lock and is gone at once: a few tries, without
-// waiting, see it go. NFS and SMB refuse every lease that their server has not granted them.
+// waiting, see it go. What other machines share is not leased, even where its client could: a
+// server that wants back what it has lent to this machine would wait for the lease to end.
 int Lease(int file, int type) {
   constexpr int kTries = 4;
+  if (KeptDataRoot().IsShared()) {
+    return EREMOTE;
+  }
   if (fcntl(file, F_SETSIG, SIGURG) != 0) {
     return errno;
   }

@@ -28,7 +28,7 @@ namespace kivstore {
 // Each answers 0; EAGAIN if another has the file open; or why no lease can be had, which is no
 // fault: EACCES of a file that is another user's, without the privilege (CAP_LEASE), EINVAL of a
 // file system without leases, EREMOTE where the file is shared with other machines, whose server
-// answers for it. Two calls, and one or two for the kind of file system when it is refused.
+// answers for it. Two calls; none on such a file system.
 int LeaseAlone(int file);
 int LeaseForLook(int file);  // the file is open for reading only
 
