@@ -15,6 +15,10 @@ from mutation.tree import NOT_PRODUCT, ROOT, WORK, Problem, tracked_files
 BUILD_LIMIT = 1800            # seconds for all that a change makes necessary to build
 # Tests that are scripts, with what they need built and what makes them ask the same every time.
 SCRIPTS = {"hosts": (("kivadmin", "kivreport", "hold_file"), ()),
+           "roster_files": (("kivadmin", "kivreport"), ()),
+           "backups": (("kivadmin", "kivreport"), ()),
+           "report_terminal": (("kivadmin", "kivreport"), ()),
+           "page": (("kivadmin", "kivreport"), ()),
            "examples": (("kivstore",), ()),
            "planted_links": (("kivadmin", "kivreport"), ()),
            "callers": (("kivadmin", "kivreport", "kivstore"), ("--seed", "1"))}

@@ -139,6 +139,12 @@ class Shares(unittest.TestCase):
             self.assertNotIn("Ann Lee", listed)
             self.assertIn("Bea Lee", listed)
 
+    def test_a_group_is_given_nothing_that_a_share_does_not_keep(self):
+        code, output, errors = self.machines[1].run("kivadmin", "init", f"/station1/{self.mount_samba('tutor')}",
+                                                    "--group", "root")
+        self.assertEqual((code, output), (3, ""))
+        self.assertIn("keeps no such rights here; if it is a share, do it on its server", errors)
+
 
 if __name__ == "__main__":
     samba_test.BIN = pathlib.Path(sys.argv.pop(1)).resolve()

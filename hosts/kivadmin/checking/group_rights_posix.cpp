@@ -81,7 +81,9 @@ void WalkStore(const StoreParts& store, const Visit& visit) {
   }
 }
 
-// 0 or the system's error. A file of several names may be somebody's elsewhere.
+constexpr int kKeepsNoRights = -1;  // the file system, though it takes them
+
+// 0, the system's error or the above. A file of several names may be somebody's elsewhere.
 int Give(const Entry& entry, gid_t group) {
   if (!entry.IsFolder() && entry.facts.st_nlink > 1) {
     return EMLINK;
@@ -92,8 +94,30 @@ int Give(const Entry& entry, gid_t group) {
   if (entry.facts.st_gid != group && chown(place.c_str(), static_cast<uid_t>(-1), group) != 0) {
     return errno;
   }
-  const bool isGiven = entry.facts.st_gid == group && (entry.facts.st_mode & 07777) == mode;
-  return isGiven || chmod(place.c_str(), mode) == 0 ? 0 : errno;
+  const auto isGiven = [&](const struct stat& facts) {
+    return facts.st_gid == group && (facts.st_mode & 07777) == mode;
+  };
+  if (isGiven(entry.facts)) {
+    return 0;
+  }
+  struct stat now;
+  if (chmod(place.c_str(), mode) != 0 || fstat(entry.handle, &now) != 0) {
+    return errno;
+  }
+  return isGiven(now) ? 0 : kKeepsNoRights;
+}
+
+std::string ReasonOf(int failure) {
+  switch (failure) {
+    case EMLINK:
+      return ": it has other names (links), which would change with it";
+    case EPERM:
+      return ": only its owner, a member of the group, or root can do that";
+    case kKeepsNoRights:
+      return ": the file system keeps no such rights here; if it is a share, do it on its server";
+    default:
+      return std::string(": ") + std::strerror(failure);
+  }
 }
 
 void Mark(const Entry& entry) {
@@ -162,11 +186,7 @@ void GiveToGroup(const StoreParts& store, uint32_t group, bool marks) {
   std::string first;
   WalkStore(store, [&](const Entry& entry) {
     if (const int failure = Give(entry, group); failure != 0 && ++left == 1) {
-      first = entry.path + (failure == EMLINK ? ": it has other names (links), which would change "
-                                                "with it"
-                            : failure == EPERM
-                                ? ": only its owner, a member of the group, or root can do that"
-                                : std::string(": ") + std::strerror(failure));
+      first = entry.path + ReasonOf(failure);
     }
     if (marks && entry.IsFolder()) {
       Mark(entry);
