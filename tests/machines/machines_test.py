@@ -83,6 +83,15 @@ class Shares(unittest.TestCase):
         self.mount("cifs", f"//10.0.2.2/{share}", CIFS + more)
         return self.new_store(self.machines[1])
 
+    def mount_samba_with_two_students(self):
+        name = self.mount_samba("tutor")
+        root = f"/station1/{name}"
+        for words in (["teacher", root, "Hill"], ["class", root, "Room"],
+                      ["student", root, "Ann", "Lee", "--class=Room"],
+                      ["student", root, "Bea", "Lee", "--class=Room"]):
+            self.machines[1].done("kivadmin", "add", *words)
+        return name
+
     def mount_nfs(self):
         self.mount("nfs4", "10.0.2.2:/", "addr=10.0.2.2,clientaddr=10.0.2.15,port=2049,vers=4.2,sec=sys")
         return self.new_store(self.machines[0])
@@ -127,17 +136,24 @@ class Shares(unittest.TestCase):
         self.assertRegex(said, "locks: [0-3] of 4 as they must be")
 
     def test_what_a_workstation_hides_is_hidden_on_a_linux_machine(self):
-        name = self.mount_samba("tutor")
-        root = f"/station1/{name}"
-        for words in (["add", "teacher", root, "Hill"], ["add", "class", root, "Room"],
-                      ["add", "student", root, "Ann", "Lee", "--class=Room"],
-                      ["add", "student", root, "Bea", "Lee", "--class=Room"]):
-            self.machines[1].done("kivadmin", *words)
+        name = self.mount_samba_with_two_students()
         self.samba.set_mode(rf"{name}\{samba_test.ANN}", "+h")
         for station in self.machines[1:]:
             listed = station.done("kivreport", "--format=csv", f"/{station.name}/{name}")
             self.assertNotIn("Ann Lee", listed)
             self.assertIn("Bea Lee", listed)
+
+    def test_a_workstation_at_work_keeps_linux_machines_out(self):
+        name = self.mount_samba_with_two_students()
+        words = ["kivadmin", "add", "student", f"/station2/{name}", "Cy", "Lee", "--class=Room"]
+        workstation = samba_test.Workstation(self.samba.configuration)
+        self.addCleanup(workstation.end)
+        lock = workstation.open(rf"{name}\{samba_test.ROOM}\Students\index.lok", samba_test.ALONE)
+        code, output, errors = self.machines[2].run(*words)
+        self.assertEqual((code, output), (1, ""))
+        self.assertIn("locked", errors)
+        workstation.close(lock)
+        self.machines[2].done(*words)
 
     def test_a_group_is_given_nothing_that_a_share_does_not_keep(self):
         code, output, errors = self.machines[1].run("kivadmin", "init", f"/station1/{self.mount_samba('tutor')}",
