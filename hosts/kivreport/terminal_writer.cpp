@@ -31,7 +31,7 @@ bool IsNamed(const Column* column, const std::string& name) {
 Columns ShownColumns(const Report& report, const Form& form) {
   std::vector<const char*> names{kStudentColumn};
   if (report.progress) {
-    names.emplace_back("current_mission");
+    names.insert(names.end(), {"current_mission"});
     if (!report.since) {
       names.insert(names.end(), {"previous_mission", "vocab_level", "lessons_done"});
     }
