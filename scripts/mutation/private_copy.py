@@ -18,7 +18,6 @@ SCRIPTS = {"hosts": (("kivadmin", "kivreport", "hold_file"), ()),
            "roster_files": (("kivadmin", "kivreport"), ()),
            "backups": (("kivadmin", "kivreport"), ()),
            "report_terminal": (("kivadmin", "kivreport"), ()),
-           "page": (("kivadmin", "kivreport"), ()),
            "examples": (("kivstore",), ()),
            "planted_links": (("kivadmin", "kivreport"), ()),
            "callers": (("kivadmin", "kivreport", "kivstore"), ("--seed", "1"))}

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """A school that many change at once, while somebody is killed each second: is anything lost?
 
-    random_school.py BIN [--seconds N] [--seed N] [ROOT ...]
+    random_school.py BIN [--seconds N] [--seed N] [--spare] [ROOT ...]
 
 Four processes add, rename, move, delete and bring back teachers, classes and students at random, set
 options and progress, by BIN's kivadmin, while two others list and report. Each second one of them is
-killed. The roots lead to one empty folder, through several mounts where there are several, and the
+killed, unless they are to be spared. The roots lead to one empty folder, through several mounts where there are several, and the
 processes are spread over them; without any a folder of this machine is taken.
 
 A ledger keeps what each command was told (ledger.py). Every few seconds all wait, and the store is
@@ -338,7 +338,7 @@ class Play:
 
     def __init__(self, line):
         self.seed = line.seed or str(random.randrange(10 ** 6))
-        self.seconds = line.seconds
+        self.seconds, self.spares = line.seconds, line.spare
         self.programs = Programs(line.programs)
         self.school = School(self.programs, line.roots)
         self.actors = [Worker(self.school, i, self.seed) for i in range(WORKERS)]
@@ -390,7 +390,8 @@ class Play:
             actor.may_go.set()
         while time.monotonic() + 1 < until:
             time.sleep(1)
-            self.programs.kill_one(self.draw)
+            if not self.spares:
+                self.programs.kill_one(self.draw)
         time.sleep(max(0, until - time.monotonic()))
         for actor in self.actors:
             actor.may_go.clear()
@@ -438,6 +439,7 @@ def command_line():
     parser.add_argument("roots", metavar="ROOT", nargs="*")
     parser.add_argument("--seconds", type=int, default=15)
     parser.add_argument("--seed")
+    parser.add_argument("--spare", action="store_true", help="kill nobody")
     return parser.parse_intermixed_args()
 
 
