@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "hosts/common/charset.h"
+#include "hosts/common/console.h"
 
 namespace kivhost {
 
@@ -37,6 +38,20 @@ bool IsOfStore(const fs::path& path) {
   return false;
 }
 
+// A folder opens on some systems, and answers no byte.
+std::istream& OpenToRead(const std::string& path, std::ifstream& file, ExitCode exitCode) {
+  if (path == "-") {
+    TakeInputAsBytes();
+    return std::cin;
+  }
+  std::error_code error;
+  file.open(fs::path(path), std::ios::binary);
+  if (!file || fs::is_directory(fs::path(path), error)) {
+    throw HostError(exitCode, path + ": cannot be read");
+  }
+  return file;
+}
+
 [[noreturn]] void ThrowUnwritten(const std::string& path, int number) {
   throw HostError(kNoStore, path + ": could not be written: " +
                                 std::generic_category().message(number != 0 ? number : EIO));
@@ -44,24 +59,24 @@ bool IsOfStore(const fs::path& path) {
 
 }  // namespace
 
-// A folder opens on some systems, and answers no byte.
+std::string NameOfFile(const std::string& path) {
+  return path == "-" ? "standard input" : path;
+}
+
 std::string ReadWholeFile(const std::string& path, size_t most, const char* kind,
                           ExitCode exitCode) {
-  std::error_code error;
-  std::ifstream file(fs::path(path), std::ios::binary);
-  if (!file || fs::is_directory(fs::path(path), error)) {
-    throw HostError(exitCode, path + ": cannot be read");
-  }
+  std::ifstream opened;
+  std::istream& file = OpenToRead(path, opened, exitCode);
   std::string bytes;
   char block[1 << 16];
   while (file.read(block, sizeof block), file.gcount() > 0) {
     bytes.append(block, static_cast<size_t>(file.gcount()));
     if (bytes.size() > most) {
-      throw HostError(exitCode, path + ": too large for " + kind);
+      throw HostError(exitCode, NameOfFile(path) + ": too large for " + kind);
     }
   }
   if (file.bad()) {
-    throw HostError(exitCode, path + ": cannot be read to its end");
+    throw HostError(exitCode, NameOfFile(path) + ": cannot be read to its end");
   }
   return bytes;
 }

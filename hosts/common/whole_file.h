@@ -1,5 +1,5 @@
-// Files that a user names, read and written whole: "-" is standard output. Throws HostError with
-// the path and the code.
+// Files that a user names, read and written whole: "-" is standard input or output. Throws
+// HostError with the path and the code.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +12,8 @@
 
 namespace kivhost {
 
+// For messages: the path, or "standard input" for "-".
+std::string NameOfFile(const std::string& path);
 // `kind` is what a larger file than `most` is not: "a file of a store".
 std::string ReadWholeFile(const std::string& path, size_t most, const char* kind,
                           ExitCode exitCode);

@@ -1,12 +1,12 @@
 // `move`: a class to another teacher, a student to another class.
 #include <tuple>
 
+#include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/commands/command_line.h"
 #include "hosts/kivadmin/commands/commands.h"
 #include "hosts/kivadmin/commands/plan_arguments.h"
 #include "hosts/kivadmin/plans/entry_plan.h"
 #include "hosts/kivadmin/roster_files/named_columns.h"
-#include "hosts/kivadmin/roster_files/plain_file.h"
 #include "hosts/kivadmin/rosters/layout_maker.h"
 #include "hosts/kivadmin/rosters/roster_changes.h"
 #include "store/change/moving.h"
@@ -102,7 +102,7 @@ void MoveMany(const CommonOptions& common, const MoveArguments& arguments) {
   const Session session(common, Session::Access::kChange);
   School school(session);
   Plan plan = PlanMoves(session, school, wishes);
-  RunPlan(session, school, plan, {.verb = "moved by", .name = NameOfFile(arguments.file)},
+  RunPlan(session, school, plan, {.verb = "moved by", .name = kivhost::NameOfFile(arguments.file)},
           arguments.plan);
 }
 

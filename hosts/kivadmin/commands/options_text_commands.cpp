@@ -5,7 +5,6 @@
 #include "hosts/kivadmin/commands/options_commands.h"
 #include "hosts/kivadmin/options/options_import.h"
 #include "hosts/kivadmin/options/options_text_file.h"
-#include "hosts/kivadmin/roster_files/plain_file.h"
 
 namespace kivadmin {
 namespace {
@@ -48,7 +47,7 @@ std::string TakenText(const OptionsTaken& result) {
 }
 
 void Import(const CommonOptions& common, const TextFileArguments& arguments) {
-  const OptionsText text(NameOfFile(arguments.file), ReadOptionsText(arguments.file));
+  const OptionsText text(kivhost::NameOfFile(arguments.file), ReadOptionsText(arguments.file));
   const Session session(common, Session::Access::kChange);
   const ChosenPlace chosen(session, arguments.names);
   const OptionsTaken result = ImportOptions(session, chosen.Get(), text);

@@ -1,9 +1,9 @@
 // `promote`: the change of year.
+#include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/commands/commands.h"
 #include "hosts/kivadmin/commands/plan_arguments.h"
 #include "hosts/kivadmin/plans/class_plan.h"
 #include "hosts/kivadmin/roster_files/named_columns.h"
-#include "hosts/kivadmin/roster_files/plain_file.h"
 
 namespace kivadmin {
 namespace {
@@ -31,7 +31,7 @@ void Promote(const CommonOptions& common, const PromoteArguments& arguments) {
   Plan plan = PlanPromotions(session, school, promotions);
   RunPlan(session, school, plan,
           {.verb = "promoted by",
-           .name = NameOfFile(arguments.map),
+           .name = kivhost::NameOfFile(arguments.map),
            .isSafe =
                [&] {
                  if (!plan.refused.empty()) {

@@ -9,7 +9,6 @@
 #include "hosts/common/scratch_folder.h"
 #include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/options/options_text.h"
-#include "hosts/kivadmin/roster_files/plain_file.h"
 #include "hosts/kivadmin/session/file_services_scope.h"
 
 namespace kivadmin {
@@ -73,12 +72,8 @@ void WriteOptionsText(STeacherOptionsDob& options, const std::string& file) {
 }
 
 std::string ReadOptionsText(const std::string& file) {
-  constexpr const char* kKind = "a file of options";
-  constexpr size_t kLongest = kivstore::SPrefFile::kLongestText;
-  if (file != "-") {
-    return kivhost::ReadWholeFile(file, kLongest, kKind, kWrongUsage);
-  }
-  return ReadStandardInput(kLongest, kKind);
+  return kivhost::ReadWholeFile(file, kivstore::SPrefFile::kLongestText, "a file of options",
+                                kWrongUsage);
 }
 
 }  // namespace kivadmin

@@ -5,6 +5,7 @@
 
 #include "hosts/common/csv_text.h"
 #include "hosts/common/host_error.h"
+#include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/roster_files/cell_text.h"
 #include "hosts/kivadmin/roster_files/file_text.h"
 #include "hosts/kivadmin/roster_files/plain_file.h"
@@ -90,7 +91,7 @@ std::optional<std::vector<NamedRow>> ReadSeparated(const CsvText& csv,
 
 std::vector<NamedRow> ReadNamedColumns(const std::string& path,
                                        const std::vector<WantedColumn>& wanted) {
-  const std::string name = NameOfFile(path);
+  const std::string name = kivhost::NameOfFile(path);
   const FileText file = DecodeFile(ReadPlainFile(path, "a table"), name, "");
   for (const char separator : {',', ';', '\t'}) {
     if (auto rows = ReadSeparated({name, file.text, separator}, wanted)) {

@@ -1,9 +1,7 @@
 #include "hosts/kivadmin/roster_files/plain_file.h"
 
 #include <filesystem>
-#include <iostream>
 
-#include "hosts/common/console.h"
 #include "hosts/common/host_error.h"
 #include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/roster_files/file_text.h"
@@ -33,28 +31,10 @@ void NeedPlainFile(const std::string& path, const char* kind) {
 
 }  // namespace
 
-std::string NameOfFile(const std::string& path) {
-  return path == "-" ? "standard input" : path;
-}
-
-std::string ReadStandardInput(size_t most, const char* kind) {
-  kivhost::TakeInputAsBytes();
-  std::string bytes;
-  char block[1 << 16];
-  while (std::cin.read(block, sizeof block), std::cin.gcount() > 0) {
-    bytes.append(block, static_cast<size_t>(std::cin.gcount()));
-    if (bytes.size() > most) {
-      throw HostError(kWrongUsage, std::string("standard input: too large for ") + kind);
-    }
-  }
-  return bytes;
-}
-
 std::string ReadPlainFile(const std::string& path, const char* kind) {
-  if (path == "-") {
-    return ReadStandardInput(kLongestRosterFile, kind);
+  if (path != "-") {
+    NeedPlainFile(path, kind);
   }
-  NeedPlainFile(path, kind);
   return kivhost::ReadWholeFile(path, kLongestRosterFile, kind, kWrongUsage);
 }
 

@@ -7,6 +7,7 @@
 
 #include "hosts/common/host_error.h"
 #include "hosts/common/unicode.h"
+#include "hosts/common/whole_file.h"
 #include "hosts/kivadmin/roster_files/cell_text.h"
 #include "hosts/kivadmin/roster_files/file_text.h"
 #include "hosts/kivadmin/roster_files/one_roster_lines.h"
@@ -60,7 +61,7 @@ void TakeBundle(RosterBundle bundle, const RosterFormat& format, RosterFile& ros
 
 void Read(const std::string& path, const RosterFormat& format, RosterFile& roster) {
   if (path == "-") {
-    roster.name = NameOfFile(path);
+    roster.name = kivhost::NameOfFile(path);
     std::string bytes = ReadPlainFile(path, kKind);
     if (IsZip(bytes)) {
       throw HostError(kWrongUsage, roster.name + ": a zip; give it as a file");
