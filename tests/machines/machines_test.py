@@ -127,8 +127,8 @@ class Shares(unittest.TestCase):
         self.is_good(self.mount_samba("tutor"))
 
     def test_samba_and_programs_on_its_disk(self):
-        """Nobody is killed: a client of the kernel's whose program dies while it waits for one here leaves the file
-        open at the server, and it is locked from then on (docs/file-server.md)."""
+        """Nobody is killed: where a program on a machine dies while it waits for one here, the file stays open at the
+        server and is locked from then on (docs/file-server.md)."""
         name = self.mount_samba("tutor")
         self.loses_nothing("--spare", f"/station1/{name}/school", f"/station2/{name}/school",
                            self.store / name / "school")
@@ -146,13 +146,18 @@ class Shares(unittest.TestCase):
         self.assertEqual(code, 1, said)
         self.assertRegex(said, "locks: [0-3] of 4 as they must be")
 
-    def test_what_a_workstation_hides_is_hidden_on_a_linux_machine(self):
+    def test_what_a_workstation_hides_or_protects_is_so_on_a_linux_machine(self):
         name = self.mount_samba_with_two_students()
         self.samba.set_mode(rf"{name}\{samba_test.ANN}", "+h")
         for station in self.machines[1:]:
             listed = station.done("kivreport", "--format=csv", f"/{station.name}/{name}")
             self.assertNotIn("Ann Lee", listed)
             self.assertIn("Bea Lee", listed)
+        self.machines[1].done("kivadmin", "options", "set", f"/station1/{name}", "MinWPMGoal=5")
+        self.samba.set_mode(rf"{name}\Classes.zep\Hill\Classes.zep\options.kiv", "+r")
+        code, _, errors = self.machines[2].run("kivadmin", "options", "set", f"/station2/{name}", "MinWPMGoal=7")
+        self.assertEqual(code, 3, errors)
+        self.assertIn("options.kiv", errors)
 
     def test_a_workstation_at_work_keeps_linux_machines_out(self):
         name = self.mount_samba_with_two_students()

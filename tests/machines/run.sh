@@ -5,7 +5,7 @@
 #
 #   tests/machines/run.sh [BIN] [TEST ...]
 #
-# BIN has kivadmin, kivreport and hold_file, build/release/bin unless told. KIVSTORE_SECONDS is how long a school is
+# BIN has kivadmin and kivreport, build/release/bin unless told. KIVSTORE_SECONDS is how long a school is
 # worked on at random on each share, 60 unless told. All of it has namespaces of its own and ends with the script.
 #
 # Exit codes: 0 all is as it must be, 1 something is not, 77 this machine cannot do it, and why is said.
@@ -38,7 +38,8 @@ kernel=build/machines/kernel
 need qemu-system-x86_64 qemu-system-x86 /usr/share/doc/busybox-static busybox-static \
      /usr/bin/python3.11 python3.11-minimal ldd libc-bin \
      /usr/sbin/smbd samba /usr/lib/python3/dist-packages/samba/samba3 python3-samba \
-     smbstatus samba-common-bin unshare util-linux ip iproute2 || cannot "there is no QEMU or no Samba"
+     smbstatus samba-common-bin smbclient smbclient /sbin/mkfs.ext4 e2fsprogs unshare util-linux ip iproute2 ||
+  cannot "there is no QEMU or no Samba"
 fetch_kernel || cannot "Debian's kernel is not to be had"
 namespaces="--mount --net --pid --ipc --fork --mount-proc --kill-child=KILL"
 # shellcheck disable=SC2086

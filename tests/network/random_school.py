@@ -5,8 +5,9 @@
 
 Four processes add, rename, move, delete and bring back teachers, classes and students at random, set
 options and progress, by BIN's kivadmin, while two others list and report. Each second one of them is
-killed, unless they are to be spared. The roots lead to one empty folder, through several mounts where there are several, and the
-processes are spread over them; without any a folder of this machine is taken.
+killed, unless they are to be spared. The roots lead to one empty folder, through several mounts where
+there are several, and the processes are spread over them; without any a folder of this machine is
+taken.
 
 A ledger keeps what each command was told (ledger.py). Every few seconds all wait, and the store is
 held against it: nothing that was told is undone, nobody is lost or stands twice, there is no name
