@@ -41,7 +41,8 @@ need_host_libraries() {
        /usr/include/csv.h libcsv-dev \
        /usr/include/minizip/zip.h libminizip-dev \
        /usr/include/utf8proc.h libutf8proc-dev \
-       /usr/include/xlsxwriter.h libxlsxwriter-dev
+       /usr/include/xlsxwriter.h libxlsxwriter-dev \
+       /usr/include/zlib.h zlib1g-dev
 }
 
 need_test_tools() {
