@@ -1,5 +1,6 @@
 // Both chains of roster commands, on each kind of store; and how far a student has come.
 #include "tests/app/call_fixture.h"
+#include "tests/support/fault_file_services.h"
 
 namespace kivtest {
 namespace {
@@ -51,10 +52,13 @@ TEST_P(BothChains, TheCachedChainReadsEachListOnceAndChangesNothing) {
   EXPECT_EQ(store.Snapshot(), before);
 
   folder.Remove("Classes.zep");
+  FaultFileServices watched(*Platform().files);
+  const SPlatformOverride<IFileServices> installed(Platform().files, &watched);
   EXPECT_EQ(host.Answer(KIV_CACHED_TEACHER_NAME), done + lists + "0 |0 ");
   EXPECT_EQ(host.ListedClass(2).Answer(KIV_CACHED_CLASS_NAME), top + lists + "1 Room 14|0 ");
   EXPECT_EQ(host.Class(1).Student(3).Answer(KIV_CACHED_STUDENT_NAME),
             top + lists + "0 Room 14|2 Mei");
+  EXPECT_TRUE(watched.Log().empty());
 }
 
 TEST_P(BothChains, AnIndexOutsideItsListIsAnEntryThatIsNotThere) {

@@ -3,6 +3,7 @@
 #include "archive/dob_binary_archive.h"
 #include "archive/stream_stream.h"
 #include "tests/archive/archive_support.h"
+#include "tests/support/failing_memory.h"
 
 namespace kivstore {
 namespace {
@@ -97,6 +98,12 @@ TEST(SDobBinaryArchive, BlobIsItsLengthAndItsBytesAndNeverLongerThanTheStream) {
     EXPECT_FALSE(tornArchive->TransferBlob("b", handle, length));
     EXPECT_TRUE(tornArchive->HasError() && handle == nullptr) << "allocates nothing";
   }
+  kivtest::FailingMemory memory;
+  memory.exhausted = true;
+  Reading full("\0\0\0\1a\7"s);
+  EXPECT_FALSE(full->TransferBlob("b", handle, length) || handle != nullptr || length != 0);
+  uint8_t next = 0;
+  EXPECT_TRUE(full->TransferUChar("n", next) && next == 7) << "what has no room is read past";
 }
 
 using BytesOfAFile = kivtest::FileTest;

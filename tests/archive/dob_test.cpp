@@ -30,6 +30,9 @@ TEST(SDob, OfAnotherClassSharesOnlyTheDirtyFlag) {
   base.Merge(sample);
   base.Merge(SDob());
   EXPECT_TRUE(base.IsDirty()) << "or-ed";
+  SDobBinaryArchive nowhere(SDobBinaryArchive::kRead, nullptr);
+  base.Serialize(nowhere);
+  EXPECT_FALSE(base.IsDirty()) << "as read";
 }
 
 using DobFiles = kivtest::FileTest;

@@ -159,6 +159,7 @@ TEST_F(GameFile, IsKnownByItsTagAndExactVersion) {
     game.SetFirstName("Ann");
     game.handSkinTone = 3;
     EXPECT_EQ(game.LoadGame(spec), bytes == good) << what;
+    EXPECT_EQ(game.IsDirty(), !isGame) << what;
     EXPECT_EQ(SKivGameDob::IsGameFile(spec), isGame) << what;
     EXPECT_EQ(game.handSkinTone, isGame ? -1 : 3) << what;
     EXPECT_EQ(game.GetFullName(), isGame ? "Lee" : "Ann Lee") << what;

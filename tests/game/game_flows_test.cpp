@@ -24,6 +24,7 @@ class TalkingHost : public TestGameHost {
   bool picksShared = false;
   int saveChanges = 0;
   bool openForeign = false;
+  bool declines = false;  // the game that was loaded
   Codes errors;
 };
 
@@ -48,7 +49,10 @@ class TalkingGame : public SGameDob {
     host.errors.push_back(code);
     SGameDob::ReportError(code);
   }
-  void OnLoaded() override { host.events.push_back("loaded"); }
+  void OnLoaded() override {
+    host.events.push_back("loaded");
+    host.declines ? host.SetPendingGame(nullptr) : void();
+  }
   void OnReplaced() override { host.events.push_back("replaced"); }
 
  private:
@@ -334,6 +338,9 @@ TEST_F(GameFlow, TheGameThatIsReplacedMayBeThePendingOne) {
   EXPECT_TRUE(Pending()->LoadFile(Spec("game.zep"), "Second", nullptr));
   EXPECT_EQ(Pending()->longFileName, "Second");
   EXPECT_EQ(host.events, (Lines{"replaced", "game.zep as zep"}));
+  host.declines = true;
+  EXPECT_TRUE(Load(AnnsGame()));
+  EXPECT_EQ(Pending(), &Game()) << "a change is asked for all the same";
 }
 
 TEST_F(GameFlow, GamesGoWhereTheOptionsSay) {

@@ -371,6 +371,13 @@ class Backups(unittest.TestCase):
         self.done(*words)
         self.done("check", "store")
 
+    def test_who_has_no_long_name_is_known_by_the_index(self):
+        (self.list / "5a/Students/AnnLee/longname.kiv").unlink()
+        self.done("backup", "store", "nameless.zip")
+        self.done("delete", "student", "store", "Ann Lee", "--class=5a", "--yes")
+        self.done("restore", "nameless.zip", "store", "--class=5a", "--student=Ann Lee")
+        self.assertIn("Ann Lee", self.done("list", "store", "--class=5a"))
+
     def test_no_file_is_torn_and_nobody_is_missing(self):
         """While students are moved to and fro, and a tutor writes one's options."""
         over = threading.Event()
