@@ -11,7 +11,7 @@ need_build_tools
 need_host_libraries
 need_man_tools
 need_mono
-need pkg-config pkg-config python3 python3
+need pkg-config pkg-config python3 python3 make make
 preset=${1:-release}
 log=build/$preset/install-check.log
 work=$PWD/build/$preset/install-check
