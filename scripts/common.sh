@@ -6,6 +6,12 @@ as_root() {
   if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
+# run_apt WORDS ...: quietly, after others of these scripts, and in its turn with other programs that install.
+run_apt() {
+  as_root env DEBIAN_FRONTEND=noninteractive flock /var/lib/dpkg \
+    apt-get -qq -o DPkg::Lock::Timeout=600 "$@" >/dev/null
+}
+
 # need FILE_OR_COMMAND PACKAGE ...: pairs; what is missing is installed, in one go, and named.
 need() {
   missing=
@@ -22,10 +28,9 @@ need() {
     echo "this system has no apt-get: please install these packages yourself" >&2
     return 1
   fi
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get update -qq >/dev/null 2>&1 || true
+  run_apt update 2>/dev/null || true
   # shellcheck disable=SC2086
-  as_root env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -y -qq --no-install-recommends $missing >/dev/null || {
+  run_apt install -y --no-install-recommends $missing || {
     echo "could not install:$missing" >&2
     return 1
   }
