@@ -111,6 +111,7 @@ windows_sources="libcsv libxlsxwriter minizip utf8proc"
 fetch_sources() {
   fetched=$PWD/build/sources
   [ "$(cat "$fetched/complete" 2>/dev/null)" != "$windows_sources" ] || return 0
+  need xz xz-utils
   echo "fetching the sources of $windows_sources"
   rm -rf "$fetched"
   mkdir -p "$fetched/apt/lists/partial"
