@@ -66,7 +66,8 @@ pack_source() {
 # Built in a folder of its own, as any builder of packages does.
 pack_debian() {
   need_build_tools
-  need dh debhelper dpkg-buildpackage dpkg-dev lintian lintian scdoc scdoc python3 python3
+  need dh debhelper dpkg-buildpackage dpkg-dev /usr/share/build-essential/list build-essential \
+       lintian lintian scdoc scdoc python3 python3
   need_host_libraries
   area=$output/debian-build
   rm -rf "$area"
