@@ -88,7 +88,8 @@ void WriteHistory(std::ostream& out, const Report& report, bool unicode) {
   out << "\nMedian missions by date\n";
   for (const Teacher& teacher : report.teachers) {
     for (const Class& group : teacher.classes) {
-      out << "  " << Printable(PlaceName(teacher.name, group.name)) << '\n';
+      out << "  " << Printable(PlaceName(teacher.name, group.name)) << '\n'
+          << (group.history.empty() ? "    none\n" : "");
       WriteMedians(out, report, group, unicode);
     }
   }
