@@ -11,7 +11,7 @@ from dataclasses import dataclass
 
 # $1: a folder that may be written, or nothing; $2: where the temporary files go. /dev/shm is new
 # too, so that there are two file systems. A runaway gets $3 seconds of a processor, however busy
-# the machine is, no core file, 4 GiB, files of 256 MiB.
+# the machine is, no core file, 4 GiB unless it lifts that itself, files of 256 MiB.
 PREPARE = r"""
 set -e
 own=$1 stores=$2 seconds=$3
@@ -32,7 +32,7 @@ cd "${own:-$stores}"
 export TMPDIR="$stores"
 ulimit -t "$seconds"
 ulimit -c 0
-ulimit -v 4194304
+ulimit -S -v 4194304
 ulimit -f 524288
 """
 
