@@ -209,8 +209,10 @@ def main():
     need_tools()
     os.nice(5)
     work = Run(drawn, arguments.jobs, arguments.keep_going)
-    work.go()
-    keep_survivors(work.faults())
+    try:
+        work.go()
+    finally:
+        keep_survivors(work.faults())
     return 1 if tell_results(work.faults()) < arguments.least else 0
 
 
