@@ -1,4 +1,5 @@
 // Both chains of roster commands, on each kind of store; and how far a student has come.
+#include "platform/platform.h"
 #include "tests/app/call_fixture.h"
 #include "tests/support/fault_file_services.h"
 
