@@ -212,7 +212,8 @@ def main():
     try:
         work.go()
     finally:
-        keep_survivors(work.faults())
+        if work.faults():
+            keep_survivors(work.faults())
     return 1 if tell_results(work.faults()) < arguments.least else 0
 
 
