@@ -61,7 +61,8 @@ json Parsed(const std::string& path) {
   const bool isReport = parsed.is_object() && parsed.contains("mode") &&
                         (parsed.contains("teachers") || parsed.contains("classes"));
   if (!isReport) {
-    ThrowNone(path, "is no report in JSON; kivreport --format json writes one");
+    ThrowNone(kivhost::NameOfFile(path),
+              "is no report in JSON; kivreport --format json writes one");
   }
   return parsed;
 }

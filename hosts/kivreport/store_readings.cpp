@@ -28,22 +28,23 @@ constexpr size_t kAheadByJob = 8;
 std::vector<StoreOfList> ReadStoreList(const std::string& path) {
   const std::string text =
       kivhost::ReadWholeFile(path, kLongestList, "a list of stores", kWrongUsage);
+  const std::string name = kivhost::NameOfFile(path);
   std::vector<StoreOfList> stores;
   bool isHeading = true;
-  ReadCsv({path, std::string_view(text).substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0)},
+  ReadCsv({name, std::string_view(text).substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0)},
           [&](const CsvRow& row) {
             if (std::exchange(isHeading, false)) {
               return true;
             }
             if (row.fields.size() < 2 || row.fields[0].empty() || row.fields[1].empty()) {
-              throw HostError(kWrongUsage, path + ':' + std::to_string(row.number) +
+              throw HostError(kWrongUsage, name + ':' + std::to_string(row.number) +
                                                ": a school's name and its data root are wanted");
             }
             stores.push_back({row.fields[0], row.fields[1]});
             return true;
           });
   if (stores.empty()) {
-    throw HostError(kWrongUsage, path + ": no store below the heading name,data root");
+    throw HostError(kWrongUsage, name + ": no store below the heading name,data root");
   }
   return stores;
 }

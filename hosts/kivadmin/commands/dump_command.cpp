@@ -27,7 +27,7 @@ void Dump(const CommonOptions& common, const DumpArguments& arguments) {
   std::cout << dump.json.dump(2) << '\n';
   kivhost::TellUnshown("kivadmin", *charset);
   if (!dump.trouble.empty()) {
-    throw HostError(kRefused, arguments.file + ": " + dump.trouble);
+    throw HostError(kRefused, kivhost::NameOfFile(arguments.file) + ": " + dump.trouble);
   }
 }
 

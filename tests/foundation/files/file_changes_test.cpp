@@ -252,7 +252,7 @@ TEST_F(FileChanges, BetweenTwoMountsCopyAndRemoveTheSource) {
   // What a link leads to is no part of the tree, which stays where it is.
   fs::create_directories(temp.Path("linked/sub"));
   fs::create_directory_symlink(temp.Path("to"), temp.Path("linked/sub/link"));
-  EXPECT_FALSE(SFileSpec(Spec("linked")).MoveTo(SFileSpec(other.c_str())));
+  EXPECT_FALSE(Spec("linked").MoveTo(SFileSpec(other.c_str())));
   EXPECT_EQ(kivtest::SnapshotOf(other.string()), moved);
   EXPECT_TRUE(fs::is_symlink(temp.Path("linked/sub/link")) && temp.Exists("to/file"));
   fs::remove_all(other);
