@@ -212,7 +212,8 @@ def main():
     try:
         work.go()
     finally:
-        if work.faults():
+        # What a repetition that was stopped has not asked again is kept.
+        if work.faults() and not (arguments.again and work.problems):
             keep_survivors(work.faults())
     return 1 if tell_results(work.faults()) < arguments.least else 0
 
